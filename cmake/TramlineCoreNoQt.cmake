@@ -1,0 +1,13 @@
+# The core libraries must never pick up Qt: only src/app may link it.
+function(tramline_check_core_without_qt)
+  foreach(target IN LISTS ARGN)
+    get_target_property(libs ${target} LINK_LIBRARIES)
+    if(libs)
+      foreach(lib IN LISTS libs)
+        if(lib MATCHES "^Qt[0-9]*::")
+          message(FATAL_ERROR "Core target ${target} links ${lib}; only src/app may use Qt")
+        endif()
+      endforeach()
+    endif()
+  endforeach()
+endfunction()

@@ -1,0 +1,65 @@
+#include "base/format.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+#include <vector>
+
+namespace tramline {
+
+std::string vformat(const char *pattern, va_list args) {
+    char small[256];
+    va_list copy;
+    va_copy(copy, args);
+    const int needed = std::vsnprintf(small, sizeof small, pattern, copy);
+    va_end(copy);
+    if (needed < 0)
+        return {};
+    if (static_cast<size_t>(needed) < sizeof small)
+        return std::string(small, static_cast<size_t>(needed));
+    std::string out(static_cast<size_t>(needed) + 1, '\0');
+    std::vsnprintf(out.data(), out.size(), pattern, args);
+    out.resize(static_cast<size_t>(needed));
+    return out;
+}
+
+std::string format(const char *pattern, ...) {
+    va_list args;
+    va_start(args, pattern);
+    std::string out = vformat(pattern, args);
+    va_end(args);
+    return out;
+}
+
+void appendFormat(std::string &out, const char *pattern, ...) {
+    va_list args;
+    va_start(args, pattern);
+    out += vformat(pattern, args);
+    va_end(args);
+}
+
+bool parseNumber(std::string_view text, double &value) {
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
+        text.remove_prefix(1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\r'))
+        text.remove_suffix(1);
+    if (text.empty() || text.size() > 64)
+        return false;
+    char buffer[65];
+    text.copy(buffer, text.size());
+    buffer[text.size()] = '\0';
+    char *end = nullptr;
+    errno = 0;
+    const double v = std::strtod(buffer, &end);
+    if (end != buffer + text.size() || errno == ERANGE)
+        return false;
+    // strtod takes "nan", "inf" and hex floats; a survey value is none of those.
+    for (char c : text)
+        if (c == 'n' || c == 'N' || c == 'i' || c == 'I' || c == 'x' || c == 'X')
+            return false;
+    value = v;
+    return true;
+}
+
+} // namespace tramline

@@ -1,0 +1,40 @@
+#include "base/translation.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <libintl.h>
+
+namespace tramline {
+
+namespace {
+bool g_bound = false;
+}
+
+bool setTranslationLanguage(const std::string &catalogueFolder, const std::string &languageCode) {
+    if (languageCode.empty() || languageCode == "en" || languageCode.rfind("en_", 0) == 0) {
+        g_bound = false;
+        return true;
+    }
+    std::error_code ec;
+    const auto mo = std::filesystem::path(catalogueFolder) / languageCode / "LC_MESSAGES" /
+                    (std::string(kTextDomain) + ".mo");
+    const auto shortMo = std::filesystem::path(catalogueFolder) / languageCode.substr(0, 2) /
+                         "LC_MESSAGES" / (std::string(kTextDomain) + ".mo");
+    if (!std::filesystem::exists(mo, ec) && !std::filesystem::exists(shortMo, ec))
+        return false;
+    // gettext picks the catalogue from LANGUAGE, which outranks the locale;
+    // the program chooses the language itself, so it sets LANGUAGE.
+    setenv("LANGUAGE", languageCode.c_str(), 1);
+    bindtextdomain(kTextDomain, catalogueFolder.c_str());
+    bind_textdomain_codeset(kTextDomain, "UTF-8");
+    g_bound = true;
+    return true;
+}
+
+const char *tr(const char *english) {
+    if (!g_bound || english == nullptr || *english == '\0')
+        return english;
+    return dgettext(kTextDomain, english);
+}
+
+} // namespace tramline

@@ -1,0 +1,20 @@
+// What every sub-command gets: the output streams and the exit code it
+// leaves behind. Each module's commands register themselves on the app.
+#pragma once
+
+#include "cli/cli.h"
+
+#include <CLI/CLI.hpp>
+#include <ostream>
+
+namespace tramline::cli {
+
+struct CommandContext {
+    std::ostream &out;
+    std::ostream &err;
+    int exitCode = kSuccess;
+};
+
+void addRawCommands(CLI::App &app, CommandContext &context);
+
+} // namespace tramline::cli

@@ -1,0 +1,222 @@
+// tramline-cli raw ...: the raw file document from the command line.
+#include "base/folders.h"
+#include "base/format.h"
+#include "base/translation.h"
+#include "cli/command_context.h"
+#include "cli/console_interaction.h"
+#include "raw/classify.h"
+#include "raw/document.h"
+
+#include <nlohmann/json.hpp>
+
+namespace tramline::cli {
+
+namespace {
+
+// Options shared by the commands that read a file into the document.
+struct RawFileOptions {
+    std::string file;
+    std::string output;
+};
+
+bool openDocument(const std::string &file, raw::RawDocument &doc, CommandContext &ctx) {
+    ConsoleInteraction ui(ctx.err);
+    if (!doc.open(file, ui)) {
+        ctx.exitCode = kFailure;
+        return false;
+    }
+    return true;
+}
+
+// Saves to -o when given, else over the file itself (atomically).
+bool saveDocument(raw::RawDocument &doc, const std::string &output, CommandContext &ctx) {
+    ConsoleInteraction ui(ctx.err);
+    const bool ok = output.empty() ? doc.save(ui) : doc.saveAs(output, ui);
+    if (!ok)
+        ctx.exitCode = kFailure;
+    return ok;
+}
+
+void addClassify(CLI::App &raw, CommandContext &ctx) {
+    auto *cmd = raw.add_subcommand("classify", "Classify RW5 lines: the record kind, then the field values, "
+                                               "tab-separated, one line per input");
+    auto lines = std::make_shared<std::vector<std::string>>();
+    auto job = std::make_shared<bool>(false);
+    cmd->add_flag("--job", *job, "Recognise JB job records (the job flag)");
+    cmd->add_option("LINE", *lines, "Lines to classify")->required();
+    cmd->callback([&ctx, lines, job] {
+        raw::RawFields fields;
+        for (const auto &line : *lines) {
+            const int kind = raw::ClassifyRawLine(line, *job ? 1 : 0, fields);
+            // Trailing empty outputs are not printed; empty values inside are.
+            size_t used = fields.size();
+            while (used > 0 && fields[used - 1].empty())
+                --used;
+            ctx.out << kind;
+            for (size_t i = 0; i < used; ++i)
+                ctx.out << '\t' << fields[i];
+            ctx.out << '\n';
+        }
+    });
+}
+
+void addShow(CLI::App &raw, CommandContext &ctx) {
+    auto *cmd = raw.add_subcommand("show", "Show the raw file as the grid shows it: row number, type and cells, "
+                                           "tab-separated (zenith angles, slope distances, ddd.mmss)");
+    auto opts = std::make_shared<RawFileOptions>();
+    auto json = std::make_shared<bool>(false);
+    cmd->add_option("FILE", opts->file, "RW5 file")->required();
+    cmd->add_flag("--json", *json, "Write a JSON array of rows");
+    cmd->callback([&ctx, opts, json] {
+        raw::RawDocument doc;
+        if (!openDocument(opts->file, doc, ctx))
+            return;
+        if (*json) {
+            nlohmann::json rows = nlohmann::json::array();
+            for (size_t i = 0; i < doc.rowCount(); ++i) {
+                const auto &row = doc.row(i);
+                rows.push_back({{"row", i + 1},
+                                {"type", row.type},
+                                {"captions", doc.captions(row.type)},
+                                {"cells", row.cells}});
+            }
+            ctx.out << rows.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+            return;
+        }
+        for (size_t i = 0; i < doc.rowCount(); ++i) {
+            const auto &row = doc.row(i);
+            ctx.out << i + 1 << '\t' << row.type;
+            for (const auto &cell : row.cells)
+                ctx.out << '\t' << cell;
+            ctx.out << '\n';
+        }
+    });
+}
+
+void addModify(CLI::App &raw, CommandContext &ctx) {
+    auto *cmd = raw.add_subcommand("modify", "Modify Measurements: add a delta to distances, angles or elevation "
+                                             "differences of the chosen observations");
+    struct Options {
+        std::string file, output, field, points, lines;
+        double delta = 0.0;
+    };
+    auto o = std::make_shared<Options>();
+    cmd->add_option("FILE", o->file, "RW5 file")->required();
+    cmd->add_option("--field", o->field, "Field to modify")
+        ->required()
+        ->check(CLI::IsMember({"distance", "horizontal", "vertical", "elevdiff"}));
+    cmd->add_option("--delta", o->delta, "Delta: a length, or an angle in ddd.mmss (gons in a gon file)")
+        ->required();
+    auto *points = cmd->add_option("--points", o->points, "Range of points, like 1-5,7,A10 (foresight points)");
+    auto *lines = cmd->add_option("--lines", o->lines, "Start and end line, like 4-20 (grid rows)");
+    points->excludes(lines);
+    cmd->add_option("-o,--output", o->output, "Write here instead of over FILE");
+    cmd->callback([&ctx, o, cmd] {
+        if (o->points.empty() && o->lines.empty())
+            throw CLI::ValidationError("--points or --lines", "give the rows to modify");
+        raw::ModifySelection selection;
+        selection.points = o->points;
+        if (!o->lines.empty()) {
+            unsigned long first = 0, last = 0;
+            char dash = 0;
+            if (std::sscanf(o->lines.c_str(), "%lu%c%lu", &first, &dash, &last) != 3 || dash != '-' || first == 0 ||
+                last < first)
+                throw CLI::ValidationError("--lines", "give the start and end line as A-B, A from 1, B >= A");
+            selection.firstLine = first;
+            selection.lastLine = last;
+        }
+        (void)cmd;
+        raw::RawDocument doc;
+        raw::ModifyField field = raw::ModifyField::Distance;
+        if (o->field == "horizontal")
+            field = raw::ModifyField::HorizontalAngle;
+        else if (o->field == "vertical")
+            field = raw::ModifyField::VerticalAngle;
+        else if (o->field == "elevdiff") {
+            // Elevation differences are modified in the elevation-difference
+            // display, and are written back as such.
+            field = raw::ModifyField::ElevationDifference;
+            raw::DisplayModes modes;
+            modes.vertical = 3;
+            doc.setModes(modes);
+        }
+        if (!openDocument(o->file, doc, ctx))
+            return;
+        const int count = doc.modifyMeasurements(field, o->delta, selection);
+        if (count < 0) {
+            ctx.err << tr("Error: no elevation differences to modify") << '\n';
+            ctx.exitCode = kFailure;
+            return;
+        }
+        if (count > 0 || !o->output.empty())
+            if (!saveDocument(doc, o->output, ctx))
+                return;
+        ctx.out << format(tr("Modified %d values"), count) << '\n';
+    });
+}
+
+void addAppend(CLI::App &raw, CommandContext &ctx) {
+    auto *cmd = raw.add_subcommand("append", "Import Raw Data: add the records of another raw file at the end");
+    struct Options {
+        std::string file, other, output;
+        bool tds = false;
+    };
+    auto o = std::make_shared<Options>();
+    cmd->add_option("FILE", o->file, "The open RW5 file")->required();
+    cmd->add_option("OTHER", o->other, "The raw file to add")->required();
+    cmd->add_flag("--tds", o->tds, "OTHER is a TDS collector's raw file (its job and mode records are left out)");
+    cmd->add_option("-o,--output", o->output, "Write here instead of over FILE");
+    cmd->callback([&ctx, o] {
+        raw::RawDocument doc;
+        if (!openDocument(o->file, doc, ctx))
+            return;
+        const size_t before = doc.rowCount();
+        ConsoleInteraction ui(ctx.err);
+        if (!doc.append(o->other, o->tds, ui)) {
+            ctx.exitCode = kFailure;
+            return;
+        }
+        if (!saveDocument(doc, o->output, ctx))
+            return;
+        ctx.out << format("Added %zu records", doc.rowCount() - before) << '\n';
+    });
+}
+
+void addPrint(CLI::App &raw, CommandContext &ctx) {
+    auto *cmd = raw.add_subcommand("print", "Print > Raw Data: the raw file report, also written to "
+                                            "morvrprt.tmp in the working folder");
+    struct Options {
+        std::string file, workdir;
+    };
+    auto o = std::make_shared<Options>();
+    cmd->add_option("FILE", o->file, "RW5 file")->required();
+    cmd->add_option("--workdir", o->workdir, "Working folder (default: Documents/Halvren Tramline)");
+    cmd->callback([&ctx, o] {
+        raw::RawDocument doc;
+        if (!openDocument(o->file, doc, ctx))
+            return;
+        std::filesystem::path folder = o->workdir.empty() ? defaultWorkingFolder() : std::filesystem::path(o->workdir);
+        std::error_code ec;
+        std::filesystem::create_directories(folder, ec);
+        ConsoleInteraction ui(ctx.err);
+        if (!doc.print(folder, ui)) {
+            ctx.exitCode = kFailure;
+            return;
+        }
+        ctx.out << doc.printReport();
+    });
+}
+
+} // namespace
+
+void addRawCommands(CLI::App &app, CommandContext &ctx) {
+    auto *raw = app.add_subcommand("raw", "RW5 raw data files: classify, show, modify, append, print");
+    raw->require_subcommand(1);
+    addClassify(*raw, ctx);
+    addShow(*raw, ctx);
+    addModify(*raw, ctx);
+    addAppend(*raw, ctx);
+    addPrint(*raw, ctx);
+}
+
+} // namespace tramline::cli

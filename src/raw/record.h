@@ -1,0 +1,110 @@
+// One record of a raw file as the reader holds it: the record type, its
+// field values by position (codes removed), and for observations the
+// values parsed and brought into one form (vertical angle and slope
+// distance) for computation.
+#pragma once
+
+#include "base/units.h"
+
+#include <string>
+#include <vector>
+
+namespace tramline::raw {
+
+/// Horizontal angle kinds, numbered as the reader numbers them.
+enum class HorizontalKind : int {
+    None = 0,
+    NE = 1, ///< bearing north-east, written "BRN" value "E"
+    SE = 2,
+    SW = 3,
+    NW = 4,
+    AZ = 5, ///< azimuth
+    AL = 6, ///< angle left
+    AR = 7, ///< angle right
+    DL = 8, ///< deflection left
+    DR = 9, ///< deflection right
+    GN = 10,
+};
+
+/// Vertical kinds: vertical angle, zenith angle, elevation difference.
+enum class VerticalKind : int { None = 0, VA = 1, ZE = 2, CE = 3 };
+
+enum class DistanceKind : int { Slope = 0, Horizontal = 1 };
+
+/// The editor's name of an angle kind ("NE", "AR", ...); empty for None.
+const char *horizontalKindName(HorizontalKind kind);
+/// The kind for an editor name; None when unknown.
+HorizontalKind horizontalKindFromName(std::string_view name);
+
+/// What an observation record says, in numbers. Angles are in the file's
+/// angle unit (ddd.mmss, or decimal gons in a gon file); lengths in the
+/// file's linear unit.
+struct Observation {
+    std::string type; ///< "SS", "TR", "CL", "AB", "CL+AB", "FD", "FR", "BD", "BR"
+    std::string occupied;
+    std::string foresight;
+    HorizontalKind horizontalKind = HorizontalKind::None;
+    double horizontal = 0.0;
+    bool hasHorizontal = false;
+    VerticalKind verticalKind = VerticalKind::None; ///< as written in the file
+    double verticalAngle = 0.0;                     ///< vertical angle after normalisation
+    bool hasVertical = false;
+    DistanceKind distanceKind = DistanceKind::Slope; ///< as written in the file
+    double slopeDistance = 0.0;                      ///< slope distance after normalisation
+    bool hasDistance = false;
+    std::string description;
+
+    bool isTraverse() const { return type == "TR"; }
+    bool isClosing() const { return type == "CL" || type == "CL+AB"; }
+    bool isAngleBalance() const { return type == "AB" || type == "CL+AB"; }
+    bool isClosingAndBalance() const { return type == "CL+AB"; }
+    bool isForesightDirect() const { return type == "FD"; }
+    bool isForesightReverse() const { return type == "FR"; }
+    bool isBacksightDirect() const { return type == "BD"; }
+    bool isBacksightReverse() const { return type == "BR"; }
+};
+
+/// Record types of the reader. Lines of any other type (notes, OC, MO, JB,
+/// CC, unrecognised text) are kept whole as Text.
+enum class RecordType : int {
+    Text,
+    Observation,
+    StorePoint,    ///< SP: PN, N, E, EL, description
+    Backsight,     ///< BK: OP, BP, BS, BC
+    Heights,       ///< LS: HI, HR (either may be absent)
+    TraverseName,  ///< NAME: text
+    GpsPosition,   ///< GPS: PN, LA, LN, EL, description
+    BasePoint,     ///< BP: PN, LA, LN, EL, then the rest as one text
+    ControlErrors, ///< CSE: N, E, EL, AZ
+    SetupErrors,   ///< SSE: TE, IE, HI, RD
+    MeasurementErrors, ///< MSE: PE, RE, VP, VR, DT, PP
+    ReferenceAzimuth,  ///< AZ: OP, FP, BS
+    Elevation,     ///< EL: PN, EL
+    GpsVector,     ///< G0 to G3: the text after the first comma
+    DataOnOff,     ///< DO
+};
+
+struct RawNode {
+    RecordType type = RecordType::Text;
+    std::string name;                ///< record name as in the file: "SP", "G1", "LS", ...
+    std::vector<std::string> fields; ///< values by position, codes removed
+    Observation observation;         ///< for observations
+    bool hasHi = false, hasHr = false; ///< for heights: which of the two the line held
+    std::string text;                ///< for Text: the line itself (at most 64 characters)
+    size_t lineNumber = 0;           ///< 1-based line (piece) in the file
+};
+
+/// Units as a file declares them through its mode record or "--UNITS" notes.
+struct RawUnits {
+    LinearUnit linear = LinearUnit::Metres;
+    AngleUnit angle = AngleUnit::DegreesMinutesSeconds;
+    bool linearDeclared = false;
+    bool angleDeclared = false;
+};
+
+/// Updates `units` from one line when it is a mode record ("MO," with
+/// ",UN" and ",AU") or a "--UNITS METERS|FOOT|GONS" note. True when the
+/// line set anything.
+bool applyUnitsLine(std::string_view line, RawUnits &units);
+
+} // namespace tramline::raw

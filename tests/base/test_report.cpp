@@ -1,0 +1,27 @@
+#include "base/interaction.h"
+#include "base/report.h"
+
+#include <gtest/gtest.h>
+
+using namespace tramline;
+
+TEST(Report, TabsInOrderAndAppend) {
+    Report r("Process Results");
+    r.append("Results", "line 1\n");
+    r.append("Warnings", "careful");
+    r.append("Results", "line 2\n");
+    ASSERT_EQ(r.tabs().size(), 2u);
+    EXPECT_EQ(r.tabs()[0].text, "line 1\nline 2\n");
+    EXPECT_EQ(r.toText(), "Process Results\n\nResults\n=======\nline 1\nline 2\n\nWarnings\n========\ncareful\n\n");
+}
+
+TEST(ScriptedInteraction, RepliesInOrder) {
+    ScriptedInteraction ui({"No", "1|two", "<cancel>"});
+    EXPECT_EQ(ui.choose("Q", "Sure?", {"Yes", "No"}), 1);
+    std::vector<FormField> form{{"a", "", {}}, {"b", "", {}}};
+    EXPECT_TRUE(ui.fillForm("F", form));
+    EXPECT_EQ(form[1].value, "two");
+    EXPECT_FALSE(ui.fillForm("F", form));
+    EXPECT_EQ(ui.choose("Q", "Again?", {"Yes"}), -1); // script exhausted
+    EXPECT_EQ(ui.questions.front(), "Q: Sure?");
+}

@@ -1,0 +1,3 @@
+#include "raw/classify.h"
+#include <gtest/gtest.h>
+TEST(Classify, Placeholder) {}
