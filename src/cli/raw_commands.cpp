@@ -6,6 +6,9 @@
 #include "cli/console_interaction.h"
 #include "raw/classify.h"
 #include "raw/document.h"
+#include "raw/validate.h"
+
+#include <fstream>
 
 #include <nlohmann/json.hpp>
 
@@ -207,11 +210,54 @@ void addPrint(CLI::App &raw, CommandContext &ctx) {
     });
 }
 
+const char *linearUnitText(LinearUnit unit) {
+    switch (unit) {
+    case LinearUnit::InternationalFeet: return "international feet";
+    case LinearUnit::UsSurveyFeet: return "US survey feet";
+    case LinearUnit::Metres: break;
+    }
+    return "metres";
+}
+
+void addCheck(CLI::App &raw, CommandContext &ctx) {
+    auto *cmd = raw.add_subcommand("check", "Check a raw file: what it holds, lines that are not records, "
+                                            "angles that are not ddd.mmss");
+    auto file = std::make_shared<std::string>();
+    cmd->add_option("FILE", *file, "RW5 file")->required();
+    cmd->callback([&ctx, file] {
+        raw::RawFile records;
+        std::ifstream in(*file, std::ios::binary);
+        if (!in || std::filesystem::is_directory(*file) || !raw::readRaw(in, records)) {
+            ctx.err << tr("Error: unable to read raw file") << '\n';
+            ctx.exitCode = kFailure;
+            return;
+        }
+        in.clear();
+        in.seekg(0);
+        const raw::RawSummary summary = raw::summarizeRaw(in);
+        const auto warnings = raw::validateRaw(records);
+        ctx.out << "File: " << *file << '\n';
+        ctx.out << "Units: " << linearUnitText(records.units.linear)
+                << (records.units.linearDeclared ? "" : " (not declared; metres assumed)") << ", "
+                << (records.units.angle == AngleUnit::Gons ? "gons" : "degrees-minutes-seconds") << '\n';
+        ctx.out << format("Lines: %zu, records: %zu (set-ups %zu, observations %zu, store points %zu, notes %zu)\n",
+                          summary.lines, summary.records, summary.setups, summary.observations,
+                          summary.storePoints, summary.notes);
+        ctx.out << "Unrecognised lines: " << (summary.unrecognised.empty() ? "none" : "") << '\n';
+        for (const auto &line : summary.unrecognised)
+            ctx.out << "  " << line << '\n';
+        ctx.out << "Warnings: " << (warnings.empty() ? "none" : "") << '\n';
+        for (const auto &w : warnings)
+            ctx.out << "  " << w << '\n';
+    });
+}
+
 } // namespace
 
 void addRawCommands(CLI::App &app, CommandContext &ctx) {
-    auto *raw = app.add_subcommand("raw", "RW5 raw data files: classify, show, modify, append, print");
+    auto *raw = app.add_subcommand("raw", "RW5 raw data files: check, classify, show, modify, append, print");
     raw->require_subcommand(1);
+    addCheck(*raw, ctx);
     addClassify(*raw, ctx);
     addShow(*raw, ctx);
     addModify(*raw, ctx);
