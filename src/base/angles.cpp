@@ -5,6 +5,11 @@
 
 namespace tramline {
 
+namespace {
+// Beyond this the integer arithmetic below would overflow; no angle is near it.
+constexpr double kLargestPacked = 1e8;
+} // namespace
+
 double unpackDms(double dms) {
     const DmsParts p = splitDms(dms);
     const double value = static_cast<double>(p.degrees) + p.minutes / 60.0 + p.seconds / 3600.0;
@@ -17,6 +22,10 @@ DmsParts splitDms(double dms) {
     DmsParts p;
     p.negative = dms < 0;
     const double magnitude = std::fabs(dms);
+    if (!(magnitude < kLargestPacked)) { // garbage: no minutes or seconds to speak of
+        p.degrees = std::isfinite(magnitude) ? static_cast<long>(kLargestPacked) : 0;
+        return p;
+    }
     const double whole = std::floor(magnitude);
     const long long scaled = std::llround((magnitude - whole) * 1e10); // mmssffffff
     long degreesPart = static_cast<long>(whole);
@@ -39,8 +48,11 @@ bool isValidDms(double dms) {
 }
 
 double packDms(double decimalDegrees, int secondsDecimals) {
+    if (!(std::fabs(decimalDegrees) < kLargestPacked))
+        return decimalDegrees; // far outside any angle; nothing to pack
     const bool negative = decimalDegrees < 0;
-    const double scale = std::pow(10.0, secondsDecimals);
+    static constexpr double kScales[] = {1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+    const double scale = kScales[secondsDecimals < 0 ? 0 : secondsDecimals > 9 ? 9 : secondsDecimals];
     // Total seconds in units of the last kept place, rounded once.
     const long long units = std::llround(std::fabs(decimalDegrees) * 3600.0 * scale);
     const long long unitsPerMinute = static_cast<long long>(60 * scale);

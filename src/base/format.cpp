@@ -1,6 +1,7 @@
 #include "base/format.h"
 
-#include <cerrno>
+#include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -44,20 +45,19 @@ bool parseNumber(std::string_view text, double &value) {
         text.remove_prefix(1);
     while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\r'))
         text.remove_suffix(1);
-    if (text.empty() || text.size() > 64)
+    if (!text.empty() && text.front() == '+')
+        text.remove_prefix(1);
+    if (text.empty())
         return false;
-    char buffer[65];
-    text.copy(buffer, text.size());
-    buffer[text.size()] = '\0';
-    char *end = nullptr;
-    errno = 0;
-    const double v = std::strtod(buffer, &end);
-    if (end != buffer + text.size() || errno == ERANGE)
+    // from_chars: locale-free and several times faster than strtod, which
+    // matters when a million records are read. It takes no "nan", "inf" or
+    // hex without being asked to, and no survey value is any of those.
+    double v = 0.0;
+    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), v, std::chars_format::general);
+    if (ec != std::errc() || end != text.data() + text.size())
         return false;
-    // strtod takes "nan", "inf" and hex floats; a survey value is none of those.
-    for (char c : text)
-        if (c == 'n' || c == 'N' || c == 'i' || c == 'I' || c == 'x' || c == 'X')
-            return false;
+    if (!std::isfinite(v))
+        return false;
     value = v;
     return true;
 }

@@ -88,3 +88,13 @@ TEST(Angles, NormalizeDegrees) {
 }
 
 } // namespace
+
+// Fuzzing found huge values overflowing the integer arithmetic.
+TEST(Angles, HugeValuesDoNotOverflow) {
+    for (double v : {8.92e23, -1e300, 1e8, double(INFINITY), double(NAN)}) {
+        EXPECT_FALSE(isValidDms(v));
+        (void)unpackDms(v);
+        (void)packDms(v);
+        (void)formatDms(v);
+    }
+}
