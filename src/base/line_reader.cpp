@@ -23,6 +23,17 @@ bool LineReader::fill() {
     return true;
 }
 
+// Consumes the line end at the current position: "\n", "\r" or "\r\n".
+void LineReader::swallowLineEnd() {
+    const char c = m_chunk[m_pos++];
+    if (c != '\r')
+        return;
+    if (m_pos == m_end)
+        fill();
+    if (m_pos < m_end && m_chunk[m_pos] == '\n')
+        ++m_pos;
+}
+
 bool LineReader::next(std::string &line) {
     line.clear();
     bool any = false;
@@ -44,28 +55,15 @@ bool LineReader::next(std::string &line) {
         line.append(start, n);
         m_pos += n;
         if (n < span) { // stopped at a line end
-            const char c = m_chunk[m_pos++];
-            if (c == '\r') {
-                if (m_pos == m_end)
-                    fill();
-                if (m_pos < m_end && m_chunk[m_pos] == '\n')
-                    ++m_pos;
-            }
+            swallowLineEnd();
             break;
         }
         if (line.size() >= m_limit) {
-            // Full piece: swallow a line end that follows at once.
+            // Full piece: a line end that follows at once belongs to it.
             if (m_pos == m_end)
                 fill();
-            if (m_pos < m_end && (m_chunk[m_pos] == '\n' || m_chunk[m_pos] == '\r')) {
-                const char c = m_chunk[m_pos++];
-                if (c == '\r') {
-                    if (m_pos == m_end)
-                        fill();
-                    if (m_pos < m_end && m_chunk[m_pos] == '\n')
-                        ++m_pos;
-                }
-            }
+            if (m_pos < m_end && (m_chunk[m_pos] == '\n' || m_chunk[m_pos] == '\r'))
+                swallowLineEnd();
             break;
         }
     }

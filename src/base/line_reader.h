@@ -30,6 +30,7 @@ public:
 
 private:
     bool fill();
+    void swallowLineEnd();
 
     std::istream &m_in;
     std::size_t m_limit;

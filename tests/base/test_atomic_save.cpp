@@ -1,4 +1,5 @@
 #include "base/atomic_save.h"
+#include "../support/test_support.h"
 
 #include <gtest/gtest.h>
 
@@ -15,25 +16,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string slurp(const fs::path &p) {
-    std::ifstream in(p, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-class AtomicSave : public ::testing::Test {
-protected:
-    void SetUp() override {
-        dir = fs::temp_directory_path() / ("tramline-save-" + std::to_string(::getpid()));
-        fs::create_directories(dir);
-    }
-    void TearDown() override {
-        fs::permissions(dir, fs::perms::owner_all);
-        fs::remove_all(dir);
-    }
-    fs::path dir;
-};
+using tramline::test::slurp;
+using AtomicSave = tramline::test::ScratchFolderTest;
 
 TEST_F(AtomicSave, ReplacesAndKeepsPermissions) {
     const auto file = dir / "job.rw5";

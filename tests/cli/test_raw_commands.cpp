@@ -1,4 +1,5 @@
 #include "cli/cli.h"
+#include "../support/test_support.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -24,30 +25,20 @@ Result runCli(const std::vector<std::string> &args) {
     return {code, out.str(), err.str()};
 }
 
-std::string slurp(const fs::path &p) {
-    std::ifstream in(p, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
+using tramline::test::slurp;
 
-class RawCli : public ::testing::Test {
+class RawCli : public tramline::test::ScratchFolderTest {
 protected:
     void SetUp() override {
-        dir = fs::temp_directory_path() / ("tramline-cli-" + std::to_string(::getpid()) + "-" +
-                                           ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::create_directories(dir);
-        job = (dir / "job.rw5").string();
-        std::ofstream(job, std::ios::binary) << kJob;
+        ScratchFolderTest::SetUp();
+        job = write("job.rw5", kJob).string();
     }
-    void TearDown() override { fs::remove_all(dir); }
 
     static constexpr const char *kJob = "MO,AD0,UN2,SF1.00000000,EC0,EO0,AU0\n"
                                         "OC,OP1,N 5000.0000,E 5000.0000,EL100.0000,--\n"
                                         "LS,HI5.000,HR6.000\n"
                                         "SS,OP1,FP2,AR359.5900,ZE90.0000,SD100.000,--IP\n"
                                         "SS,OP1,FP3,AR10.0000,ZE89.0000,SD50.000,--EP\n";
-    fs::path dir;
     std::string job;
 };
 

@@ -1,4 +1,5 @@
 #include "raw/document.h"
+#include "../support/test_support.h"
 
 #include <gtest/gtest.h>
 
@@ -13,29 +14,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string slurp(const fs::path &p) {
-    std::ifstream in(p, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
+using tramline::test::slurp;
 
-class RawDocumentTest : public ::testing::Test {
+class RawDocumentTest : public tramline::test::ScratchFolderTest {
 protected:
-    void SetUp() override {
-        dir = fs::temp_directory_path() /
-              ("tramline-doc-" + std::to_string(::getpid()) + "-" +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::create_directories(dir);
-    }
-    void TearDown() override { fs::remove_all(dir); }
-
-    fs::path write(const std::string &name, const std::string &text) {
-        const auto p = dir / name;
-        std::ofstream(p, std::ios::binary) << text;
-        return p;
-    }
-
     RawDocument openText(const std::string &text, DisplayModes modes = {}) {
         RawDocument doc;
         doc.setModes(modes);
@@ -43,7 +25,6 @@ protected:
         return doc;
     }
 
-    fs::path dir;
     ScriptedInteraction ui;
 };
 

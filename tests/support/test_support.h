@@ -1,0 +1,55 @@
+// Small helpers the test suites share: a scratch folder per test and
+// whole-file reads.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+
+namespace tramline::test {
+
+/// The whole content of a file, as bytes.
+inline std::string slurp(const std::filesystem::path &path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+/// Writes bytes to a file, replacing it.
+inline void spit(const std::filesystem::path &path, const std::string &bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+/// A fixture with a fresh scratch folder, removed after the test.
+class ScratchFolderTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir = std::filesystem::temp_directory_path() /
+              ("tramline-" + std::to_string(::getpid()) + "-" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->test_suite_name() + "-" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::remove_all(dir);
+        std::filesystem::create_directories(dir);
+    }
+    void TearDown() override {
+        std::error_code ec;
+        std::filesystem::permissions(dir, std::filesystem::perms::owner_all, ec);
+        std::filesystem::remove_all(dir, ec);
+    }
+
+    /// Writes `bytes` to `name` in the scratch folder and returns its path.
+    std::filesystem::path write(const std::string &name, const std::string &bytes) {
+        const auto path = dir / name;
+        spit(path, bytes);
+        return path;
+    }
+
+    std::filesystem::path dir;
+};
+
+} // namespace tramline::test
