@@ -487,6 +487,9 @@ bool RawDocument::append(const std::filesystem::path &path, bool tds, Interactio
     return true;
 }
 
+// The printed report: a heading, the file and its record count, then one
+// line per row with its number, its type ("--" for a note) and the
+// non-empty cells as caption=value, so a printout reads without the grid.
 std::string RawDocument::printReport() const {
     std::string out = tr("Edit-Process Raw File");
     out += "\n";

@@ -2,6 +2,12 @@
 // field values by position (codes removed), and for observations the
 // values parsed and brought into one form (vertical angle and slope
 // distance) for computation.
+//
+// Values nobody here interprets are carried, never dropped: the mode
+// record's AD, EC and EO (only their written "0" is known), the base
+// point's AG, PA, AT and SR (kept as one text), G0 content and CC fields
+// (kept as text), and the GN angle kind (kept as its own kind, computed by
+// nobody). A gon file's angles are plain decimal gons.
 #pragma once
 
 #include "base/units.h"
