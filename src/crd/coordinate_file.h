@@ -18,7 +18,9 @@
 // Usage from the command line: tramline-cli crd new|put|get|list|delete|info|history.
 #pragma once
 
+#include "crd/crd_errors.h"
 #include "crd/crd_io.h"
+#include "crd/file_kinds.h"
 #include "crd/history_file.h"
 
 #include <memory>

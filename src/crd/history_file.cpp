@@ -300,9 +300,11 @@ std::string describeHistoryEntry(const HistoryEntry &entry) {
         appendFormat(line, " E %.4f", entry.easting);
     if (entry.flags & kHistoryElevation)
         appendFormat(line, " Z %.4f", entry.elevation);
-    if (entry.flags & kHistoryDescription)
+    // A new point lists only the texts it has; a change lists what it became.
+    const bool newPoint = entry.flags & kHistoryByNewName;
+    if ((entry.flags & kHistoryDescription) && !(newPoint && entry.newDescription.empty()))
         appendFormat(line, " %s \"%s\"", tr("description"), entry.newDescription.c_str());
-    if (entry.flags & kHistoryCode)
+    if ((entry.flags & kHistoryCode) && !(newPoint && entry.newCode.empty()))
         appendFormat(line, " %s \"%s\"", tr("code"), entry.newCode.c_str());
     if (!entry.text.empty())
         appendFormat(line, " (%s)", entry.text.c_str());
@@ -326,7 +328,12 @@ bool readHistoryFile(const std::filesystem::path &path, std::vector<HistoryEntry
             messages->message(format(tr("\nCRD HISTORY FAILED: %s not valid.\n"), path.string().c_str()));
         return false;
     }
-    return parseHistory(bytes, entries);
+    if (parseHistory(bytes, entries))
+        return true;
+    // The entries up to a damaged one are kept; the file is not valid.
+    if (messages)
+        messages->message(format(tr("\nCRD HISTORY FAILED: %s not valid.\n"), path.string().c_str()));
+    return false;
 }
 
 } // namespace tramline::crd

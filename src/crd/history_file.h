@@ -135,8 +135,8 @@ private:
 };
 
 /// Reads the whole history file at `path`. False, with a message, when it
-/// cannot be read or is not a history file; whole entries are returned
-/// even when the last one is cut short.
+/// cannot be read, is not a history file or ends in a damaged entry; the
+/// whole entries before the damage are returned all the same.
 bool readHistoryFile(const std::filesystem::path &path, std::vector<HistoryEntry> &entries,
                      Interaction *messages = nullptr);
 

@@ -97,7 +97,7 @@ TEST_F(History, EntriesByteForByte) {
     tzset();
     EXPECT_EQ(describeHistoryEntry(entries[0]),
               "Thu Jan  1 00:16:40 1970  Input-Edit Point  12: N 2.5000 E 1.5000 Z 3.5000 "
-              "description \"IP\" code \"\" (raw.rw5)");
+              "description \"IP\" (raw.rw5)");
     EXPECT_EQ(describeHistoryEntry(entries[2]), "Thu Jan  1 00:16:50 1970  Delete Points  12: removed");
 }
 
