@@ -1,11 +1,57 @@
 #include "base/point_names.h"
 
+#include <algorithm>
 #include <cctype>
+#include <charconv>
+#include <limits>
 
 namespace tramline {
 
 namespace {
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+unsigned char lower(char c) {
+    return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+}
+
+// Case-blind comparison by lower-case bytes, as the C library's own does:
+// it decides where '_' stands against letters, and so the order on disk.
+int compareIgnoringCase(std::string_view a, std::string_view b) {
+    const size_t n = std::min(a.size(), b.size());
+    for (size_t i = 0; i < n; ++i)
+        if (lower(a[i]) != lower(b[i]))
+            return lower(a[i]) < lower(b[i]) ? -1 : 1;
+    return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+}
+
+// The leading digits as a whole number; too many digits give the largest
+// long, as strtol does.
+long leadingLong(std::string_view s) {
+    long value = 0;
+    const auto r = std::from_chars(s.data(), s.data() + s.size(), value);
+    if (r.ec == std::errc::result_out_of_range)
+        return std::numeric_limits<long>::max();
+    return value;
+}
+
+// The leading decimal number (fraction and exponent allowed), read the
+// same way whatever the locale's decimal point.
+double leadingDouble(std::string_view s) {
+    double value = 0.0;
+    const auto r = std::from_chars(s.data(), s.data() + s.size(), value);
+    if (r.ec == std::errc::result_out_of_range) {
+        // Too large is infinite, too small is zero, as strtod rounds them.
+        const std::string_view number = s.substr(0, static_cast<size_t>(r.ptr - s.data()));
+        const size_t e = number.find_first_of("eE");
+        return e != std::string_view::npos && e + 1 < number.size() && number[e + 1] == '-'
+                   ? 0.0
+                   : std::numeric_limits<double>::infinity();
+    }
+    return value;
+}
+
+template <typename T> int compareValues(T x, T y) { return x < y ? -1 : (x > y ? 1 : 0); }
 
 std::string_view trim(std::string_view s) {
     while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front())))
@@ -17,39 +63,26 @@ std::string_view trim(std::string_view s) {
 } // namespace
 
 int comparePointNames(std::string_view a, std::string_view b) {
-    size_t i = 0, j = 0;
-    while (i < a.size() && j < b.size()) {
-        if (isDigit(a[i]) && isDigit(b[j])) {
-            // Compare digit runs by value: skip leading zeros, then the
-            // longer run is larger, else the first differing digit decides.
-            while (i < a.size() && a[i] == '0')
-                ++i;
-            while (j < b.size() && b[j] == '0')
-                ++j;
-            size_t ei = i, ej = j;
-            while (ei < a.size() && isDigit(a[ei]))
-                ++ei;
-            while (ej < b.size() && isDigit(b[ej]))
-                ++ej;
-            if (ei - i != ej - j)
-                return ei - i < ej - j ? -1 : 1;
-            for (; i < ei; ++i, ++j)
-                if (a[i] != b[j])
-                    return a[i] < b[j] ? -1 : 1;
-            continue;
+    if (a.empty() && b.empty())
+        return 0;
+    const size_t shorter = std::min(a.size(), b.size());
+    for (size_t i = 0; i < shorter; ++i) {
+        if (isDigit(a[i]) && isDigit(b[i])) {
+            // A '.' anywhere in the rest means the number may have a
+            // fraction (1.5 after 1.10), else whole numbers decide.
+            const std::string_view ra = a.substr(i), rb = b.substr(i);
+            const bool fractional =
+                ra.find('.') != std::string_view::npos || rb.find('.') != std::string_view::npos;
+            const int c = fractional ? compareValues(leadingDouble(ra), leadingDouble(rb))
+                                     : compareValues(leadingLong(ra), leadingLong(rb));
+            if (c != 0)
+                return c;
+            continue; // equal values: go on one character at a time
         }
-        const int ca = std::toupper(static_cast<unsigned char>(a[i]));
-        const int cb = std::toupper(static_cast<unsigned char>(b[j]));
-        if (ca != cb)
-            return ca < cb ? -1 : 1;
-        ++i;
-        ++j;
+        if (upper(a[i]) != upper(b[i]))
+            return compareIgnoringCase(a.substr(i), b.substr(i));
     }
-    if (i < a.size())
-        return 1;
-    if (j < b.size())
-        return -1;
-    return 0;
+    return compareIgnoringCase(a, b);
 }
 
 bool PointList::parse(std::string_view text) {

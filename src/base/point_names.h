@@ -1,6 +1,8 @@
 // The order of point names used wherever names are sorted or searched:
 // runs of digits compare by their numeric value, other characters without
-// regard to case, so "2" comes before "10" and "A2" before "A10".
+// regard to case, so "2" comes before "10" and "A2" before "A10". This is
+// the order of the records in alphanumeric coordinate files, so it must not
+// change: files written by other programs are searched with it.
 #pragma once
 
 #include <string>
@@ -10,7 +12,12 @@
 namespace tramline {
 
 /// Negative, zero or positive as `a` sorts before, with or after `b`.
-/// Names equal but for case or leading zeros compare equal ("a01" == "A1").
+/// Walking both names one position at a time: where both hold a digit, the
+/// numbers starting there decide (as decimals when either name holds a '.'
+/// further on, so 1.5 comes after 1.10); where they differ in another
+/// character, the rest of the names decide case-blind; otherwise the whole
+/// names do. Only case-blind equal names compare equal ("a1" == "A1", but
+/// "A01" comes before "A1").
 int comparePointNames(std::string_view a, std::string_view b);
 
 /// A list of names and ranges as users type it: "1-5,7,A10,B1-B9".

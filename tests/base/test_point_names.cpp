@@ -12,9 +12,17 @@ TEST(PointNames, Order) {
         int sign;
     };
     const Case cases[] = {
-        {"2", "10", -1},  {"A2", "A10", -1}, {"a2", "A2", 0},   {"A01", "A1", 0},
-        {"10", "9", 1},   {"B1", "A9", 1},   {"1A", "1B", -1},  {"", "1", -1},
-        {"100", "100", 0}, {"CP", "cp", 0},  {"12345678901234567890", "9", 1},
+        {"2", "10", -1},     {"A2", "A10", -1},  {"a2", "A2", 0},     {"10", "9", 1},
+        {"B1", "A9", 1},     {"1A", "1B", -1},   {"", "1", -1},       {"", "", 0},
+        {"100", "100", 0},   {"CP", "cp", 0},    {"12345678901234567890", "9", 1},
+        // Leading zeros: equal values move on, the whole names decide.
+        {"A01", "A1", -1},   {"007", "7", -1},   {"10", "010", -1},
+        // A '.' further on makes the numbers decimal.
+        {"1.5", "1.10", 1},  {"1.10", "1.9", -1}, {"2.0", "2A", -1},  {"2", "2.0", -1},
+        // '_' (from '-' and ',') sorts before letters, as lower case does.
+        {"A_1", "AB", -1},   {"A_1", "A1", 1},   {"A[", "AB", -1},
+        // Number against letter: the characters decide.
+        {"A1", "AB", -1},    {"1", "A", -1},     {"Z9", "10", 1},
     };
     for (const auto &c : cases) {
         const int r = comparePointNames(c.a, c.b);

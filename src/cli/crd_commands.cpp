@@ -1,0 +1,276 @@
+// tramline-cli crd ...: coordinate files from the command line.
+#include "base/format.h"
+#include "base/point_names.h"
+#include "base/translation.h"
+#include "cli/command_context.h"
+#include "cli/console_interaction.h"
+#include "crd/coordinate_file.h"
+#include "crd/history_file.h"
+
+#include <nlohmann/json.hpp>
+
+namespace tramline::cli {
+
+namespace {
+
+using crd::CoordinateFile;
+using crd::CrdPoint;
+
+// The store's message lines begin (and some end) with a line feed, for a
+// message window; on a terminal each becomes one plain line.
+class StoreMessages : public ConsoleInteraction {
+public:
+    using ConsoleInteraction::ConsoleInteraction;
+    void message(const std::string &text) override {
+        const std::size_t first = text.find_first_not_of('\n');
+        if (first == std::string::npos)
+            return;
+        ConsoleInteraction::message(text.substr(first, text.find_last_not_of('\n') - first + 1));
+    }
+};
+
+// Everything a command needs to work on one coordinate file.
+struct Store {
+    explicit Store(CommandContext &context) : ctx(context), ui(context.err), file(makeContext(ui)) {}
+
+    static crd::CrdContext makeContext(Interaction &ui) {
+        crd::CrdContext c;
+        c.messages = &ui;
+        return c;
+    }
+    // Reports the failure of the last operation and sets exit code 1.
+    void failed() {
+        ctx.err << CoordinateFile::errorText(file.lastError()) << '\n';
+        ctx.exitCode = kFailure;
+    }
+    bool openForUpdate(const std::string &path, bool history) {
+        if (!file.open(path)) {
+            failed();
+            return false;
+        }
+        std::error_code ec;
+        file.setHistoryKeeping(history || std::filesystem::exists(file.historyPath(), ec));
+        return true;
+    }
+    bool openForReading(const std::string &path) {
+        if (file.openForReading(path))
+            return true;
+        failed();
+        return false;
+    }
+
+    CommandContext &ctx;
+    StoreMessages ui;
+    CoordinateFile file;
+};
+
+std::string pointLine(const CrdPoint &p) {
+    return format("%s,%.4f,%.4f,%.4f,%s", p.name.c_str(), p.northing, p.easting, p.elevation,
+                  p.description.c_str());
+}
+
+const char *formatName(int format) {
+    return format == crd::kFormatNumeric ? "numeric" : "alphanumeric";
+}
+
+void addNew(CLI::App &crdApp, CommandContext &ctx) {
+    auto *cmd = crdApp.add_subcommand("new", "Create an empty coordinate file (an existing one is replaced)");
+    struct Options {
+        std::string file;
+        bool alpha = false, numeric = false;
+    };
+    auto o = std::make_shared<Options>();
+    cmd->add_option("FILE", o->file, "Coordinate file (.crd)")->required();
+    auto *alpha = cmd->add_flag("--alpha", o->alpha, "Alphanumeric point names (the default)");
+    auto *numeric = cmd->add_flag("--numeric", o->numeric, "Numeric point numbers 1 to 99999");
+    alpha->excludes(numeric);
+    cmd->callback([&ctx, o] {
+        Store store(ctx);
+        const int layout = o->numeric ? crd::kFormatNumeric : o->alpha ? crd::kFormatAlphanumeric : -1;
+        if (!store.file.open(o->file, 1, layout))
+            return store.failed();
+        ctx.out << format("Created %s (%s)", o->file.c_str(), formatName(store.file.format())) << '\n';
+    });
+}
+
+void addPut(CLI::App &crdApp, CommandContext &ctx) {
+    auto *cmd = crdApp.add_subcommand(
+        "put", "Store a point, replacing one of the same name (the file is made when missing)");
+    struct Options {
+        std::string file, name, description;
+        double northing = 0, easting = 0, elevation = 0;
+        bool history = false;
+    };
+    auto o = std::make_shared<Options>();
+    cmd->add_option("FILE", o->file, "Coordinate file")->required();
+    cmd->add_option("NAME", o->name, "Point name")->required();
+    cmd->add_option("NORTHING", o->northing, "Northing")->required();
+    cmd->add_option("EASTING", o->easting, "Easting")->required();
+    cmd->add_option("ELEVATION", o->elevation, "Elevation (98765432.1: none)")->required();
+    cmd->add_option("DESCRIPTION", o->description, "Description (31 characters are kept)");
+    cmd->add_flag("--history", o->history, "Record the change in the history file (always when it exists)");
+    cmd->callback([&ctx, o] {
+        Store store(ctx);
+        if (!store.openForUpdate(o->file, o->history))
+            return;
+        CrdPoint point, previous, stored;
+        point.set(o->easting, o->northing, o->elevation, o->name, o->description);
+        if (!store.file.writePoint(point, false, &previous))
+            return store.failed();
+        if (store.file.readPoint(point.name, stored, 0, true))
+            store.file.addHistory(previous.name.empty() ? nullptr : &previous, &stored,
+                                  crd::kHistoryOperationInputEdit);
+        ctx.out << pointLine(stored) << '\n';
+    });
+}
+
+void addGet(CLI::App &crdApp, CommandContext &ctx) {
+    auto *cmd = crdApp.add_subcommand("get", "Print a point as name,northing,easting,elevation,description");
+    struct Options {
+        std::string file, name;
+        bool next = false, previous = false;
+    };
+    auto o = std::make_shared<Options>();
+    cmd->add_option("FILE", o->file, "Coordinate file")->required();
+    cmd->add_option("NAME", o->name, "Point name")->required();
+    auto *next = cmd->add_flag("--next", o->next, "The point or the next stored one after it");
+    auto *previous = cmd->add_flag("--previous", o->previous, "The point or the one before it");
+    next->excludes(previous);
+    cmd->callback([&ctx, o] {
+        Store store(ctx);
+        if (!store.openForReading(o->file))
+            return;
+        CrdPoint point;
+        if (!store.file.readPoint(o->name, point, o->next ? 1 : o->previous ? -1 : 0))
+            return store.failed();
+        ctx.out << pointLine(point) << '\n';
+    });
+}
+
+void addList(CLI::App &crdApp, CommandContext &ctx) {
+    auto *cmd = crdApp.add_subcommand("list", "Print the points in the file's order");
+    struct Options {
+        std::string file, range;
+        bool json = false;
+    };
+    auto o = std::make_shared<Options>();
+    cmd->add_option("FILE", o->file, "Coordinate file")->required();
+    cmd->add_option("--range", o->range, "Only these points, like 1-20 or A1-A9,B4");
+    cmd->add_flag("--json", o->json, "Write a JSON array of points");
+    cmd->callback([&ctx, o] {
+        PointList range;
+        if (!o->range.empty() && !range.parse(o->range))
+            throw CLI::ValidationError("--range", "give names and ranges like 1-20,A5");
+        Store store(ctx);
+        if (!store.openForReading(o->file))
+            return;
+        nlohmann::json points = nlohmann::json::array();
+        CrdPoint p;
+        for (store.file.setCurrentIndex(-1); store.file.readNext(p);) {
+            if (!o->range.empty() && !range.contains(p.name))
+                continue;
+            if (o->json)
+                points.push_back({{"name", p.name},
+                                  {"northing", p.northing},
+                                  {"easting", p.easting},
+                                  {"elevation", p.elevation},
+                                  {"description", p.description}});
+            else
+                ctx.out << pointLine(p) << '\n';
+        }
+        if (o->json)
+            ctx.out << points.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+        if (store.file.lastError() != crd::kPointNotFound)
+            store.failed(); // a damaged record stopped the walk
+    });
+}
+
+void addDelete(CLI::App &crdApp, CommandContext &ctx) {
+    auto *cmd = crdApp.add_subcommand("delete", "Delete points (their notes go with them)");
+    struct Options {
+        std::string file, list;
+        bool history = false;
+    };
+    auto o = std::make_shared<Options>();
+    cmd->add_option("FILE", o->file, "Coordinate file")->required();
+    cmd->add_option("LIST", o->list, "Points to delete, like 1-5,7,A10")->required();
+    cmd->add_flag("--history", o->history, "Record the change in the history file (always when it exists)");
+    cmd->callback([&ctx, o] {
+        PointList list;
+        if (!list.parse(o->list))
+            throw CLI::ValidationError("LIST", "give names and ranges like 1-5,7,A10");
+        Store store(ctx);
+        if (!store.openForUpdate(o->file, o->history))
+            return;
+        std::vector<CrdPoint> removed;
+        const long count =
+            store.file.deletePoints([&](const CrdPoint &p) { return list.contains(p.name); }, &removed);
+        if (count < 0)
+            return store.failed();
+        for (const auto &point : removed)
+            store.file.addHistory(&point, nullptr, crd::kHistoryOperationDelete);
+        ctx.out << format("Deleted %ld points", count) << '\n';
+    });
+}
+
+void addInfo(CLI::App &crdApp, CommandContext &ctx) {
+    auto *cmd = crdApp.add_subcommand("info", "Print the file's format, highest and lowest names, "
+                                              "number of points, title and date");
+    auto file = std::make_shared<std::string>();
+    cmd->add_option("FILE", *file, "Coordinate file")->required();
+    cmd->callback([&ctx, file] {
+        Store store(ctx);
+        if (!store.openForReading(*file))
+            return;
+        long count = 0;
+        CrdPoint p;
+        for (store.file.setCurrentIndex(-1); store.file.readNext(p);)
+            ++count;
+        if (store.file.lastError() != crd::kPointNotFound)
+            return store.failed();
+        const crd::CrdHeaderTexts header = store.file.headerTexts();
+        ctx.out << "format: " << formatName(store.file.format()) << '\n'
+                << "highest: " << store.file.highestName() << '\n'
+                << "lowest: " << store.file.lowestName() << '\n'
+                << "count: " << count << '\n'
+                << "title: " << header.title << '\n'
+                << "date: " << header.date << '\n';
+    });
+}
+
+void addHistory(CLI::App &crdApp, CommandContext &ctx) {
+    auto *cmd = crdApp.add_subcommand("history", "List the changes recorded in the file's history (.his)");
+    auto file = std::make_shared<std::string>();
+    cmd->add_option("FILE", *file, "Coordinate file")->required();
+    cmd->callback([&ctx, file] {
+        const auto path = crd::historyPathFor(*file);
+        std::error_code ec;
+        if (!std::filesystem::exists(path, ec)) {
+            ctx.out << format(tr("No history is kept for %s"), file->c_str()) << '\n';
+            return;
+        }
+        StoreMessages ui(ctx.err);
+        std::vector<crd::HistoryEntry> entries;
+        const bool whole = crd::readHistoryFile(path, entries, &ui);
+        for (const auto &entry : entries)
+            ctx.out << crd::describeHistoryEntry(entry) << '\n';
+        if (!whole)
+            ctx.exitCode = kFailure; // the reader has said why
+    });
+}
+
+} // namespace
+
+void addCrdCommands(CLI::App &app, CommandContext &ctx) {
+    auto *crdApp = app.add_subcommand("crd", "Coordinate files (.crd): new, put, get, list, delete, info, history");
+    crdApp->require_subcommand(1);
+    addNew(*crdApp, ctx);
+    addPut(*crdApp, ctx);
+    addGet(*crdApp, ctx);
+    addList(*crdApp, ctx);
+    addDelete(*crdApp, ctx);
+    addInfo(*crdApp, ctx);
+    addHistory(*crdApp, ctx);
+}
+
+} // namespace tramline::cli

@@ -1,0 +1,139 @@
+// tramline-cli crd ... run in-process, as a user would type them.
+#include "cli/cli.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
+
+using tramline::cli::run;
+
+namespace {
+
+struct Result {
+    int code;
+    std::string out, err;
+};
+
+Result cli(std::vector<std::string> args) {
+    std::ostringstream out, err;
+    const int code = run(args, out, err);
+    return {code, out.str(), err.str()};
+}
+
+class CrdCommands : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir = std::filesystem::temp_directory_path() /
+              ("tramline-cli-crd-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()) +
+               "-" + std::to_string(::getpid()));
+        std::filesystem::remove_all(dir);
+        std::filesystem::create_directories(dir);
+        path = (dir / "site.crd").string();
+    }
+    void TearDown() override { std::filesystem::remove_all(dir); }
+
+    std::filesystem::path dir;
+    std::string path;
+};
+
+TEST_F(CrdCommands, AlphanumericRoundTrip) {
+    struct Step {
+        std::vector<std::string> args;
+        int code;
+        std::string out;
+    };
+    const std::vector<Step> steps = {
+        {{"crd", "new", path, "--alpha"}, 0, "Created " + path + " (alphanumeric)\n"},
+        {{"crd", "put", path, "a-10", "1000", "-2000.125", "12.5", "iron pin"}, 0,
+         "A_10,1000.0000,-2000.1250,12.5000,iron pin\n"},
+        {{"crd", "put", path, "2", "1", "2", "3"}, 0, "2,1.0000,2.0000,3.0000,\n"},
+        {{"crd", "put", path, "10", "4", "5", "98765432.1", "no elevation"}, 0,
+         "10,4.0000,5.0000,0.0000,no elevation\n"},
+        {{"crd", "get", path, "A_10"}, 0, "A_10,1000.0000,-2000.1250,12.5000,iron pin\n"},
+        {{"crd", "get", path, "3", "--next"}, 0, "10,4.0000,5.0000,0.0000,no elevation\n"},
+        {{"crd", "get", path, "3", "--previous"}, 0, "2,1.0000,2.0000,3.0000,\n"},
+        {{"crd", "list", path}, 0,
+         "2,1.0000,2.0000,3.0000,\n10,4.0000,5.0000,0.0000,no elevation\n"
+         "A_10,1000.0000,-2000.1250,12.5000,iron pin\n"},
+        {{"crd", "list", path, "--range", "3-A1"}, 0, "10,4.0000,5.0000,0.0000,no elevation\n"},
+        {{"crd", "list", path, "--range", "10", "--json"}, 0,
+         "[\n {\n  \"description\": \"no elevation\",\n  \"easting\": 5.0,\n  \"elevation\": 0.0,\n"
+         "  \"name\": \"10\",\n  \"northing\": 4.0\n }\n]\n"},
+        {{"crd", "delete", path, "1-5,A_10"}, 0, "Deleted 2 points\n"},
+        {{"crd", "list", path}, 0, "10,4.0000,5.0000,0.0000,no elevation\n"},
+    };
+    for (const auto &step : steps) {
+        const Result r = cli(step.args);
+        EXPECT_EQ(r.code, step.code) << step.args[1] << ": " << r.err;
+        EXPECT_EQ(r.out, step.out) << step.args[1];
+    }
+    const Result info = cli({"crd", "info", path});
+    EXPECT_EQ(info.code, 0);
+    EXPECT_EQ(info.out.substr(0, info.out.find("date:")),
+              "format: alphanumeric\nhighest: 10\nlowest: 10\ncount: 1\ntitle: \n");
+}
+
+TEST_F(CrdCommands, FailuresAndUsage) {
+    ASSERT_EQ(cli({"crd", "new", path, "--numeric"}).code, 0);
+    struct Case {
+        std::vector<std::string> args;
+        int code;
+        std::string errHas; // a piece of the error output
+    };
+    const Case cases[] = {
+        {{"crd", "put", path, "7A", "1", "2", "3"}, 1,
+         "Error: pt# 7A invalid for current CRD format of numeric only point numbers.\n"
+         "Point name contains an invalid character for numeric format crd files.\n"},
+        {{"crd", "put", path, "100000", "1", "2", "3"}, 1, "Point name is numerically too high."},
+        {{"crd", "get", path, "4"}, 1,
+         "Requested point number greater than highest in file.\nRequested point# 4 has no "
+         "coordinate stored.\nThe specified point was not found.\n"},
+        {{"crd", "get", (dir / "missing.crd").string(), "4"}, 1, "does not exist."},
+        {{"crd", "new", (dir / "x.zak").string()}, 1, "File type not supported"},
+        {{"crd", "put", path, "1", "north", "2", "3"}, 2, "NORTHING"},
+        {{"crd", "put", path, "1", "2"}, 2, "required"},
+        {{"crd", "new", path, "--alpha", "--numeric"}, 2, "excludes"},
+        {{"crd", "get", path, "1", "--next", "--previous"}, 2, "excludes"},
+        {{"crd", "list", path, "--range", "1-"}, 2, "--range"},
+        {{"crd", "delete", path, "1,,2"}, 2, "LIST"},
+        {{"crd"}, 2, ""},
+    };
+    for (const auto &c : cases) {
+        const Result r = cli(c.args);
+        EXPECT_EQ(r.code, c.code) << c.args.back() << ": " << r.err;
+        EXPECT_NE(r.err.find(c.errHas), std::string::npos) << r.err;
+    }
+}
+
+TEST_F(CrdCommands, HistoryOfPutsAndDeletes) {
+    EXPECT_EQ(cli({"crd", "history", path}).out, "No history is kept for " + path + "\n");
+    ASSERT_EQ(cli({"crd", "put", path, "P1", "1", "2", "3", "--history"}).code, 0);
+    ASSERT_EQ(cli({"crd", "put", path, "P1", "1", "2", "4"}).code, 0); // kept: the file exists
+    ASSERT_EQ(cli({"crd", "delete", path, "P1"}).code, 0);
+    const Result r = cli({"crd", "history", path});
+    EXPECT_EQ(r.code, 0) << r.err;
+    std::istringstream lines(r.out);
+    std::vector<std::string> tails;
+    for (std::string line; std::getline(lines, line);)
+        tails.push_back(line.substr(26)); // after the time stamp column
+    EXPECT_EQ(tails, (std::vector<std::string>{"Input-Edit Point  P1: N 1.0000 E 2.0000 Z 3.0000",
+                                               "Input-Edit Point  P1: Z 4.0000",
+                                               "Delete Points  P1: removed"}));
+    std::ofstream(dir / "site.his", std::ios::app) << "P2"; // a cut entry
+    const Result cut = cli({"crd", "history", path});
+    EXPECT_EQ(cut.code, 1);
+    EXPECT_NE(cut.err.find("not valid."), std::string::npos);
+}
+
+TEST_F(CrdCommands, EveryCommandHasHelp) {
+    for (const char *command : {"new", "put", "get", "list", "delete", "info", "history"}) {
+        const Result r = cli({"crd", command, "--help"});
+        EXPECT_EQ(r.code, 0) << command;
+        EXPECT_NE(r.out.find("Usage:"), std::string::npos) << command;
+    }
+}
+
+} // namespace
