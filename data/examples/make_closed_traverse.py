@@ -16,6 +16,7 @@ TRUE = {  # point: (northing, easting, elevation), US survey feet
     "4": (5360.745, 6041.322, 106.110),
     "5": (4921.583, 5903.460, 101.472),
     "6": (4768.902, 5432.775, 98.935),
+    "100": (5354.210, 4703.385, 102.118),  # azimuth mark, brass disk
 }
 SIDESHOTS = {  # occupied: [(point, northing, easting, elevation, description)]
     "1": [("101", 5050.220, 4930.415, 99.610, "IRON ROD FOUND")],
@@ -61,15 +62,17 @@ def main():
     out.append("--Closed loop traverse around Halvren Park, control by GPS on 1\n")
     out.append("--Crew: J. Marsh, R. Okafor\n")
     out.append("SP,PN1,N 5000.0000,E 5000.0000,EL100.0000,--IRON ROD FOUND\n")
+    out.append("SP,PN100,N %.4f,E %.4f,EL%.4f,--AZIMUTH MARK\n" % TRUE["100"])
     loop = ["1", "2", "3", "4", "5", "6"]
     for i, occ in enumerate(loop):
         back = loop[i - 1]
         ahead = loop[(i + 1) % len(loop)]
         bs_az = azimuth(occ, back)
         if occ == "1":
+            # The start is oriented on the azimuth mark, its azimuth noted too.
+            bs_az = azimuth("1", "100")
             out.append("OC,OP1,N 5000.0000,E 5000.0000,EL100.0000,--IRON ROD FOUND\n")
-            # The start is oriented by the GPS azimuth to 6, not by a shot.
-            out.append("BK,OP1,BP,BS%s,BC0.0000\n" % dms(bs_az))
+            out.append("BK,OP1,BP100,BS%s,BC0.0000\n" % dms(bs_az))
         else:
             out.append("OC,OP%s,N ,E ,EL,--\n" % occ)
             out.append("BK,OP%s,BP%s,BS,BC0.0000\n" % (occ, back))
@@ -81,11 +84,11 @@ def main():
         out.append(shot(rng, "TR", occ, ahead, bs_az, HI[occ], HR, "TRAVERSE PT"))
         if occ == "3":
             out.append("--Checked the plumb on 3 before moving to 4\n")
-    # Back on the start to measure the closing angle for the balance.
+    # Back on the start: the closing angle from 6 to the azimuth mark.
     out.append("OC,OP1,N 5000.0000,E 5000.0000,EL100.0000,--IRON ROD FOUND\n")
     out.append("BK,OP1,BP6,BS,BC0.0000\n")
     out.append("LS,HI%.3f,HR%.3f\n" % (HI["1"], HR))
-    out.append(shot(rng, "AB", "1", "2", azimuth("1", "6"), HI["1"], HR, "CLOSING ANGLE"))
+    out.append(shot(rng, "AB", "1", "100", azimuth("1", "6"), HI["1"], HR, "CLOSING ANGLE"))
     with open("closed-traverse.rw5", "w", newline="\n") as f:
         f.writelines(out)
 

@@ -16,6 +16,7 @@ struct CommandContext {
 };
 
 void addRawCommands(CLI::App &app, CommandContext &context);
+void addProcessCommands(CLI::App &app, CommandContext &context);
 void addCrdCommands(CLI::App &app, CommandContext &context);
 
 } // namespace tramline::cli

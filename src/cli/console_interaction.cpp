@@ -1,14 +1,62 @@
 #include "cli/console_interaction.h"
 
+#include <algorithm>
+#include <cctype>
+
 namespace tramline::cli {
+
+namespace {
+std::string plain(const std::string &button) {
+    std::string out;
+    for (char c : button)
+        if (c != '&')
+            out += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return out;
+}
+} // namespace
+
+void ConsoleInteraction::needAnswer(const std::string &title) {
+    unanswered = true;
+    const auto hint = hints.find(title);
+    m_err << "The \"" << title << "\" dialog needs an answer: give "
+          << (hint != hints.end() ? hint->second : "--answer \"" + title + "=BUTTON\"") << '\n';
+}
 
 int ConsoleInteraction::choose(const std::string &title, const std::string &message,
                                const std::vector<std::string> &buttons) {
+    const auto it = answers.find(title);
+    const std::string wanted = it != answers.end() ? it->second : defaultAnswer;
     for (size_t i = 0; i < buttons.size(); ++i)
-        if (buttons[i] == defaultAnswer)
+        if (!wanted.empty() && plain(buttons[i]) == plain(wanted))
             return static_cast<int>(i);
-    m_err << title << ": " << message << " (no answer given; cancelled)\n";
+    m_err << title << ":\n" << message << '\n';
+    if (!buttons.empty()) {
+        m_err << "Answers:";
+        for (const auto &b : buttons)
+            m_err << " \"" << plain(b) << "\"";
+        m_err << '\n';
+    }
+    needAnswer(title);
     return -1;
+}
+
+bool ConsoleInteraction::fillForm(const std::string &title, std::vector<FormField> &fields) {
+    if (const auto it = answers.find(title); it != answers.end()) {
+        const std::string &answer = it->second;
+        size_t start = 0;
+        for (auto &field : fields) {
+            const size_t bar = answer.find('|', start);
+            field.value = answer.substr(start, bar == std::string::npos ? std::string::npos : bar - start);
+            if (bar == std::string::npos)
+                break;
+            start = bar + 1;
+        }
+        return true;
+    }
+    if (prefilled.count(title))
+        return true;
+    needAnswer(title);
+    return false;
 }
 
 } // namespace tramline::cli

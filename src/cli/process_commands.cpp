@@ -1,0 +1,186 @@
+// tramline-cli process: the main job, a raw file reduced (and adjusted)
+// into a coordinate file, with the "Process Results" report.
+#include "base/folders.h"
+#include "base/format.h"
+#include "base/translation.h"
+#include "cli/command_context.h"
+#include "cli/console_interaction.h"
+#include "crd/coordinate_file.h"
+#include "raw/reader.h"
+#include "reduce/processing.h"
+
+#include <nlohmann/json.hpp>
+
+namespace tramline::cli {
+
+namespace {
+
+struct ProcessCliOptions {
+    std::string file, crd, method = "none", start, end, closing, closingShot, referenceAzimuth, workdir;
+    double scale = 1.0;
+    bool combinedScale = false, curvature = false, stadia = false, twoD = false, reportSideshots = false,
+         verticalAdjust = false, notes = false, json = false, angleBalance = false, reportUnadjusted = false;
+    std::vector<std::string> answers;
+};
+
+std::vector<std::string> split(const std::string &text, char sep) {
+    std::vector<std::string> parts;
+    size_t start = 0;
+    for (;;) {
+        const size_t at = text.find(sep, start);
+        parts.push_back(text.substr(start, at == std::string::npos ? std::string::npos : at - start));
+        if (at == std::string::npos)
+            return parts;
+        start = at + 1;
+    }
+}
+
+reduce::AdjustMethod methodOf(const std::string &name) {
+    if (name == "angle-balance") return reduce::AdjustMethod::AngleBalance;
+    if (name == "compass") return reduce::AdjustMethod::Compass;
+    if (name == "transit") return reduce::AdjustMethod::Transit;
+    if (name == "crandall") return reduce::AdjustMethod::Crandall;
+    return reduce::AdjustMethod::None;
+}
+
+void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
+    reduce::ProcessOptions options;
+    options.method = methodOf(o.method);
+    options.scaleFactor = o.scale;
+    options.curvature = o.curvature;
+    options.stadia = o.stadia;
+    options.elevations = !o.twoD;
+    options.reportSideshots = o.reportSideshots;
+    options.verticalAdjust = o.verticalAdjust;
+    options.pointNotes = o.notes;
+    options.angleBalance = o.angleBalance;
+    options.reportUnadjusted = o.reportUnadjusted;
+    options.startPoint = o.start;
+    options.endPoint = o.end;
+    options.workingFolder = o.workdir.empty() ? defaultWorkingFolder() : std::filesystem::path(o.workdir);
+    if (o.combinedScale) {
+        ctx.err << tr("Error: the combined scale factor needs a coordinate system, which this build cannot use yet")
+                << '\n';
+        ctx.exitCode = kFailure;
+        return;
+    }
+    if (!o.closing.empty()) {
+        const auto parts = split(o.closing, ',');
+        options.closingPoint.name = parts[0];
+        double v;
+        if (parts.size() >= 3) {
+            if (!parseNumber(parts[1], v))
+                throw CLI::ValidationError("--closing", "northing is not a number");
+            options.closingPoint.north = v;
+            if (!parseNumber(parts[2], v))
+                throw CLI::ValidationError("--closing", "easting is not a number");
+            options.closingPoint.east = v;
+            if (parts.size() >= 4 && parseNumber(parts[3], v))
+                options.closingPoint.elevation = v;
+        } else if (parts.size() != 1) {
+            throw CLI::ValidationError("--closing", "give P or P,N,E[,Z]");
+        }
+    }
+    if (!o.closingShot.empty()) {
+        const auto parts = split(o.closingShot, ',');
+        if (parts.size() != 2)
+            throw CLI::ValidationError("--closing-shot", "give OCC,FS");
+        options.closingShotOccupied = parts[0];
+        options.closingShotForesight = parts[1];
+    }
+    if (!o.referenceAzimuth.empty()) {
+        double v;
+        if (!parseNumber(o.referenceAzimuth, v))
+            throw CLI::ValidationError("--reference-azimuth", "give the azimuth as ddd.mmss");
+        options.referenceAzimuth = v;
+    }
+
+    ConsoleInteraction ui(ctx.err);
+    for (const auto &a : o.answers) {
+        const size_t eq = a.find('=');
+        if (eq == std::string::npos || eq == 0)
+            throw CLI::ValidationError("--answer", "give DIALOG=BUTTON");
+        ui.answers[a.substr(0, eq)] = a.substr(eq + 1);
+    }
+    if (!o.start.empty() && !o.end.empty())
+        ui.prefilled.insert(tr("Traverse Points"));
+    ui.hints = {{tr("Traverse Points"), "--start P and --end P"},
+                {tr("Closing Shot Measurement"), "--closing-shot OCC,FS"},
+                {tr("Reference Closing Angle"), "--reference-azimuth DDD.MMSS"},
+                {tr("Occupy Point"), "--answer \"Occupy Point=NORTH|EAST|ELEV|DESCRIPTION\""},
+                {tr("Backsight Point"), "--answer \"Backsight Point=Enter Coordinates\" with --answer \"Backsight Point=...\""},
+                {tr("Store Point Check"), "--answer \"Store Point Check=Continue Processing\""},
+                {tr("Store Point Conflicts"), "--answer \"Store Point Conflicts=Continue Processing\""},
+                {tr("Point Protect"), "--answer \"Point Protect=Continue Processing\""},
+                {tr("SDR Horiz Adjustment"), "--answer \"SDR Horiz Adjustment=Yes\" (or No)"},
+                {tr("SDR Vertical Adjustment"), "--answer \"SDR Vertical Adjustment=Yes\" (or No)"}};
+
+    raw::RawFile file;
+    std::string error;
+    if (!raw::readRawFile(o.file, file, &error)) {
+        ctx.err << tr("Error: unable to read raw file") << '\n';
+        ctx.exitCode = kFailure;
+        return;
+    }
+    crd::CrdContext crdContext;
+    crdContext.messages = &ui;
+    crd::CoordinateFile coordinates(crdContext);
+    if (!coordinates.open(o.crd)) {
+        ctx.err << crd::CoordinateFile::errorText(coordinates.lastError()) << '\n';
+        ctx.exitCode = kFailure;
+        return;
+    }
+    reduce::ProcessResult result = reduce::processRaw(file, o.file, coordinates, options, ui);
+    coordinates.close();
+
+    if (o.json) {
+        nlohmann::json tabs = nlohmann::json::array();
+        for (const auto &t : result.report.tabs())
+            tabs.push_back({{"title", t.title}, {"text", t.text}});
+        nlohmann::json doc = {{"title", result.report.title()},
+                              {"tabs", tabs},
+                              {"pointsStored", result.pointsStored},
+                              {"error", result.error}};
+        ctx.out << doc.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    } else {
+        ctx.out << result.report.toText();
+    }
+    if (result.status != reduce::ProcessResult::Status::Done) {
+        if (!result.error.empty())
+            ctx.err << result.error << '\n';
+        ctx.exitCode = kFailure;
+    }
+}
+
+} // namespace
+
+void addProcessCommands(CLI::App &app, CommandContext &ctx) {
+    auto o = std::make_shared<ProcessCliOptions>();
+    auto *cmd = app.add_subcommand("process", "Process a raw file into a coordinate file: no adjustment, angle "
+                                              "balance, compass, transit or Crandall; prints the Process Results");
+    cmd->add_option("FILE", o->file, "RW5 raw file")->required();
+    cmd->add_option("--crd", o->crd, "Coordinate file to store the points in (created when missing)")->required();
+    cmd->add_option("--method", o->method, "Adjustment method")
+        ->check(CLI::IsMember({"none", "angle-balance", "compass", "transit", "crandall"}));
+    cmd->add_option("--start", o->start, "Starting point of the traverse");
+    cmd->add_option("--end", o->end, "Ending point of the traverse");
+    cmd->add_option("--closing", o->closing, "Closing reference point P, or P,N,E[,Z] with its coordinates");
+    cmd->add_option("--closing-shot", o->closingShot, "The closing shot OCC,FS when several reach the end");
+    cmd->add_option("--reference-azimuth", o->referenceAzimuth, "Reference closing azimuth for the angle balance, ddd.mmss");
+    auto *scale = cmd->add_option("--scale", o->scale, "Fixed scale factor (default 1)");
+    cmd->add_flag("--combined-scale", o->combinedScale, "Combined scale factor per measurement")->excludes(scale);
+    cmd->add_flag("--curvature", o->curvature, "Correct for earth curvature and refraction");
+    cmd->add_flag("--stadia", o->stadia, "Stadia reduction");
+    cmd->add_flag("--2d", o->twoD, "No elevations");
+    cmd->add_flag("--angle-balance", o->angleBalance, "Balance the angles before the compass, transit or Crandall rule");
+    cmd->add_flag("--report-sideshots", o->reportSideshots, "List the sideshots in the report");
+    cmd->add_flag("--report-unadjusted", o->reportUnadjusted, "List the unadjusted points in the report");
+    cmd->add_flag("--vertical-adjust", o->verticalAdjust, "Spread the vertical closure error");
+    cmd->add_flag("--notes", o->notes, "Give every stored point the note LINE:n,FILE:name");
+    cmd->add_option("--answer", o->answers, "Answer a dialog: DIALOG=BUTTON, or DIALOG=v1|v2|... for a form");
+    cmd->add_option("--workdir", o->workdir, "Working folder for the temporary files (default: Documents/Halvren Tramline)");
+    cmd->add_flag("--json", o->json, "Write the report as JSON");
+    cmd->callback([&ctx, o] { runProcess(*o, ctx); });
+}
+
+} // namespace tramline::cli

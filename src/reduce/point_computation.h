@@ -1,0 +1,90 @@
+// The measurement pass: walks the records in file order, holds the current
+// set-up (occupied point, orientation, heights, elevation mode), reduces
+// every shot and computes its foresight. Points are gathered in memory and
+// written by the caller at the end, so that a run the user cancels leaves
+// the coordinate file as it was.
+#pragma once
+
+#include "base/interaction.h"
+#include "raw/reader.h"
+#include "reduce/process_options.h"
+#include "reduce/traverse_adjustment.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tramline::reduce {
+
+/// A point the pass stores.
+struct ComputedPoint {
+    TraversePoint point;      ///< elevation unset when hasElevation is false
+    long line = 0;            ///< raw line (grid row) that gave it
+    bool control = false;     ///< from a store point record: never overwritten by a shot
+};
+
+/// The angle balance shot as measured.
+struct BalanceShot {
+    std::string occupied, foresight;
+    double measuredAzimuth = 0.0; ///< decimal degrees
+    long line = 0;
+};
+
+/// The SDR adjustments a collector stored in "--HZADJ:" and "--VERTADJ:"
+/// notes, used when the user says so.
+struct SdrHorizontalAdjustment {
+    double originNorth = 0, originEast = 0, deltaNorth = 0, deltaEast = 0;
+    double rotation = 0; ///< decimal degrees, clockwise like an azimuth
+    double scale = 1;
+};
+struct SdrVerticalAdjustment {
+    double originNorth = 0, originEast = 0, heightConstant = 0, slopeNorth = 0, slopeEast = 0;
+};
+
+struct PassInput {
+    const raw::RawFile *file = nullptr;
+    std::string rawFileName;
+    ProcessOptions options;
+    /// Coordinates stored before the run (the coordinate file).
+    std::function<std::optional<TraversePoint>(const std::string &)> lookup;
+    /// Traverse points held fixed (adjusted coordinates of a second pass).
+    std::map<std::string, TraversePoint> fixed;
+    /// Added to the direction of every traverse shot (angle balance), degrees.
+    double traverseAngleCorrection = 0.0;
+    std::optional<SdrHorizontalAdjustment> sdrHorizontal;
+    std::optional<SdrVerticalAdjustment> sdrVertical;
+    /// The closing reference point: a shot to it is measured, not stored.
+    std::string closingPoint;
+};
+
+struct PassResult {
+    enum class Status { Done, Stopped, ReturnToEditor };
+    Status status = Status::Done;
+    std::string error;                 ///< why the pass stopped
+    std::vector<ComputedPoint> points; ///< in the order they were stored (latest wins)
+    std::map<std::string, size_t> index; ///< name -> latest entry of points
+    std::vector<TraverseSide> sides;   ///< every TR, CL and CL+AB shot, file order
+    std::vector<BalanceShot> balanceShots;
+    std::map<std::string, TraversePoint> computedEnds; ///< last computed position per foresight
+    std::string listing, sideshots, multipleBacksights, depths;
+    std::vector<std::string> warnings;
+    std::vector<std::string> notes;    ///< "name\ttext" point notes to add
+    int traverseLines = 0, sideshotTraverses = 0, sideshotCount = 0, storePoints = 0;
+
+    const ComputedPoint *find(const std::string &name) const;
+};
+
+/// Runs the pass. Questions (missing coordinates) go to `ui`.
+PassResult computePoints(const PassInput &input, Interaction &ui);
+
+/// Azimuth (decimal degrees, 0..360) of a shot's direction from the
+/// backsight azimuth and its horizontal angle (decimal degrees) by kind.
+double shotAzimuth(raw::HorizontalKind kind, double angle, double backsightAzimuth);
+
+/// Parses "--HZADJ:" / "--VERTADJ:" note texts (after the dashes).
+std::optional<SdrHorizontalAdjustment> parseHorizontalAdjustment(std::string_view note);
+std::optional<SdrVerticalAdjustment> parseVerticalAdjustment(std::string_view note);
+
+} // namespace tramline::reduce

@@ -1,0 +1,36 @@
+// Process > No Adjust, Angle Balance, Transit, Compass, Crandall: the whole
+// run over a raw file, from the checks before processing to the points
+// written to the coordinate file and the "Process Results" report.
+//
+// Usage from the command line: tramline-cli process job.rw5 --crd job.crd --method compass
+#pragma once
+
+#include "base/interaction.h"
+#include "base/report.h"
+#include "crd/coordinate_file.h"
+#include "raw/reader.h"
+#include "reduce/process_options.h"
+
+#include <string>
+
+namespace tramline::reduce {
+
+struct ProcessResult {
+    enum class Status {
+        Done,           ///< points written, report complete
+        Failed,         ///< an error ended the run; the report says which; nothing written
+        ReturnToEditor, ///< the user went back to the editor; nothing written
+    };
+    Status status = Status::Done;
+    std::string error;
+    Report report;
+    bool rawChanged = false; ///< store point records were turned into notes
+    long pointsStored = 0;
+};
+
+/// Runs the processing of `file` (which the store point checks may change)
+/// into `coordinates`, asking `ui` what the run cannot decide itself.
+ProcessResult processRaw(raw::RawFile &file, const std::string &rawFileName, crd::CoordinateFile &coordinates,
+                         const ProcessOptions &options, Interaction &ui);
+
+} // namespace tramline::reduce
