@@ -19,7 +19,7 @@ TRUE = {  # point: (northing, easting, elevation), US survey feet
     "100": (5354.210, 4703.385, 102.118),  # azimuth mark, brass disk
 }
 SIDESHOTS = {  # occupied: [(point, northing, easting, elevation, description)]
-    "1": [("101", 5050.220, 4930.415, 99.610, "IRON ROD FOUND")],
+    "1": [("101", 5050.220, 4930.415, 99.610, "REBAR AND CAP")],
     "2": [("102", 5470.118, 5150.730, 104.880, "FIRE HYDRANT"), ("103", 5391.402, 5260.011, 103.975, "EDGE OF PAVEMENT")],
     "3": [("104", 5701.640, 5610.022, 110.402, "OAK 24IN")],
     "4": [("105", 5402.913, 6101.877, 106.533, "POWER POLE")],

@@ -731,6 +731,7 @@ private:
                          tr("Total Sl Dist Traversed"), c.slopeTraversed);
             m_result.report.append(tr("Closure Results (After Angle Balance)"), after);
             if (m_opt.method == AdjustMethod::AngleBalance) {
+                m_sideshots = temporary("sideshot.tmp", pass.sideshots);
                 m_final = std::move(pass);
                 return true;
             }
@@ -772,6 +773,8 @@ private:
             m_result.report.append(tr("Unadjusted Points"), pointList(pass));
         if (!runPass(in, m_final))
             return false;
+        // The sideshots as finally stored, from the adjusted stations.
+        m_sideshots = temporary("sideshot.tmp", m_final.sideshots);
         return true;
     }
 

@@ -32,11 +32,11 @@ TEST(MainDialog, OpensTheBundledExample) {
     const QString example = QStringLiteral(TRAMLINE_SOURCE_DIR "/data/examples/closed-traverse.rw5");
     ASSERT_TRUE(dialog.openRawFile(example));
     const auto *model = dialog.rawGrid()->model();
-    EXPECT_EQ(model->rowCount(), 41);
+    EXPECT_EQ(model->rowCount(), 43);
     EXPECT_EQ(model->headerData(5, Qt::Horizontal).toString(), "ZenithAng");
-    EXPECT_EQ(model->index(8, 0).data().toString(), "SS");
-    EXPECT_EQ(model->index(8, 4).data().toString(), "187.4258");
-    EXPECT_EQ(model->index(7, 1).data(Qt::ToolTipRole).toString(), "InstHt");
+    EXPECT_EQ(model->index(9, 0).data().toString(), "SS");
+    EXPECT_EQ(model->index(9, 4).data().toString(), "345.4539");
+    EXPECT_EQ(model->index(8, 1).data(Qt::ToolTipRole).toString(), "InstHt");
     EXPECT_EQ(dialog.windowTitle(), "Halvren Tramline - [RW5: " + example + "] - [CRD: NONE]");
 }
 
