@@ -418,7 +418,8 @@ private:
                 }
             }
         }
-        m_r.computedEnds[p.name] = p;
+        if (p.name == m_in.closingPoint)
+            m_r.closingEnd = p;
 
         appendFormat(m_r.listing, "  %-6s %-9.9s %s %s %10.3f %s %10.3f %10.3f %12.4f %12.4f ", o.type.c_str(),
                      p.name.c_str(), tr("Az"), dmsText(azimuth).c_str(), o.slopeDistance, tr("HD"), red.horizontal,

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <map>
+#include <unordered_map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -64,10 +65,10 @@ struct PassResult {
     Status status = Status::Done;
     std::string error;                 ///< why the pass stopped
     std::vector<ComputedPoint> points; ///< in the order they were stored (latest wins)
-    std::map<std::string, size_t> index; ///< name -> latest entry of points
+    std::unordered_map<std::string, size_t> index; ///< name -> latest entry of points
     std::vector<TraverseSide> sides;   ///< every TR, CL and CL+AB shot, file order
     std::vector<BalanceShot> balanceShots;
-    std::map<std::string, TraversePoint> computedEnds; ///< last computed position per foresight
+    std::optional<TraversePoint> closingEnd; ///< last computed position of the closing point
     std::string listing, sideshots, multipleBacksights, depths;
     std::vector<std::string> warnings;
     std::vector<std::string> notes;    ///< "name\ttext" point notes to add

@@ -16,6 +16,7 @@
 
 #include "base/angles.h"
 #include "base/format.h"
+#include "base/point_names.h"
 #include "base/translation.h"
 #include "base/unset.h"
 #include "raw/angle_math.h"
@@ -23,11 +24,14 @@
 #include "reduce/direct_reverse.h"
 #include "reduce/point_computation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <map>
 #include <set>
 #include <sstream>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace tramline::reduce {
 
@@ -193,7 +197,7 @@ private:
     }
 
     bool storePointCheck() {
-        std::map<std::string, long> measured; // foresight -> first measuring line
+        std::unordered_map<std::string, long> measured; // foresight -> first measuring line
         std::vector<size_t> conflicts;
         std::string list;
         for (size_t i = 0; i < m_file.nodes.size(); ++i) {
@@ -289,9 +293,11 @@ private:
     }
 
     bool pointProtect() {
+        if (!m_crd.isOpen() || m_crd.highestName().empty())
+            return true; // an empty coordinate file protects nothing
         std::string list;
         int count = 0;
-        std::set<std::string> seen;
+        std::unordered_set<std::string> seen;
         for (const auto &n : m_file.nodes) {
             std::string name;
             const char *kind = nullptr;
@@ -674,7 +680,7 @@ private:
         PassResult pass;
         if (!runPass(passInput(), pass))
             return false;
-        m_counts = pass;
+        m_counts = {pass.traverseLines, pass.sideshotTraverses, pass.sideshotCount, pass.storePoints};
         m_result.report.append(tr("Unadjusted Data"), temporary("rawedit.tmp", pass.listing) + summary(pass));
         m_sideshots = temporary("sideshot.tmp", pass.sideshots);
         m_multipleBacksights = temporary("multback.tmp", pass.multipleBacksights);
@@ -690,11 +696,10 @@ private:
                 if (m_start.empty() && !pass.sides.empty())
                     m_start = pass.sides.front().from;
                 const auto known = knownClosing(pass);
-                const auto it = pass.computedEnds.find(m_end);
-                if (!known || it == pass.computedEnds.end()) {
+                if (!known || !pass.closingEnd) {
                     m_warnings.push_back(format(tr("No coordinate stored for Closure Point %s"), m_end.c_str()));
                 } else {
-                    const Closure c = computeClosure(it->second, *known, pass.sides);
+                    const Closure c = computeClosure(*pass.closingEnd, *known, pass.sides);
                     m_result.report.append(tr("Closure Results"), closureText(tr("Closure Results"), c, m_end));
                 }
             }
@@ -779,19 +784,23 @@ private:
     }
 
     static std::string pointList(const PassResult &pass) {
+        std::vector<const TraversePoint *> points;
+        for (const auto &[name, i] : pass.index)
+            points.push_back(&pass.points[i].point);
+        std::sort(points.begin(), points.end(), [](const TraversePoint *a, const TraversePoint *b) {
+            return comparePointNames(a->name, b->name) < 0;
+        });
         std::string out;
-        for (const auto &[name, i] : pass.index) {
-            const auto &p = pass.points[i].point;
-            appendFormat(out, "%-9.9s %12.4f %12.4f %s %s\n", name.c_str(), p.north, p.east,
-                         p.hasElevation ? format("%10.4f", p.elevation).c_str() : "          ", p.description.c_str());
-        }
+        for (const auto *p : points)
+            appendFormat(out, "%-9.9s %12.4f %12.4f %s %s\n", p->name.c_str(), p->north, p->east,
+                         p->hasElevation ? format("%10.4f", p->elevation).c_str() : "          ", p->description.c_str());
         return out;
     }
 
     void write() {
         std::vector<crd::CrdPoint> points;
         std::vector<long> lines;
-        std::set<std::string> done;
+        std::unordered_set<std::string> done;
         // Latest position of every point, in the order first stored.
         for (const auto &cp : m_final.points) {
             if (!done.insert(cp.point.name).second)
@@ -832,7 +841,9 @@ private:
     const raw::RawFile *m_work = nullptr;
     std::optional<SdrHorizontalAdjustment> m_sdrH;
     std::optional<SdrVerticalAdjustment> m_sdrV;
-    PassResult m_counts;
+    struct Counts {
+        int traverseLines = 0, sideshotTraverses = 0, sideshotCount = 0, storePoints = 0;
+    } m_counts;
     PassResult m_final;
     TraversePoint m_knownClosing, m_computedEnd;
 };

@@ -1,0 +1,78 @@
+// Processing a generated job: 100,000 set-ups with 1,000,000 sideshots
+// without adjustment, and a 10,000-side traverse by the compass rule.
+#include "base/format.h"
+#include "crd/coordinate_file.h"
+#include "raw/reader.h"
+#include "reduce/processing.h"
+
+#include <benchmark/benchmark.h>
+
+#include <filesystem>
+#include <sstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace tramline;
+
+// A traverse running east-north-east, each set-up backsighting the last,
+// with `sideshots` shots around every station.
+std::string generateJob(int setups, int sideshots) {
+    std::string out = "MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\nSP,PN1,N 1000.0000,E 1000.0000,EL100.0000,--START\n"
+                      "SP,PN0,N 900.0000,E 1000.0000,EL100.0000,--BACKSIGHT\n";
+    out.reserve(static_cast<size_t>(setups) * static_cast<size_t>(sideshots + 4) * 50);
+    long shot = 1000000;
+    for (int s = 1; s <= setups; ++s) {
+        appendFormat(out, "OC,OP%d,N ,E ,EL,--\nBK,OP%d,BP%d,BS,BC0.0000\nLS,HI1.500,HR1.800\n", s, s, s - 1);
+        for (int i = 0; i < sideshots; ++i)
+            appendFormat(out, "SS,OP%d,FP%ld,AR%d.%02d15,ZE89.%02d30,SD%.3f,--TOPO\n", s, ++shot, (i * 37) % 360,
+                         i % 60, i % 60, 5.0 + i % 50);
+        appendFormat(out, "TR,OP%d,FP%d,AR180.0%d00,ZE90.0000,SD%.3f,--TRAVERSE\n", s, s + 1, s % 2, 100.0 + s % 7);
+    }
+    return out;
+}
+
+void runJob(benchmark::State &state, int setups, int sideshots, reduce::AdjustMethod method) {
+    std::istringstream in(generateJob(setups, sideshots));
+    raw::RawFile file;
+    raw::readRaw(in, file);
+    const fs::path dir = fs::temp_directory_path() / "tramline-bench-reduce";
+    fs::create_directories(dir);
+    long records = static_cast<long>(file.nodes.size());
+    for (auto _ : state) {
+        state.PauseTiming();
+        fs::remove(dir / "job.crd");
+        raw::RawFile copy = file;
+        SilentInteraction ui;
+        crd::CrdContext context;
+        crd::CoordinateFile coordinates(context);
+        coordinates.open(dir / "job.crd");
+        reduce::ProcessOptions options;
+        options.method = method;
+        options.workingFolder = dir;
+        options.startPoint = "1";
+        options.endPoint = std::to_string(setups + 1);
+        // The closing point: where the error-free traverse ends, a little off.
+        options.closingPoint = {options.endPoint, std::nullopt, std::nullopt, std::nullopt};
+        state.ResumeTiming();
+        const auto result = reduce::processRaw(copy, "job.rw5", coordinates, options, ui);
+        benchmark::DoNotOptimize(result.pointsStored);
+        state.PauseTiming();
+        if (result.status != reduce::ProcessResult::Status::Done && method == reduce::AdjustMethod::None)
+            state.SkipWithError(result.error.c_str());
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * records);
+}
+
+void BM_NoAdjust100kSetups1MSideshots(benchmark::State &state) {
+    runJob(state, 100000, 10, reduce::AdjustMethod::None);
+}
+BENCHMARK(BM_NoAdjust100kSetups1MSideshots)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+void BM_Compass10kSides(benchmark::State &state) { runJob(state, 10000, 0, reduce::AdjustMethod::Compass); }
+BENCHMARK(BM_Compass10kSides)->Unit(benchmark::kMillisecond)->Iterations(2);
+
+} // namespace
+
+BENCHMARK_MAIN();
