@@ -33,6 +33,8 @@ namespace {
 
 constexpr long kMaxMoveRecords = 1000; // the tail moves through at most 66,000 bytes
 constexpr long kFillBatch = 10;        // empty records written at a time
+constexpr long kWideSearch = 64;       // searches keep the names met above this span
+constexpr std::size_t kMaxSearchNames = 4096;
 
 using NumericRecord = std::array<unsigned char, kNumericRecordSize>;
 using AlphaRecord = std::array<unsigned char, kAlphaRecordSize>;
@@ -210,6 +212,7 @@ void CrdIOMorvane::close() {
     m_header = {};
     m_current = -1;
     m_cacheValid = false;
+    m_searchNames.clear();
 }
 
 bool CrdIOMorvane::attach(std::unique_ptr<ByteStore> store, CrdAccess access) {
@@ -217,6 +220,7 @@ bool CrdIOMorvane::attach(std::unique_ptr<ByteStore> store, CrdAccess access) {
     m_access = access;
     m_current = -1;
     m_cacheValid = false;
+    m_searchNames.clear();
     std::array<unsigned char, kAlphaHeaderSize> header{};
     const long long got = m_store->readAt(0, header.data(), header.size());
     const long long size = m_store->size();
@@ -252,8 +256,8 @@ bool CrdIOMorvane::attachNumeric(const unsigned char *header, long long size) {
         m_highestNumber = std::min(slots, kNumericNameLimit - 1);
     else
         m_highestNumber = highest < 1.0 ? 0 : static_cast<long>(highest);
-    m_highest = m_highestNumber < 1 ? "1" : tramline::format("%ld", m_highestNumber);
-    m_lowest = "1";
+    m_highest = tramline::format("%ld", std::max(m_highestNumber, 1L)); // "1" in an empty file
+    m_lowest.assign(1, '1'); // (assigning the literal trips a false GCC 12 -Wrestrict)
     m_header.number = tramline::format("%.3f", getDouble(header + kNumNumber));
     m_header.date = tramline::format("%4.4f", getDouble(header + kNumDate));
     m_header.title = getText(header + kNumTitle, kTextField, kTextField - 1);
@@ -466,28 +470,61 @@ bool CrdIOMorvane::readAlphaRecord(long index, unsigned char *record) {
 
 // The search reads the last record, then the first, then halves the range
 // between them: lookups near either end (the usual case when points are
-// added in order) cost one or two reads.
+// added in order) cost one or two reads. The names met while the range is
+// still wide are the same for every lookup, so they are kept until the
+// records move.
+bool CrdIOMorvane::probeName(long index, bool keep, std::string &name) {
+    if (keep) {
+        const auto known = m_searchNames.find(index);
+        if (known != m_searchNames.end()) {
+            name = known->second;
+            return true;
+        }
+    }
+    AlphaRecord record{};
+    if (!readAlphaRecord(index, record.data()))
+        return false;
+    name = alphaName(record.data());
+    if (keep && m_searchNames.size() < kMaxSearchNames)
+        m_searchNames.emplace(index, name);
+    return true;
+}
+
 CrdIOMorvane::Search CrdIOMorvane::searchAlphanumeric(const std::string &name) {
     Search result;
     if (m_count == 0)
         return result;
-    AlphaRecord record{};
-    if (!readAlphaRecord(m_count - 1, record.data()))
+    std::string probe;
+    if (!probeName(m_count - 1, true, probe))
         return {false, false, 0};
-    int c = comparePointNames(name, alphaName(record.data()));
+    int c = comparePointNames(name, probe);
     if (c >= 0)
         return {true, c == 0, c == 0 ? m_count - 1 : m_count};
-    if (!readAlphaRecord(0, record.data()))
+    if (!probeName(0, true, probe))
         return {false, false, 0};
-    c = comparePointNames(name, alphaName(record.data()));
+    c = comparePointNames(name, probe);
     if (c <= 0)
         return {true, c == 0, 0};
     long lower = 0, upper = m_count - 1;
+    // Once the range is narrow, its records are read in one go and the
+    // halving goes on in memory, visiting the same records.
+    std::vector<unsigned char> &block = m_searchBlock;
+    long blockStart = -1;
     while (upper - lower > 1) {
         const long middle = (lower + upper) / 2;
-        if (!readAlphaRecord(middle, record.data()))
-            return {false, false, 0};
-        c = comparePointNames(name, alphaName(record.data()));
+        if (upper - lower > kWideSearch) {
+            if (!probeName(middle, true, probe))
+                return {false, false, 0};
+        } else {
+            if (blockStart < 0) {
+                blockStart = lower + 1;
+                block.resize(static_cast<std::size_t>(upper - blockStart) * kAlphaRecordSize);
+                if (!m_store->readExactly(alphaOffset(blockStart), block.data(), block.size()))
+                    return {false, false, 0};
+            }
+            probe = alphaName(block.data() + static_cast<std::size_t>(middle - blockStart) * kAlphaRecordSize);
+        }
+        c = comparePointNames(name, probe);
         if (c == 0)
             return {true, true, middle};
         if (c > 0)
@@ -714,6 +751,7 @@ bool CrdIOMorvane::reserveTail(std::uint64_t end, std::uint64_t bytes, long long
 }
 
 bool CrdIOMorvane::insertAlphaRecord(long index, const unsigned char *record) {
+    m_searchNames.clear(); // records after `index` move
     const long long oldSize = m_store->size();
     if (oldSize < 0)
         return fail(kReadWriteFailed);
@@ -943,6 +981,7 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     }
     flush();
     m_count = finalCount;
+    m_searchNames.clear();
     if (!ok || !loadEnds())
         return failAll();
     return static_cast<long>(points.size()) -
