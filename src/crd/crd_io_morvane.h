@@ -9,6 +9,7 @@
 #include "crd/crd_io.h"
 
 #include <memory>
+#include <unordered_map>
 
 namespace tramline::crd {
 
@@ -79,6 +80,7 @@ private:
                                 std::vector<int> &errors);
 
     bool readAlphaRecord(long index, unsigned char *record);
+    bool probeName(long index, bool keep, std::string &name);
     Search searchAlphanumeric(const std::string &name);
     bool insertAlphaRecord(long index, const unsigned char *record);
     bool reserveTail(std::uint64_t end, std::uint64_t bytes, long long oldSize);
@@ -96,6 +98,10 @@ private:
     CrdHeaderTexts m_header;
     long m_current = -1;
     long m_moveBufferRecords = 1000;
+
+    // Names of records the binary search visits first (index -> name).
+    std::unordered_map<long, std::string> m_searchNames;
+    std::vector<unsigned char> m_searchBlock; // the narrow end of a search, read at once
 
     // The one-record cache of the sequential walk.
     CrdPoint m_cached;

@@ -7,7 +7,6 @@
 
 #include <cstring>
 #include <fstream>
-#include <iterator>
 
 namespace tramline::crd {
 
@@ -314,23 +313,15 @@ std::string describeHistoryEntry(const HistoryEntry &entry) {
 bool readHistoryFile(const std::filesystem::path &path, std::vector<HistoryEntry> &entries,
                      Interaction *messages) {
     entries.clear();
+    std::error_code ec;
+    const auto size = std::filesystem::file_size(path, ec);
+    std::string bytes(ec ? 0 : static_cast<std::size_t>(size), '\0');
     std::ifstream in(path, std::ios::binary);
-    std::string bytes;
-    if (in)
-        bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    if (!in && !in.eof()) {
-        if (messages)
-            messages->message(format(tr("\nCRD HISTORY FAILED: %s not valid.\n"), path.string().c_str()));
-        return false;
-    }
-    if (bytes.size() < kHistoryMarkSize || std::memcmp(bytes.data(), kMark, kHistoryMarkSize) != 0) {
-        if (messages)
-            messages->message(format(tr("\nCRD HISTORY FAILED: %s not valid.\n"), path.string().c_str()));
-        return false;
-    }
-    if (parseHistory(bytes, entries))
+    if (!ec && in && in.read(bytes.data(), static_cast<std::streamsize>(bytes.size())) &&
+        parseHistory(bytes, entries))
         return true;
-    // The entries up to a damaged one are kept; the file is not valid.
+    // Unreadable, not a history file, or damaged: the entries up to the
+    // damage are kept, but the file is not valid.
     if (messages)
         messages->message(format(tr("\nCRD HISTORY FAILED: %s not valid.\n"), path.string().c_str()));
     return false;

@@ -44,4 +44,22 @@ bool isFirstRevisionMark(const unsigned char *header) {
     return header[kAlphaMark + kMarkPrefix.size()] != '2';
 }
 
+std::string alphaName(const unsigned char *record) {
+    return getText(record + kName, kNameField, kMaxAlphaName);
+}
+
+void fillPoint(const unsigned char *record, CrdPoint &point) {
+    point.northing = getDouble(record + kNorthing);
+    point.easting = getDouble(record + kEasting);
+    point.elevation = getDouble(record + kElevation);
+    point.description = getText(record + kDescription, kTextField, kMaxDescription);
+    point.code.clear();
+    point.locked = 0;
+}
+
+bool isEmptySlot(const unsigned char *record) {
+    return getDouble(record + kNorthing) == 0.0 && getDouble(record + kEasting) == 0.0 &&
+           getDouble(record + kElevation) == 0.0;
+}
+
 } // namespace tramline::crd::layout

@@ -10,6 +10,9 @@
 // (northing, easting, elevation, description[32], name[10]).
 #pragma once
 
+#include "crd/crd_point.h"
+
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -57,5 +60,34 @@ bool hasAlphaMark(const unsigned char *header);
 /// True when the mark is of the first, unsorted revision (its 15th
 /// character is not '2').
 bool isFirstRevisionMark(const unsigned char *header);
+
+/// The tail of an alphanumeric file moves through at most 1000 records
+/// (66,000 bytes) at a time.
+inline constexpr long kMaxMoveRecords = 1000;
+
+using NumericRecord = std::array<unsigned char, kNumericRecordSize>;
+using AlphaRecord = std::array<unsigned char, kAlphaRecordSize>;
+
+inline std::uint64_t numericOffset(long record) {
+    return static_cast<std::uint64_t>(record) * kNumericRecordSize;
+}
+inline std::uint64_t alphaOffset(long index) {
+    return kAlphaHeaderSize + static_cast<std::uint64_t>(index) * kAlphaRecordSize;
+}
+
+/// The name in an alphanumeric record.
+std::string alphaName(const unsigned char *record);
+/// Coordinates and description of a record (either layout); no name.
+void fillPoint(const unsigned char *record, CrdPoint &point);
+/// A numeric record whose three doubles are all 0.0: an unused number.
+bool isEmptySlot(const unsigned char *record);
+/// The description as it reaches the file: up to an embedded NUL, which
+/// would end it there anyway.
+inline std::string_view fileDescription(const std::string &description) {
+    return std::string_view(description.c_str());
+}
+/// Names holding '.' may compare inconsistently (their digits are read as
+/// decimals), so sorting shortcuts do not apply to them.
+inline bool hasDot(const std::string &name) { return name.find('.') != std::string::npos; }
 
 } // namespace tramline::crd::layout

@@ -204,6 +204,19 @@ TEST_F(CoordinateFileTest, ReadOnlyFileAndFolderAreRefusedAtOnce) {
     EXPECT_EQ(readBytes(path), before);
 }
 
+TEST_F(CoordinateFileTest, MissingFolderAndMissingFile) {
+    const auto nowhere = file("no/such/folder/site.crd");
+    CoordinateFile crd(context);
+    EXPECT_FALSE(crd.open(nowhere, 1, 1));
+    EXPECT_EQ(crd.lastError(), kCannotCreate);
+    EXPECT_EQ(ui.messages.front(), "\nCan't open new file " + nowhere.string());
+    EXPECT_EQ(ui.messages.back(), "\nError 20: Could not open file: " + nowhere.string() +
+                                      "\nThe coordinate file could not be created.\nIt might be "
+                                      "read-only or in use by another application or be invalid.");
+    EXPECT_FALSE(crd.openForReading(file("missing.crd")));
+    EXPECT_EQ(crd.lastError(), kCannotOpen);
+}
+
 TEST_F(CoordinateFileTest, NothingOpen) {
     CoordinateFile crd(context);
     CrdPoint p;

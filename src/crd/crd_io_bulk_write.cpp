@@ -1,0 +1,212 @@
+#include "crd/crd_io_morvane.h"
+
+#include "base/point_names.h"
+#include "base/translation.h"
+#include "base/unset.h"
+#include "crd/crd_errors.h"
+#include "crd/file_kinds.h"
+#include "crd/point_name_rules.h"
+#include "crd/record_layout.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace tramline::crd {
+
+using namespace layout;
+
+long CrdIOMorvane::writePoints(std::span<const CrdPoint> points, bool quiet,
+                               std::vector<int> *errors) {
+    m_error = kNoError;
+    std::vector<int> codes(points.size(), kNoError);
+    long written = 0;
+    if (!m_store || m_access == CrdAccess::ReadOnly) {
+        std::fill(codes.begin(), codes.end(), m_store ? kReadWriteFailed : kNotOpen);
+        m_error = codes.empty() ? kNoError : codes.front();
+    } else if (m_format == kFormatAlphanumeric) {
+        written = writeAlphanumericBatch(points, quiet, codes);
+    } else {
+        // Numeric records sit at fixed places: nothing moves, so writing
+        // them one by one is already the fastest way.
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            if (writePoint(points[i], quiet, nullptr))
+                ++written;
+            codes[i] = m_error;
+        }
+    }
+    if (errors)
+        *errors = std::move(codes);
+    return written;
+}
+
+// Many points into a sorted file at once: the new records are sorted in
+// memory and merged with the file's from its end backwards, so each old
+// record moves once, whatever the number of points. The result is the file
+// that writing them one at a time would give: the last of equal names wins,
+// a name already in the file is replaced in place. Where that equivalence
+// cannot be promised (a name holding '.', which the name order may compare
+// inconsistently, or a file that is not strictly in order), the points are
+// written one at a time instead.
+long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool quiet,
+                                          std::vector<int> &errors) {
+    m_cacheValid = false;
+    struct Item {
+        std::string name;
+        AlphaRecord record;
+    };
+    std::vector<Item> items;
+    items.reserve(points.size());
+    std::vector<std::string> lines(points.size()); // message lines, printed in order
+    bool consistent = true;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const CrdPoint &point = points[i];
+        std::string name = normaliseAlphanumericName(point.name);
+        errors[i] = checkAlphanumericName(name);
+        if (errors[i] == kNameBlank)
+            lines[i] = tr("\nInvalid point number: empty string.");
+        if (errors[i] != kNoError)
+            continue;
+        std::string_view description = fileDescription(point.description);
+        if (description.size() > kMaxDescription) {
+            lines[i] = tr("\nWarning: Truncating description that contains too many characters.");
+            description = description.substr(0, kMaxDescription);
+        }
+        Item item{std::move(name), {}};
+        putDouble(item.record.data() + kNorthing, point.northing);
+        putDouble(item.record.data() + kEasting, point.easting);
+        putDouble(item.record.data() + kElevation, isUnset(point.elevation) ? 0.0 : point.elevation);
+        putText(item.record.data() + kDescription, kTextField, description);
+        putText(item.record.data() + kName, kNameField, item.name);
+        consistent = consistent && !hasDot(item.name);
+        items.push_back(std::move(item));
+    }
+
+    auto byName = [](const Item &a, const Item &b) { return comparePointNames(a.name, b.name) < 0; };
+    std::stable_sort(items.begin(), items.end(), byName);
+    // Of equal names the last one given wins, as it would overwrite the others.
+    std::vector<Item> unique;
+    unique.reserve(items.size());
+    for (std::size_t i = 0; i < items.size(); ++i)
+        if (i + 1 == items.size() || comparePointNames(items[i].name, items[i + 1].name) != 0)
+            unique.push_back(std::move(items[i]));
+
+    // One pass over the file: is it strictly in order, and which names exist?
+    long matches = 0;
+    std::vector<unsigned char> chunk(kMaxMoveRecords * kAlphaRecordSize);
+    std::string previous;
+    std::size_t cursor = 0;
+    for (long start = 0; consistent && start < m_count; start += kMaxMoveRecords) {
+        const long n = std::min(kMaxMoveRecords, m_count - start);
+        if (!m_store->readExactly(alphaOffset(start), chunk.data(),
+                                  static_cast<std::size_t>(n) * kAlphaRecordSize)) {
+            for (int &code : errors)
+                if (code == kNoError)
+                    code = kReadWriteFailed;
+            fail(kReadWriteFailed);
+            return 0;
+        }
+        for (long i = 0; consistent && i < n; ++i) {
+            std::string name = alphaName(chunk.data() + static_cast<std::size_t>(i) * kAlphaRecordSize);
+            consistent = !hasDot(name) && (start + i == 0 || comparePointNames(previous, name) < 0);
+            while (cursor < unique.size() && comparePointNames(unique[cursor].name, name) < 0)
+                ++cursor;
+            if (cursor < unique.size() && comparePointNames(unique[cursor].name, name) == 0) {
+                ++matches;
+                ++cursor;
+            }
+            previous = std::move(name);
+        }
+    }
+    if (!consistent) {
+        long written = 0;
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            if (writePoint(points[i], quiet, nullptr))
+                ++written;
+            errors[i] = m_error;
+        }
+        return written;
+    }
+    for (const std::string &line : lines)
+        if (!line.empty())
+            say(quiet, line);
+    if (unique.empty())
+        return 0;
+
+    const long long oldSize = m_store->size();
+    const long inserts = static_cast<long>(unique.size()) - matches;
+    const long finalCount = m_count + inserts;
+    auto failAll = [&]() -> long {
+        for (int &code : errors)
+            if (code == kNoError)
+                code = kReadWriteFailed;
+        m_error = kReadWriteFailed;
+        return 0;
+    };
+    if (oldSize < 0)
+        return failAll();
+    if (!reserveTail(alphaOffset(m_count), static_cast<std::uint64_t>(inserts) * kAlphaRecordSize,
+                     oldSize))
+        return failAll();
+
+    // Merge from the end. The next output slot is always above the next old
+    // record still to be merged, so no record is overwritten before it has
+    // been read.
+    std::vector<unsigned char> in(kMaxMoveRecords * kAlphaRecordSize);
+    std::vector<unsigned char> out(kMaxMoveRecords * kAlphaRecordSize);
+    long old = m_count - 1;      // next old record to merge
+    long inLow = m_count;        // old records [inLow, inLow + inFill) are in `in`
+    long k = static_cast<long>(unique.size()) - 1;
+    long outTop = finalCount - 1; // slot of the last record in `out`
+    long outFill = 0;
+    bool ok = true;
+    auto flush = [&] {
+        if (outFill == 0)
+            return;
+        const long low = outTop - outFill + 1;
+        ok = ok && m_store->writeAt(alphaOffset(low),
+                                    out.data() + static_cast<std::size_t>(kMaxMoveRecords - outFill) *
+                                                     kAlphaRecordSize,
+                                    static_cast<std::size_t>(outFill) * kAlphaRecordSize);
+        outTop = low - 1;
+        outFill = 0;
+    };
+    while (ok && k >= 0) {
+        if (old >= 0 && old < inLow) {
+            inLow = std::max(0L, old + 1 - kMaxMoveRecords);
+            ok = m_store->readExactly(alphaOffset(inLow), in.data(),
+                                      static_cast<std::size_t>(old + 1 - inLow) * kAlphaRecordSize);
+            if (!ok)
+                break;
+        }
+        const unsigned char *oldRecord =
+            old >= 0 ? in.data() + static_cast<std::size_t>(old - inLow) * kAlphaRecordSize : nullptr;
+        const int c = oldRecord ? comparePointNames(unique[static_cast<std::size_t>(k)].name,
+                                                    alphaName(oldRecord))
+                                : 1;
+        const unsigned char *source = nullptr;
+        if (c >= 0) {
+            source = unique[static_cast<std::size_t>(k)].record.data();
+            --k;
+            if (c == 0)
+                --old;
+        } else {
+            source = oldRecord;
+            --old;
+        }
+        std::memcpy(out.data() + static_cast<std::size_t>(kMaxMoveRecords - 1 - outFill) * kAlphaRecordSize,
+                    source, kAlphaRecordSize);
+        if (++outFill == kMaxMoveRecords)
+            flush();
+    }
+    flush();
+    m_count = finalCount;
+    m_searchNames.clear();
+    if (!ok || !loadEnds())
+        return failAll();
+    return static_cast<long>(points.size()) -
+           static_cast<long>(std::count_if(errors.begin(), errors.end(), [](int e) { return e != 0; }));
+}
+
+
+
+} // namespace tramline::crd
