@@ -14,6 +14,7 @@ int run(const std::vector<std::string> &args, std::ostream &out, std::ostream &e
     app.set_version_flag("--version", "tramline-cli 0.1.0");
     CommandContext context{out, err};
     addRawCommands(app, context);
+    addGeoCommands(app, context);
 
     std::vector<std::string> reversed(args.rbegin(), args.rend());
     try {

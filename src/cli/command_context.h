@@ -16,5 +16,6 @@ struct CommandContext {
 };
 
 void addRawCommands(CLI::App &app, CommandContext &context);
+void addGeoCommands(CLI::App &app, CommandContext &context);
 
 } // namespace tramline::cli
