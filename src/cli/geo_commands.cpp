@@ -1,10 +1,15 @@
 // tramline-cli geo ...: coordinate systems, projections and well-known
 // text from the command line.
+#include "base/folders.h"
 #include "base/format.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
+#include "cli/console_interaction.h"
 #include "geodesy/datum_shift.h"
+#include "geodesy/geoid_models.h"
+#include "geodesy/gtx_import.h"
 #include "geodesy/projection.h"
+#include "geodesy/set_geoid_area.h"
 #include "geodesy/wkt.h"
 #include "geodesy/zones.h"
 
@@ -331,9 +336,120 @@ void addInverse(CLI::App &geo, CommandContext &ctx) {
     });
 }
 
+// Where grids are kept and fetched from.
+struct GeoidLocation {
+    std::string data;
+    std::string server = kDefaultGeoidServer;
+    long timeout = 120;
+
+    GeoidFolders folders() const {
+        return {data.empty() ? settingsFolder() : std::filesystem::path(data), server, timeout};
+    }
+};
+
+void addGeoidLocationOptions(CLI::App *cmd, GeoidLocation &location) {
+    cmd->add_option("--data", location.data, "The data folder holding the grids (default: the settings folder)");
+    cmd->add_option("--server", location.server, "The update server's base address (grids under GeoidGrids/)");
+    cmd->add_option("--timeout", location.timeout, "Seconds before a download is given up")
+        ->check(CLI::PositiveNumber);
+}
+
+void addSeparation(CLI::App &geoid, CommandContext &ctx) {
+    auto *cmd = geoid.add_subcommand("separation", "Geoid separation of a model at a position, metres");
+    struct Options {
+        GeoidLocation location;
+        int model = 0;
+        double latitude = 0, longitude = 0;
+    };
+    auto o = std::make_shared<Options>();
+    cmd->add_option("--model", o->model, "Geoid model code (1-78)")->required();
+    cmd->add_option("LAT", o->latitude, "Latitude, decimal degrees, north positive")->required();
+    cmd->add_option("LON", o->longitude, "Longitude, decimal degrees, east positive")->required();
+    addGeoidLocationOptions(cmd, o->location);
+    cmd->callback([&ctx, o] {
+        GeoidModels models(o->location.folders());
+        double separation = 0;
+        if (Status status = models.separation(o->model, o->latitude, o->longitude, separation); !status)
+            return fail(ctx, status);
+        ctx.out << format("%.4f\n", separation);
+    });
+}
+
+void addImport(CLI::App &geoid, CommandContext &ctx) {
+    auto *cmd = geoid.add_subcommand("import", "Convert a PROJ vertical grid (GTX, as proj-data installs) into a "
+                                               ".grd geoid grid");
+    auto source = std::make_shared<std::string>();
+    auto destination = std::make_shared<std::string>();
+    cmd->add_option("SRC", *source, "GTX file, e.g. /usr/share/proj/egm96_15.gtx")->required();
+    cmd->add_option("DEST", *destination, "The .grd file to write")->required();
+    cmd->callback([&ctx, source, destination] {
+        if (Status status = importGtx(*source, *destination); !status)
+            return fail(ctx, status);
+        ctx.out << tr("Done") << '\n';
+    });
+}
+
+void addArea(CLI::App &geoid, CommandContext &ctx) {
+    auto *cmd = geoid.add_subcommand("area", "Set Geoid Area: cut a square of a model around a position into a "
+                                             "geoid separation file; entries not given come from setgeoid.ini");
+    struct Options {
+        GeoidLocation location;
+        GeoidAreaSettings settings;
+        std::string out;
+        bool south = false, north = false, east = false, west = false, miles = false, degrees = false;
+    };
+    auto o = std::make_shared<Options>();
+    auto *lat = cmd->add_option("--lat", o->settings.latitude, "Latitude of the job's centre, dd.mmss");
+    auto *lon = cmd->add_option("--lon", o->settings.longitude, "Longitude of the job's centre, dd.mmss");
+    auto *north = cmd->add_flag("--north", o->north, "The latitude is north");
+    cmd->add_flag("--south", o->south, "The latitude is south")->excludes(north);
+    auto *east = cmd->add_flag("--east", o->east, "The longitude is east");
+    cmd->add_flag("--west", o->west, "The longitude is west")->excludes(east);
+    auto *size = cmd->add_option("--size", o->settings.size, "Geoid Size: side of the square");
+    auto *degrees = cmd->add_flag("--degrees", o->degrees, "The size is in degrees");
+    cmd->add_flag("--miles", o->miles, "The size is in miles")->excludes(degrees);
+    auto *model = cmd->add_option("--model", o->settings.model, "Geoid To Process: model code (1-78)");
+    cmd->add_option("--out", o->out, "Geoid Separation File to Create (.grd or .gsf)")->required();
+    addGeoidLocationOptions(cmd, o->location);
+    cmd->callback([&ctx, o, lat, lon, size, model] {
+        const GeoidFolders folders = o->location.folders();
+        const auto ini = folders.dataFolder / kSetGeoidIni;
+        GeoidAreaSettings s;
+        loadGeoidAreaSettings(ini, s);
+        if (lat->count())
+            s.latitude = o->settings.latitude;
+        if (lon->count())
+            s.longitude = o->settings.longitude;
+        if (size->count())
+            s.size = o->settings.size;
+        if (model->count())
+            s.model = o->settings.model;
+        if (o->north || o->south)
+            s.north = o->north;
+        if (o->east || o->west)
+            s.east = o->east;
+        if (o->degrees || o->miles)
+            s.degrees = o->degrees;
+        std::error_code ec;
+        std::filesystem::create_directories(folders.dataFolder, ec);
+        saveGeoidAreaSettings(ini, s);
+        GeoidModels models(folders);
+        ConsoleInteraction ui(ctx.err);
+        const Status status = setGeoidArea(models, s, o->out, ui);
+        if (!status)
+            ctx.exitCode = kFailure; // the tool has shown its message
+    });
+}
+
 } // namespace
 
 void addGeoCommands(CLI::App &app, CommandContext &ctx) {
+    auto *geoid = app.add_subcommand("geoid", "Geoid models: separations, Set Geoid Area, grid import");
+    geoid->require_subcommand(1);
+    addSeparation(*geoid, ctx);
+    addArea(*geoid, ctx);
+    addImport(*geoid, ctx);
+
     auto *geo = app.add_subcommand("geo", "Coordinate systems: types, families and zones, well-known text, "
                                           "forward and inverse projection");
     geo->require_subcommand(1);

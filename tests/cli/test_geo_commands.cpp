@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 
 using tramline::cli::run;
@@ -183,6 +184,110 @@ TEST(GeoCommands, FailuresAndUsage) {
 TEST(GeoCommands, HelpForEveryCommand) {
     for (const char *command : {"types", "families", "ellipsoids", "zones", "wkt", "forward", "inverse"}) {
         const auto r = cli({"geo", command, "--help"});
+        EXPECT_EQ(r.code, 0) << command;
+        EXPECT_NE(r.out.find("Usage"), std::string::npos) << command;
+    }
+}
+
+namespace {
+
+struct TempFolder {
+    std::filesystem::path path;
+    TempFolder() {
+        path = std::filesystem::temp_directory_path() /
+               ("tramline-geoid-cli-" + std::to_string(::getpid()) + "-" +
+                ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::create_directories(path);
+    }
+    ~TempFolder() { std::filesystem::remove_all(path); }
+};
+
+// A grid with the separation 10 + latitude / 10 everywhere.
+const char *kWorld = "-90.0000\n0.0000\n90.0000\n360.0000\n2.0\n4.0\n"
+                     "1.0000\n1.0000\n1.0000\n1.0000\n1.0000\n"
+                     "10.0000\n10.0000\n10.0000\n10.0000\n10.0000\n"
+                     "19.0000\n19.0000\n19.0000\n19.0000\n19.0000\n";
+
+} // namespace
+
+TEST(GeoidCommands, SeparationFromTheGeoidsFolder) {
+    TempFolder f;
+    std::filesystem::create_directories(f.path / "geoids");
+    std::ofstream(f.path / "geoids" / "egm96.grd") << kWorld;
+    auto r = cli({"geoid", "separation", "--model", "6", "--data", f.path.string(), "--server",
+                  "http://127.0.0.1:9/", "45", "-100"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "14.5000\n");
+
+    r = cli({"geoid", "separation", "--model", "36", "--data", f.path.string(), "--server", "http://127.0.0.1:9/",
+             "--timeout", "2", "52", "-1"});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.err, "Error 7: failed to download geoid from\nhttp://127.0.0.1:9/GeoidGrids/osgm02.grd\n");
+    r = cli({"geoid", "separation", "--model", "99", "--data", f.path.string(), "1", "1"});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.err, "Error: unable to find geoid model\n");
+    EXPECT_EQ(cli({"geoid", "separation", "1", "1"}).code, 2); // no model
+}
+
+TEST(GeoidCommands, AreaRemembersItsEntries) {
+    TempFolder f;
+    std::ofstream(f.path / "egm96.grd") << kWorld;
+    const std::string data = f.path.string(), out = (f.path / "job.grd").string();
+    auto r = cli({"geoid", "area", "--model", "6", "--lat", "45.3", "--lon", "100.15", "--west", "--size", "50",
+                  "--data", data, "--out", out});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.err, "Warning: max geoid size is 15 degrees\n");
+    EXPECT_FALSE(std::filesystem::exists(out));
+
+    // The other entries come back from setgeoid.ini.
+    r = cli({"geoid", "area", "--size", "2", "--data", data, "--out", out});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.err, "Done\n");
+    std::ifstream ini(f.path / "setgeoid.ini");
+    std::string first;
+    std::getline(ini, first);
+    EXPECT_EQ(first, "lat_val=45.3000");
+    std::ifstream grid(out);
+    std::string south, west;
+    std::getline(grid, south);
+    std::getline(grid, west);
+    EXPECT_EQ(south, "0.0000");
+    EXPECT_EQ(west, "180.0000");
+}
+
+TEST(GeoidCommands, ImportAGtxGrid) {
+    TempFolder f;
+    const auto gtx = f.path / "tiny.gtx";
+    {
+        std::ofstream out(gtx, std::ios::binary);
+        auto put = [&out](const void *v, int n) {
+            for (int i = n - 1; i >= 0; --i)
+                out.put(static_cast<const char *>(v)[i]);
+        };
+        const double header[] = {40, -10, 1, 1};
+        for (double v : header)
+            put(&v, 8);
+        const int rows = 2, columns = 2;
+        put(&rows, 4);
+        put(&columns, 4);
+        for (float v : {1.5f, 2.5f, 3.5f, 4.5f})
+            put(&v, 4);
+    }
+    const auto grd = (f.path / "tiny.grd").string();
+    auto r = cli({"geoid", "import", gtx.string(), grd});
+    ASSERT_EQ(r.code, 0) << r.err;
+    std::ifstream in(grd);
+    std::stringstream text;
+    text << in.rdbuf();
+    EXPECT_EQ(text.str(), "40.0000\n350.0000\n41.0000\n351.0000\n1.0\n1.0\n1.5000\n2.5000\n3.5000\n4.5000\n");
+    r = cli({"geoid", "import", (f.path / "none.gtx").string(), grd});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_NE(r.err.find("Error: unable to open"), std::string::npos);
+}
+
+TEST(GeoidCommands, Help) {
+    for (const char *command : {"separation", "area", "import"}) {
+        const auto r = cli({"geoid", command, "--help"});
         EXPECT_EQ(r.code, 0) << command;
         EXPECT_NE(r.out.find("Usage"), std::string::npos) << command;
     }
