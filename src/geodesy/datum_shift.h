@@ -3,8 +3,10 @@
 // The record's values are applied as the well-known text states them:
 // TOWGS84 (translations negated from the record, rotations and the
 // inverted scale) is the position-vector transformation from the datum to
-// WGS 84, and the shift from WGS 84 is its exact inverse. Other software
-// reading our text then moves points the same way we do.
+// WGS 84, with the small-angle rotation matrix that TOWGS84 implies, and
+// the shift from WGS 84 is PROJ's inverse of it (good to a tenth of a
+// millimetre). Other software reading our text then moves points the same
+// way we do.
 #pragma once
 
 #include "geodesy/coordinate_system.h"

@@ -56,5 +56,10 @@ inline constexpr const char *kGridFileBad = "Error: %s is not a grid file";
 inline constexpr const char *kGridFileTruncated = "Error: grid file %s is truncated";
 inline constexpr const char *kUnknownGeoidModel = "Error: no geoid model %d";
 inline constexpr const char *kDatumShiftFailed = "Error: datum shift failed";
+inline constexpr const char *kInvalidLongInc = "Invalid LONG_INC record in sub grid header";
+inline constexpr const char *kInvalidExtent = "Invalid grid extent in sub grid header";
+inline constexpr const char *kInvalidGsCount = "Invalid GS_COUNT record in sub grid header";
+inline constexpr const char *kNodesTruncated = "Grid file truncated - grid nodes incomplete";
+inline constexpr const char *kBadNode = "Invalid grid node record";
 
 } // namespace tramline::geodesy::messages
