@@ -69,16 +69,22 @@ Status GeoidGrid::read(std::istream &in, const std::string &name, GeoidGrid &gri
     if (!(b.north > b.south) || !(b.east > b.west) || rows < 2 || columns < 2 || rows * columns > kMostNodes ||
         std::fabs(latitudeIntervals + 1 - rows) > 1e-6 || std::fabs(longitudeIntervals + 1 - columns) > 1e-6)
         return badGrid(name);
-    GeoidGrid g(b, static_cast<int>(rows), static_cast<int>(columns));
+    // Nodes are kept as they come, so that a header promising more than
+    // the file holds costs no more memory than the file does.
+    const auto count = static_cast<std::size_t>(rows * columns);
+    std::vector<float> nodes;
+    nodes.reserve(std::min<std::size_t>(count, std::size_t{1} << 20));
     std::string line;
-    for (float &node : g.m_nodes) {
+    while (nodes.size() < count) {
         if (!reader.next(line))
             return Status::failure(StatusCode::Format, format(tr(messages::kGridFileTruncated), name.c_str()));
         double v = 0;
         if (!parseNumber(line, v) || !std::isfinite(v))
             return badGrid(name);
-        node = static_cast<float>(v);
+        nodes.push_back(static_cast<float>(v));
     }
+    GeoidGrid g(b, static_cast<int>(rows), static_cast<int>(columns));
+    g.m_nodes = std::move(nodes);
     grid = std::move(g);
     return Status::success();
 }

@@ -50,17 +50,18 @@ Status readGtx(std::istream &in, const std::string &name, GeoidGrid &grid) {
     const double latitudeStep = readDouble(header + 16), longitudeStep = readDouble(header + 24);
     const std::int32_t rows = readInt(header + 32), columns = readInt(header + 36);
     if (!std::isfinite(south) || !std::isfinite(west) || !(latitudeStep > 0) || !(longitudeStep > 0) || rows < 2 ||
-        columns < 2 || static_cast<double>(rows) * columns > 3e8)
+        columns < 2 || columns > 1 << 24 || static_cast<double>(rows) * columns > 3e8)
         return bad(name);
 
-    std::vector<float> values(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns));
+    // Row by row, so that a header promising more than the file holds
+    // costs no more memory than the file does.
+    std::vector<float> values;
     std::vector<unsigned char> row(static_cast<std::size_t>(columns) * 4);
     for (std::int32_t r = 0; r < rows; ++r) {
         if (!in.read(reinterpret_cast<char *>(row.data()), static_cast<std::streamsize>(row.size())))
             return Status::failure(StatusCode::Format, format(tr(messages::kGridFileTruncated), name.c_str()));
         for (std::int32_t c = 0; c < columns; ++c)
-            values[static_cast<std::size_t>(r) * static_cast<std::size_t>(columns) + static_cast<std::size_t>(c)] =
-                readFloat(&row[static_cast<std::size_t>(c) * 4]);
+            values.push_back(readFloat(&row[static_cast<std::size_t>(c) * 4]));
     }
 
     const bool global = std::fabs(columns * longitudeStep - 360.0) < longitudeStep * 1e-6;

@@ -92,17 +92,18 @@ Status Ntv2Grid::read(std::istream &in, Ntv2Grid &grid) {
         return fail(messages::kInvalidGsCount);
     g.m_rows = static_cast<int>(rows);
     g.m_columns = static_cast<int>(columns);
-    g.m_latitudeShift.resize(static_cast<std::size_t>(count));
-    g.m_longitudeShift.resize(static_cast<std::size_t>(count));
-    for (std::size_t i = 0; i < g.m_latitudeShift.size(); ++i) {
+    const auto nodes = static_cast<std::size_t>(count);
+    g.m_latitudeShift.reserve(std::min<std::size_t>(nodes, std::size_t{1} << 20));
+    g.m_longitudeShift.reserve(std::min<std::size_t>(nodes, std::size_t{1} << 20));
+    for (std::size_t i = 0; i < nodes; ++i) {
         double latitudeShift = 0, longitudeShift = 0;
         if (!reader.next(line))
             return fail(messages::kNodesTruncated);
         if (std::sscanf(line.c_str(), "%10lf%10lf", &latitudeShift, &longitudeShift) != 2 ||
             !std::isfinite(latitudeShift) || !std::isfinite(longitudeShift))
             return fail(messages::kBadNode);
-        g.m_latitudeShift[i] = static_cast<float>(latitudeShift);
-        g.m_longitudeShift[i] = static_cast<float>(longitudeShift);
+        g.m_latitudeShift.push_back(static_cast<float>(latitudeShift));
+        g.m_longitudeShift.push_back(static_cast<float>(longitudeShift));
     }
     grid = std::move(g);
     return Status::success();

@@ -55,18 +55,29 @@ Status OstnGrid::read(std::istream &in, const std::string &name, OstnGrid &grid)
     const auto columns = littleEndian<std::int32_t>(header + 8), rows = littleEndian<std::int32_t>(header + 12);
     const double e0 = littleEndian<double>(header + 16), n0 = littleEndian<double>(header + 24),
                  spacing = littleEndian<double>(header + 32);
-    if (columns < 2 || rows < 2 || static_cast<double>(columns) * rows > 5e7 || !std::isfinite(e0) ||
+    if (columns < 2 || rows < 2 || columns > 1 << 20 || static_cast<double>(columns) * rows > 5e7 || !std::isfinite(e0) ||
         !std::isfinite(n0) || !(spacing > 0) || !std::isfinite(spacing))
         return bad(name);
-    OstnGrid g(columns, rows, e0, n0, spacing);
-    std::vector<unsigned char> bytes(g.m_nodes.size() * 4);
-    if (!in.read(reinterpret_cast<char *>(bytes.data()), static_cast<std::streamsize>(bytes.size())))
-        return Status::failure(StatusCode::Format, format(tr(messages::kGridFileTruncated), name.c_str()));
-    for (std::size_t i = 0; i < g.m_nodes.size(); ++i) {
-        g.m_nodes[i] = littleEndian<float>(&bytes[i * 4]);
-        if (!std::isfinite(g.m_nodes[i]))
-            return bad(name);
+    // Row by row, so that a header promising more than the file holds
+    // costs no more memory than the file does.
+    std::vector<float> nodes;
+    std::vector<unsigned char> bytes(static_cast<std::size_t>(columns) * 4);
+    for (std::int32_t r = 0; r < rows; ++r) {
+        if (!in.read(reinterpret_cast<char *>(bytes.data()), static_cast<std::streamsize>(bytes.size())))
+            return Status::failure(StatusCode::Format, format(tr(messages::kGridFileTruncated), name.c_str()));
+        for (std::int32_t c = 0; c < columns; ++c) {
+            nodes.push_back(littleEndian<float>(&bytes[static_cast<std::size_t>(c) * 4]));
+            if (!std::isfinite(nodes.back()))
+                return bad(name);
+        }
     }
+    OstnGrid g;
+    g.m_columns = columns;
+    g.m_rows = rows;
+    g.m_originEasting = e0;
+    g.m_originNorthing = n0;
+    g.m_spacing = spacing;
+    g.m_nodes = std::move(nodes);
     grid = std::move(g);
     return Status::success();
 }

@@ -45,6 +45,21 @@ std::string lowered(std::string_view s) {
     return out;
 }
 
+// The text in lower case with everything inside quotes blanked out, so that
+// keywords are only found where they are keywords: a name may well hold
+// ",SPHEROID[" or "PARAMETER[".
+std::string keywordsOnly(std::string_view s) {
+    std::string out = lowered(s);
+    bool quoted = false;
+    for (char &c : out) {
+        if (c == '"')
+            quoted = !quoted;
+        else if (quoted)
+            c = ' ';
+    }
+    return out;
+}
+
 // Reads a number at `pos` of `text` up to the next ',' or ']'.
 bool numberAt(std::string_view text, std::size_t pos, double &value, std::size_t *end = nullptr) {
     if (pos >= text.size())
@@ -119,7 +134,7 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
         line.remove_suffix(1);
     if (line.rfind("COMPD_CS", 0) != 0)
         return Status::failure(StatusCode::Format, tr(messages::kNotWkt));
-    const std::string low = lowered(line);
+    const std::string low = keywordsOnly(line);
     CoordinateSystem cs;
     cs.parameters.scaleFactor = 1.0;
 
@@ -185,7 +200,12 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
             numberAt(line, close + 2, factor) && factor > 0.0)
             angleToDegrees = factor * kDegreesPerRadian;
     }
-    const bool usFeet = low.find(",unit[\"foot_us\",") != std::string::npos;
+    bool usFeet = false;
+    for (pos = low.find(",unit[\""); pos != std::string::npos; pos = low.find(",unit[\"", pos + 1)) {
+        std::string unit;
+        if (quotedAt(line, pos + 7, unit) && lowered(unit) == "foot_us")
+            usFeet = true;
+    }
 
     const auto coefficientNamesOfType = coefficientNames(cs.type, 64);
     for (pos = low.find("parameter[\""); pos != std::string::npos; pos = low.find("parameter[\"", pos + 1)) {

@@ -250,6 +250,21 @@ TEST(Wkt, ReadsOtherWritersSpellings) {
     EXPECT_TRUE(cs.shift.isZero());
 }
 
+// A datum named ",SPHEROID[" made the reader take the name for the
+// ellipsoid (found by fuzzing).
+TEST(Wkt, NamesHoldingKeywordsReadBack) {
+    CoordinateSystem cs = britishGrid();
+    cs.name = "PARAMETER[\"x\",1]";
+    cs.datum = ",SPHEROID[,TOWGS84[1,2,3,4,5,6,7],PROJECTION[";
+    const std::string line = writeWkt(cs);
+    CoordinateSystem back;
+    ASSERT_TRUE(readWkt(line, back).ok());
+    EXPECT_EQ(back.name, "PARAMETER['x',1]");
+    EXPECT_EQ(back.datum, cs.datum);
+    EXPECT_EQ(back.ellipsoidIndex, 0);
+    EXPECT_EQ(writeWkt(back), line);
+}
+
 TEST(Wkt, MalformedTextIsRefusedWithAMessage) {
     const std::string good = writeWkt(britishGrid());
     const std::vector<std::string> bad = {
