@@ -1,4 +1,5 @@
 #include "geodesy/datum_shift.h"
+#include "geodesy/nad_converter.h"
 #include "geodesy/ntv2_grid.h"
 #include "geodesy/ostn_grid.h"
 #include "geodesy/shift_grids.h"
@@ -270,4 +271,27 @@ TEST(Ostn02, PairShiftsAndReturns) {
     std::istringstream foreign(std::string(100, 'A'));
     OstnGrid g;
     EXPECT_EQ(OstnGrid::read(foreign, "x", g).message, "Error: x is not a grid file");
+}
+
+TEST(NadConverter, MissingGridsAndAGridThatIsThere) {
+    Folder f;
+    NadConverter converter;
+    Status status = converter.open(f.path, "no_such_grid.tif");
+    EXPECT_EQ(status.message, "\nInternal Error1: failed to open NadConverter");
+    double lat = 50, lon = 10;
+    EXPECT_EQ(converter.convert(lat, lon).message, "\nInternal Error1: failed to open NadConverter");
+
+    // Any NTv2 grid in the data folder serves to show the path works.
+    const std::filesystem::path gsb = "/usr/share/proj/BETA2007.gsb";
+    if (!std::filesystem::exists(gsb))
+        GTEST_SKIP() << gsb << " is absent (install proj-data)";
+    std::filesystem::copy_file(gsb, f.path / "local.gsb");
+    ASSERT_TRUE(converter.open(f.path, "local.gsb").ok());
+    ASSERT_TRUE(converter.convert(lat, lon).ok());
+    EXPECT_GT(std::fabs(lat - 50) + std::fabs(lon - 10), 1e-6);
+    ASSERT_TRUE(converter.convert(lat, lon, true).ok());
+    EXPECT_NEAR(lat, 50, 1e-9);
+    EXPECT_NEAR(lon, 10, 1e-9);
+    lat = 30;
+    EXPECT_EQ(converter.convert(lat, lon).message, "Point is outside the range of the grid");
 }
