@@ -405,7 +405,9 @@ Status zoneSystem(CoordinateSystemFamily family, const std::string &zone, const 
     case CoordinateSystemFamily::Australia:
     case CoordinateSystemFamily::AustraliaAgd84:
     case CoordinateSystemFamily::AustraliaAgd66:
-        return australianSystem(*australianGrid(zone), options, system);
+        if (const AustralianGrid *grid = australianGrid(zone))
+            return australianSystem(*grid, options, system);
+        break;
     case CoordinateSystemFamily::NewZealandNzgd2000:
     case CoordinateSystemFamily::NewZealandNzgd49: {
         const bool nzgd49 = family == CoordinateSystemFamily::NewZealandNzgd49;

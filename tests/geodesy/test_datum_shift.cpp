@@ -56,8 +56,10 @@ std::string replaced(std::string text, const std::string &from, const std::strin
 
 // Converts a binary NTv2 file (as PROJ ships them) into the ASCII form.
 bool gsbToAscii(const std::filesystem::path &gsb, std::string &text) {
-    std::ifstream in(gsb, std::ios::binary);
-    std::string data((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::ifstream in(gsb, std::ios::binary | std::ios::ate);
+    std::string data(static_cast<std::size_t>(std::max<std::streamoff>(in.tellg(), 0)), '\0');
+    in.seekg(0);
+    in.read(data.data(), static_cast<std::streamsize>(data.size()));
     if (data.size() < 22 * 16)
         return false;
     auto record = [&](std::size_t i, bool isDouble, bool isInt) {

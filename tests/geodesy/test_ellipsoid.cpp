@@ -61,22 +61,6 @@ TEST(Ellipsoid, RadiiOfCurvature) {
     EXPECT_NEAR(e.meridianRadius(M_PI / 2), 6399593.626, 1e-3);
 }
 
-TEST(Ellipsoid, WrittenSpellings) {
-    const std::pair<const char *, const char *> cases[] = {
-        {"WGS 84", "WGS_1984"},
-        {"Clarke 1880", "Clarke_1880_RGS"},
-        {"Clarke 1880 (Tunis)", "Clarke 1880 Tunis"},
-        {"GRS 1967 (SAD69)", "GRS_1967_SAD69"},
-        {"Australian", "Australian National Spheroid"},
-        {"Everest(ED - W.Malaysia & Singapore)", "Everest (ED)"},
-        {"International 1924/Hayford", "International_1924"},
-        {"Clarke 1866", "Clarke 1866"},
-        {"User Defined", "User Defined"},
-    };
-    for (const auto &[shown, written] : cases)
-        EXPECT_EQ(wktEllipsoidName(shown), written);
-}
-
 TEST(Ellipsoid, LookupByNameAndParameters) {
     EXPECT_EQ(findEllipsoidByName("WGS_1984"), kWgs84);
     EXPECT_EQ(findEllipsoidByName("wgs 84"), kWgs84);

@@ -46,8 +46,8 @@ TEST(GeoidModel, FileChoice) {
         {4, -14.3, -170.7, "g2009s01.grd", 189.3},
         {5, 35, -120, "g2012au5.grd", 240},
         {5, 18.2, -66.5, "g2012bp0.grd", 293.5},
-        {27, 45, -1, "france.grd", -1},     // the French models take longitudes as given
-        {28, 45, -100, "raf09.grd", -100},
+        {27, 45, -100, "france.grd", -100}, // the French models take longitudes as given
+        {28, 45, -1, "raf09.grd", -1},
         {57, 60, 10, "Norway15B.grd", 10},
         {78, 46.8, 8.2, "swiss04.grd", 8.2},
     };
