@@ -22,10 +22,11 @@ CoordinateSystem withEllipsoid(ProjectionType type, double a, double inverseF) {
     return cs;
 }
 
-// The worked examples of the IOGP guidance note on coordinate conversions,
-// with the parameters as the note prints them. `published` are the note's
-// results at their printed precision; `reference` is PROJ's cct on this
-// machine for the same input (to 0.1 mm), checked to 1 mm.
+// Published worked examples of each projection method, with the parameters
+// as they are printed (tests/data/geodesy/README.md gives their origin).
+// `published` are the printed results, checked at their printed precision;
+// `reference` is PROJ's cct on this machine for the same input (to 0.1 mm),
+// checked to 1 mm.
 struct WorkedExample {
     const char *name;
     CoordinateSystem system;
