@@ -66,9 +66,9 @@ void runJob(benchmark::State &state, int setups, int sideshots, reduce::AdjustMe
 }
 
 void BM_NoAdjust100kSetups1MSideshots(benchmark::State &state) {
-    runJob(state, 100000, 10, reduce::AdjustMethod::None);
+    runJob(state, static_cast<int>(state.range(0)), 10, reduce::AdjustMethod::None);
 }
-BENCHMARK(BM_NoAdjust100kSetups1MSideshots)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(BM_NoAdjust100kSetups1MSideshots)->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 void BM_Compass10kSides(benchmark::State &state) { runJob(state, 10000, 0, reduce::AdjustMethod::Compass); }
 BENCHMARK(BM_Compass10kSides)->Unit(benchmark::kMillisecond)->Iterations(2);

@@ -16,6 +16,7 @@ int run(const std::vector<std::string> &args, std::ostream &out, std::ostream &e
     addRawCommands(app, context);
     addProcessCommands(app, context);
     addCrdCommands(app, context);
+    addGeoCommands(app, context);
 
     std::vector<std::string> reversed(args.rbegin(), args.rend());
     try {

@@ -18,5 +18,6 @@ struct CommandContext {
 void addRawCommands(CLI::App &app, CommandContext &context);
 void addProcessCommands(CLI::App &app, CommandContext &context);
 void addCrdCommands(CLI::App &app, CommandContext &context);
+void addGeoCommands(CLI::App &app, CommandContext &context);
 
 } // namespace tramline::cli

@@ -1,0 +1,294 @@
+#include "cli/cli.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+using tramline::cli::run;
+
+namespace {
+
+struct Result {
+    int code;
+    std::string out, err;
+};
+
+Result cli(std::vector<std::string> args) {
+    std::ostringstream out, err;
+    const int code = run(args, out, err);
+    return {code, out.str(), err.str()};
+}
+
+std::vector<std::string> lines(const std::string &text) {
+    std::vector<std::string> result;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        result.push_back(line);
+    return result;
+}
+
+std::vector<double> numbers(const std::string &line) {
+    std::vector<double> values;
+    std::istringstream in(line);
+    for (double v; in >> v;)
+        values.push_back(v);
+    return values;
+}
+
+const std::vector<std::string> kBritishGrid = {"--type",  "0", "--param", "latitude_of_origin=49",
+                                               "--param", "central_meridian=-2", "--param",
+                                               "scale_factor=0.9996012717", "--param", "false_easting=400000",
+                                               "--param", "false_northing=-100000", "--ellipsoid", "Airy 1830"};
+
+std::vector<std::string> with(std::vector<std::string> head, const std::vector<std::string> &tail) {
+    head.insert(head.end(), tail.begin(), tail.end());
+    return head;
+}
+
+} // namespace
+
+TEST(GeoCommands, Lists) {
+    auto r = cli({"geo", "types"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    auto l = lines(r.out);
+    ASSERT_EQ(l.size(), 20u);
+    EXPECT_EQ(l[3], "Double Stereographic");
+    EXPECT_EQ(l[5], "Oblique Stereographic");
+    EXPECT_EQ(l[19], "Cassini_Soldner");
+
+    r = cli({"geo", "families"});
+    l = lines(r.out);
+    ASSERT_EQ(l.size(), 13u);
+    EXPECT_EQ(l[10], "More Pre-Defined/User-Defined");
+
+    r = cli({"geo", "zones", "UTM"});
+    l = lines(r.out);
+    ASSERT_EQ(l.size(), 61u);
+    EXPECT_EQ(l[0], "Automatic");
+    EXPECT_EQ(l[60], "60: E 174-180 deg");
+
+    r = cli({"geo", "zones", "7"});
+    EXPECT_EQ(lines(r.out).at(0), "NZ Map Grid");
+    EXPECT_EQ(cli({"geo", "zones", "Lat/Lon"}).out, "");
+    EXPECT_EQ(lines(cli({"geo", "ellipsoids"}).out).size(), 29u);
+    EXPECT_EQ(cli({"geo", "zones", "Atlantis"}).code, 2);
+}
+
+TEST(GeoCommands, ForwardAndInverse) {
+    auto r = cli(with({"geo", "forward"}, with(kBritishGrid, {"50.5", "0.5"})));
+    ASSERT_EQ(r.code, 0) << r.err;
+    auto v = numbers(r.out);
+    ASSERT_EQ(v.size(), 4u);
+    EXPECT_NEAR(v[0], 69740.4923, 1e-4);
+    EXPECT_NEAR(v[1], 577274.9838, 1e-4);
+    EXPECT_GT(v[2], 0.9996);
+    EXPECT_GT(v[3], 1.0); // east of the central meridian: positive
+
+    r = cli(with({"geo", "inverse", "--json"}, with(kBritishGrid, {"69740.4923", "577274.9838"})));
+    ASSERT_EQ(r.code, 0) << r.err;
+    const auto json = nlohmann::json::parse(r.out);
+    EXPECT_NEAR(json["latitude"].get<double>(), 50.5, 1e-8);
+    EXPECT_NEAR(json["longitude"].get<double>(), 0.5, 1e-8);
+    EXPECT_NEAR(json["convergence"].get<double>(), v[3], 1e-6);
+
+    // A zone by family and position in the list (1 is AL West... 0 is AL East).
+    r = cli({"geo", "forward", "--family", "State Plane 83", "--zone", "0", "32.5", "-86"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    v = numbers(r.out);
+    EXPECT_NEAR(v[0], 221759.6690, 1e-3);
+    EXPECT_NEAR(v[1], 184337.8237, 1e-3);
+}
+
+// WGS 84 in: the datum shift runs first. cs2cs gives OSGB36 52.499626127 N,
+// 1.498511869 W for WGS 84 52.5 N, 1.5 W under this shift.
+TEST(GeoCommands, ForwardFromWgs84) {
+    const auto grid = with(kBritishGrid, {"--towgs84", "446.448,-125.157,542.06,0.15,0.247,0.842,-20.489"});
+    const auto shifted = numbers(cli(with({"geo", "forward"}, with(grid, {"--wgs84", "52.5", "-1.5"}))).out);
+    const auto direct = numbers(cli(with({"geo", "forward"}, with(grid, {"52.499626127", "-1.498511869"}))).out);
+    ASSERT_EQ(shifted.size(), 4u);
+    ASSERT_EQ(direct.size(), 4u);
+    EXPECT_NEAR(shifted[0], direct[0], 2e-3);
+    EXPECT_NEAR(shifted[1], direct[1], 2e-3);
+
+    const auto back = numbers(
+        cli(with({"geo", "inverse"}, with(grid, {"--wgs84", std::to_string(direct[0]), std::to_string(direct[1])})))
+            .out);
+    ASSERT_EQ(back.size(), 4u);
+    EXPECT_NEAR(back[0], 52.5, 1e-7);
+    EXPECT_NEAR(back[1], -1.5, 1e-7);
+}
+
+TEST(GeoCommands, WktWriteAppendAndRead) {
+    const auto dir = std::filesystem::temp_directory_path() / ("tramline-geo-cli-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(dir);
+    const auto file = (dir / "systems.prj").string();
+
+    auto r = cli(with({"geo", "wkt", "--name", "BNG", "--datum", "OSGB36"}, kBritishGrid));
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out.rfind("COMPD_CS[\"BNG\"", 0), 0u);
+    EXPECT_NE(r.out.find("PARAMETER[\"latitude_of_origin\",0.85521133348]"), std::string::npos);
+
+    ASSERT_EQ(cli(with({"geo", "wkt", "--out", file, "--name", "first"}, kBritishGrid)).code, 0);
+    ASSERT_EQ(cli({"geo", "wkt", "--out", file, "--append", "--family", "France NTF-GR3DF97A", "--zone",
+                   "Lambert II - Carto"})
+                  .code,
+              0);
+    r = cli({"geo", "wkt", "--read", file});
+    ASSERT_EQ(r.code, 0) << r.err;
+    const auto l = lines(r.out);
+    EXPECT_EQ(l.at(0), "Name: first");
+    EXPECT_NE(r.out.find("Name: France NTF-GR3DF97A: Lambert II - Carto"), std::string::npos);
+    EXPECT_NE(r.out.find("Type: 1 Lambert Conformal Conic 1SP"), std::string::npos);
+    EXPECT_NE(r.out.find("Central Meridian: 2.337229170"), std::string::npos);
+    EXPECT_NE(r.out.find("Translate (m) DX: 168.0000 DY: 60.0000 DZ: -320.0000"), std::string::npos);
+
+    r = cli({"geo", "wkt", "--read", (dir / "missing.prj").string()});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_NE(r.err.find("Error: unable to open"), std::string::npos);
+    std::filesystem::remove_all(dir);
+}
+
+TEST(GeoCommands, FailuresAndUsage) {
+    struct Case {
+        std::vector<std::string> args;
+        int code;
+        const char *message; // expected in the error stream
+    };
+    const Case cases[] = {
+        {{"geo", "forward", "--type", "14", "40", "-100"}, 1, "Error: projection type Oblique Mercator 27 is not supported"},
+        {{"geo", "forward", "--type", "6", "56", "10"}, 1, "not supported"},
+        {{"geo", "forward", "--family", "7", "--zone", "NZ Map Grid", "-41", "173"}, 1,
+         "Error: zone NZ Map Grid is not supported"},
+        {{"geo", "forward", "--type", "0", "91", "0"}, 1, "Error: latitude beyond the poles"},
+        {{"geo", "inverse", "--family", "UTM", "--zone", "Automatic", "0", "500000"}, 1,
+         "needs a grid zone number or a position"},
+        {{"geo", "forward", "--type", "0", "--param", "bogus=1", "1", "1"}, 2, "no parameter bogus"},
+        {{"geo", "forward", "--type", "0", "--param", "central_meridian", "1", "1"}, 2, "NAME=VALUE"},
+        {{"geo", "forward", "--type", "0", "--ellipsoid", "Mars 2000", "1", "1"}, 2, "no ellipsoid"},
+        {{"geo", "forward", "--type", "0", "--towgs84", "1,2,3", "1", "1"}, 2, "seven numbers"},
+        {{"geo", "forward", "1", "1"}, 2, "name a system"},
+        {{"geo", "forward", "--family", "UTM", "1", "1"}, 2, "--zone"},
+        {{"geo", "wkt", "--append", "--type", "0"}, 2, "--out"},
+        {{"geo"}, 2, ""},
+    };
+    for (const auto &c : cases) {
+        const auto r = cli(c.args);
+        EXPECT_EQ(r.code, c.code) << c.args.back() << "\n" << r.err;
+        EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
+    }
+}
+
+TEST(GeoCommands, HelpForEveryCommand) {
+    for (const char *command : {"types", "families", "ellipsoids", "zones", "wkt", "forward", "inverse"}) {
+        const auto r = cli({"geo", command, "--help"});
+        EXPECT_EQ(r.code, 0) << command;
+        EXPECT_NE(r.out.find("Usage"), std::string::npos) << command;
+    }
+}
+
+namespace {
+
+struct TempFolder {
+    std::filesystem::path path;
+    TempFolder() {
+        path = std::filesystem::temp_directory_path() /
+               ("tramline-geoid-cli-" + std::to_string(::getpid()) + "-" +
+                ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::create_directories(path);
+    }
+    ~TempFolder() { std::filesystem::remove_all(path); }
+};
+
+// A grid with the separation 10 + latitude / 10 everywhere.
+const char *kWorld = "-90.0000\n0.0000\n90.0000\n360.0000\n2.0\n4.0\n"
+                     "1.0000\n1.0000\n1.0000\n1.0000\n1.0000\n"
+                     "10.0000\n10.0000\n10.0000\n10.0000\n10.0000\n"
+                     "19.0000\n19.0000\n19.0000\n19.0000\n19.0000\n";
+
+} // namespace
+
+TEST(GeoidCommands, SeparationFromTheGeoidsFolder) {
+    TempFolder f;
+    std::filesystem::create_directories(f.path / "geoids");
+    std::ofstream(f.path / "geoids" / "egm96.grd") << kWorld;
+    auto r = cli({"geoid", "separation", "--model", "6", "--data", f.path.string(), "--server",
+                  "http://127.0.0.1:9/", "45", "-100"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "14.5000\n");
+
+    r = cli({"geoid", "separation", "--model", "36", "--data", f.path.string(), "--server", "http://127.0.0.1:9/",
+             "--timeout", "2", "52", "-1"});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.err, "Error 7: failed to download geoid from\nhttp://127.0.0.1:9/GeoidGrids/osgm02.grd\n");
+    r = cli({"geoid", "separation", "--model", "99", "--data", f.path.string(), "1", "1"});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.err, "Error: unable to find geoid model\n");
+    EXPECT_EQ(cli({"geoid", "separation", "1", "1"}).code, 2); // no model
+}
+
+TEST(GeoidCommands, AreaRemembersItsEntries) {
+    TempFolder f;
+    std::ofstream(f.path / "egm96.grd") << kWorld;
+    const std::string data = f.path.string(), out = (f.path / "job.grd").string();
+    auto r = cli({"geoid", "area", "--model", "6", "--lat", "45.3", "--lon", "100.15", "--west", "--size", "50",
+                  "--data", data, "--out", out});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.err, "Warning: max geoid size is 15 degrees\n");
+    EXPECT_FALSE(std::filesystem::exists(out));
+
+    // The other entries come back from setgeoid.ini.
+    r = cli({"geoid", "area", "--size", "2", "--data", data, "--out", out});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.err, "Done\n");
+    std::ifstream ini(f.path / "setgeoid.ini");
+    std::string first;
+    std::getline(ini, first);
+    EXPECT_EQ(first, "lat_val=45.3000");
+    std::ifstream grid(out);
+    std::string south, west;
+    std::getline(grid, south);
+    std::getline(grid, west);
+    EXPECT_EQ(south, "0.0000");
+    EXPECT_EQ(west, "180.0000");
+}
+
+TEST(GeoidCommands, ImportAGtxGrid) {
+    TempFolder f;
+    const auto gtx = f.path / "tiny.gtx";
+    {
+        std::ofstream out(gtx, std::ios::binary);
+        auto put = [&out](const void *v, int n) {
+            for (int i = n - 1; i >= 0; --i)
+                out.put(static_cast<const char *>(v)[i]);
+        };
+        const double header[] = {40, -10, 1, 1};
+        for (double v : header)
+            put(&v, 8);
+        const int rows = 2, columns = 2;
+        put(&rows, 4);
+        put(&columns, 4);
+        for (float v : {1.5f, 2.5f, 3.5f, 4.5f})
+            put(&v, 4);
+    }
+    const auto grd = (f.path / "tiny.grd").string();
+    auto r = cli({"geoid", "import", gtx.string(), grd});
+    ASSERT_EQ(r.code, 0) << r.err;
+    std::ifstream in(grd);
+    std::stringstream text;
+    text << in.rdbuf();
+    EXPECT_EQ(text.str(), "40.0000\n350.0000\n41.0000\n351.0000\n1.0\n1.0\n1.5000\n2.5000\n3.5000\n4.5000\n");
+    r = cli({"geoid", "import", (f.path / "none.gtx").string(), grd});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_NE(r.err.find("Error: unable to open"), std::string::npos);
+}
+
+TEST(GeoidCommands, Help) {
+    for (const char *command : {"separation", "area", "import"}) {
+        const auto r = cli({"geoid", command, "--help"});
+        EXPECT_EQ(r.code, 0) << command;
+        EXPECT_NE(r.out.find("Usage"), std::string::npos) << command;
+    }
+}
