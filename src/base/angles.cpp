@@ -1,5 +1,7 @@
 #include "base/angles.h"
 
+#include "base/format.h"
+
 #include <cmath>
 #include <cstdio>
 
@@ -75,9 +77,9 @@ double normalizeDegrees(double decimalDegrees) {
 
 std::string formatDms(double decimalDegrees, int decimals) {
     const int secondsDecimals = decimals > 4 ? decimals - 4 : 0;
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.*f", decimals, packDms(decimalDegrees, secondsDecimals));
-    return buffer;
+    std::string out;
+    appendFixed(out, packDms(decimalDegrees, secondsDecimals), decimals);
+    return out;
 }
 
 } // namespace tramline

@@ -40,6 +40,30 @@ void appendFormat(std::string &out, const char *pattern, ...) {
     va_end(args);
 }
 
+void appendFixed(std::string &out, double value, int decimals, int width) {
+    char buffer[400];
+    const auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, decimals);
+    if (ec != std::errc()) {
+        out += format("%*.*f", width, decimals, value);
+        return;
+    }
+    const size_t length = static_cast<size_t>(end - buffer);
+    if (width > 0 && length < static_cast<size_t>(width))
+        out.append(static_cast<size_t>(width) - length, ' ');
+    out.append(buffer, length);
+}
+
+void appendPadded(std::string &out, std::string_view text, size_t width, bool right, bool cut) {
+    if (cut && text.size() > width)
+        text = text.substr(0, width);
+    const size_t pad = text.size() < width ? width - text.size() : 0;
+    if (right)
+        out.append(pad, ' ');
+    out.append(text);
+    if (!right)
+        out.append(pad, ' ');
+}
+
 bool parseNumber(std::string_view text, double &value) {
     while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
         text.remove_prefix(1);

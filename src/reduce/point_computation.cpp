@@ -88,6 +88,11 @@ public:
     }
 
     PassResult run() {
+        // Room for every record at once: a large job grows these a million times.
+        const size_t records = m_in.file->nodes.size();
+        m_r.points.reserve(records);
+        m_r.index.reserve(records);
+        m_r.listing.reserve(records * 110);
         for (const auto &node : m_in.file->nodes) {
             if (!m_ui.idle()) {
                 stop(tr("Function cancelled at user request"), PassResult::Status::Stopped);
@@ -121,13 +126,16 @@ private:
         return std::nullopt;
     }
 
-    void store(const TraversePoint &p, long line, bool control) {
-        if (const auto *existing = m_r.find(p.name); existing && existing->control && !control)
-            return;
-        m_r.index[p.name] = m_r.points.size();
-        m_r.points.push_back({p, line, control});
+    void store(TraversePoint p, long line, bool control) {
+        const auto [it, isNew] = m_r.index.try_emplace(p.name, m_r.points.size());
+        if (!isNew) {
+            if (m_r.points[it->second].control && !control)
+                return;
+            it->second = m_r.points.size();
+        }
         if (m_opt.pointNotes)
             m_r.notes.push_back(p.name + "\t" + format("LINE:%ld,FILE:%s", line, m_in.rawFileName.c_str()));
+        m_r.points.push_back({std::move(p), line, control});
     }
 
     // Asks for the coordinates of a point the pass needs; empty when the
@@ -421,11 +429,33 @@ private:
         if (p.name == m_in.closingPoint)
             m_r.closingEnd = p;
 
-        appendFormat(m_r.listing, "  %-6s %-9.9s %s %s %10.3f %s %10.3f %10.3f %12.4f %12.4f ", o.type.c_str(),
-                     p.name.c_str(), tr("Az"), dmsText(azimuth).c_str(), o.slopeDistance, tr("HD"), red.horizontal,
-                     vertical, p.north, p.east);
-        m_r.listing += p.hasElevation ? format("%10.4f", p.elevation) : std::string(10, ' ');
-        m_r.listing += " " + p.description + "\n";
+        // One listing line a shot: kind, point, azimuth, slope and
+        // horizontal distance, height difference, coordinates, description.
+        std::string &l = m_r.listing;
+        l += "  ";
+        appendPadded(l, o.type, 6);
+        l += ' ';
+        appendPadded(l, p.name, 9, false, true);
+        l += " Az ";
+        l += dmsText(azimuth);
+        l += ' ';
+        appendFixed(l, o.slopeDistance, 3, 10);
+        l += " HD ";
+        appendFixed(l, red.horizontal, 3, 10);
+        l += ' ';
+        appendFixed(l, vertical, 3, 10);
+        l += ' ';
+        appendFixed(l, p.north, 4, 12);
+        l += ' ';
+        appendFixed(l, p.east, 4, 12);
+        l += ' ';
+        if (p.hasElevation)
+            appendFixed(l, p.elevation, 4, 10);
+        else
+            l.append(10, ' ');
+        l += ' ';
+        l += p.description;
+        l += '\n';
 
         if (traverse) {
             TraverseSide side;
@@ -445,15 +475,26 @@ private:
             ++m_r.sideshotCount;
             if (m_occupied.count(p.name))
                 ++m_r.sideshotTraverses;
-            appendFormat(m_r.sideshots, "%-9.9s %12.4f %12.4f %s %s\n", p.name.c_str(), p.north, p.east,
-                         p.hasElevation ? format("%10.4f", p.elevation).c_str() : "          ",
-                         p.description.c_str());
+            std::string &ss = m_r.sideshots;
+            appendPadded(ss, p.name, 9, false, true);
+            ss += ' ';
+            appendFixed(ss, p.north, 4, 12);
+            ss += ' ';
+            appendFixed(ss, p.east, 4, 12);
+            ss += ' ';
+            if (p.hasElevation)
+                appendFixed(ss, p.elevation, 4, 10);
+            else
+                ss.append(10, ' ');
+            ss += ' ';
+            ss += p.description;
+            ss += '\n';
         }
         if (balance && !traverse)
             return; // an angle balance shot only measures the closing direction
         if (p.name == m_in.closingPoint)
             return; // the closing point keeps its known coordinates
-        store(p, line, false);
+        store(std::move(p), line, false);
     }
 
     const PassInput &m_in;

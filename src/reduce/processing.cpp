@@ -197,14 +197,20 @@ private:
     }
 
     bool storePointCheck() {
-        std::unordered_map<std::string, long> measured; // foresight -> first measuring line
+        // Only the names of store points matter: look for shots to those.
+        std::unordered_map<std::string, long> measured; // store point name -> first shot to it
+        for (const auto &n : m_file.nodes)
+            if (n.type == RecordType::StorePoint && !n.fields.empty())
+                measured.emplace(n.fields[0], 0);
         std::vector<size_t> conflicts;
         std::string list;
-        for (size_t i = 0; i < m_file.nodes.size(); ++i) {
+        for (size_t i = 0; i < m_file.nodes.size() && !measured.empty(); ++i) {
             const RawNode &n = m_file.nodes[i];
-            if (isShot(n))
-                measured.emplace(n.observation.foresight, static_cast<long>(n.lineNumber));
-            else if (n.type == RecordType::StorePoint && !n.fields.empty() && measured.count(n.fields[0])) {
+            if (isShot(n)) {
+                const auto it = measured.find(n.observation.foresight);
+                if (it != measured.end() && it->second == 0)
+                    it->second = static_cast<long>(n.lineNumber);
+            } else if (n.type == RecordType::StorePoint && !n.fields.empty() && measured[n.fields[0]] != 0) {
                 conflicts.push_back(i);
                 appendFormat(list, "\n%-9.9s %-14.14s %s", n.fields[0].c_str(),
                              std::to_string(measured[n.fields[0]]).c_str(), std::to_string(n.lineNumber).c_str());
@@ -798,21 +804,22 @@ private:
     }
 
     void write() {
+        // The latest position of every point; the file orders them itself.
         std::vector<crd::CrdPoint> points;
         std::vector<long> lines;
-        std::unordered_set<std::string> done;
-        // Latest position of every point, in the order first stored.
-        for (const auto &cp : m_final.points) {
-            if (!done.insert(cp.point.name).second)
+        points.reserve(m_final.index.size());
+        lines.reserve(m_final.index.size());
+        for (size_t i = 0; i < m_final.points.size(); ++i) {
+            auto &latest = m_final.points[i];
+            if (m_final.index.at(latest.point.name) != i)
                 continue;
-            const auto &latest = m_final.points[m_final.index.at(cp.point.name)];
             crd::CrdPoint p;
-            p.name = latest.point.name;
+            p.name = std::move(latest.point.name);
             p.northing = latest.point.north;
             p.easting = latest.point.east;
             p.elevation = latest.point.hasElevation ? latest.point.elevation : kUnsetPositive;
-            p.description = latest.point.description;
-            points.push_back(p);
+            p.description = std::move(latest.point.description);
+            points.push_back(std::move(p));
             lines.push_back(latest.line);
         }
         std::vector<int> errors;
