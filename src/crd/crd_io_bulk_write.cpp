@@ -1,5 +1,7 @@
 #include "crd/crd_io_morvane.h"
 
+#include <cstdint>
+
 #include "base/point_names.h"
 #include "base/translation.h"
 #include "base/unset.h"
@@ -81,14 +83,20 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
         items.push_back(std::move(item));
     }
 
-    auto byName = [](const Item &a, const Item &b) { return comparePointNames(a.name, b.name) < 0; };
-    std::stable_sort(items.begin(), items.end(), byName);
+    // Sort positions, not the records themselves: a million 100-byte items
+    // moved through a merge sort cost more than the comparisons.
+    std::vector<std::uint32_t> order(items.size());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        order[i] = static_cast<std::uint32_t>(i);
+    std::stable_sort(order.begin(), order.end(), [&items](std::uint32_t a, std::uint32_t b) {
+        return comparePointNames(items[a].name, items[b].name) < 0;
+    });
     // Of equal names the last one given wins, as it would overwrite the others.
     std::vector<Item> unique;
     unique.reserve(items.size());
-    for (std::size_t i = 0; i < items.size(); ++i)
-        if (i + 1 == items.size() || comparePointNames(items[i].name, items[i + 1].name) != 0)
-            unique.push_back(std::move(items[i]));
+    for (std::size_t i = 0; i < order.size(); ++i)
+        if (i + 1 == order.size() || comparePointNames(items[order[i]].name, items[order[i + 1]].name) != 0)
+            unique.push_back(std::move(items[order[i]]));
 
     // One pass over the file: is it strictly in order, and which names exist?
     long matches = 0;
