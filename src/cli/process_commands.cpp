@@ -6,6 +6,10 @@
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
 #include "crd/coordinate_file.h"
+#include "geodesy/coordinate_system_family.h"
+#include "geodesy/geoid_models.h"
+#include "geodesy/projection.h"
+#include "geodesy/zones.h"
 #include "raw/reader.h"
 #include "reduce/processing.h"
 
@@ -17,6 +21,8 @@ namespace {
 
 struct ProcessCliOptions {
     std::string file, crd, method = "none", start, end, closing, closingShot, referenceAzimuth, workdir;
+    std::string family, zone, geoidData;
+    int geoidModel = 0;
     double scale = 1.0;
     bool combinedScale = false, curvature = false, stadia = false, twoD = false, reportSideshots = false,
          verticalAdjust = false, notes = false, json = false, angleBalance = false, reportUnadjusted = false;
@@ -58,11 +64,38 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
     options.startPoint = o.start;
     options.endPoint = o.end;
     options.workingFolder = o.workdir.empty() ? defaultWorkingFolder() : std::filesystem::path(o.workdir);
+    // The job's coordinate system and geoid, for the combined scale factor.
+    geodesy::Projection projection;
+    std::unique_ptr<geodesy::GeoidModels> geoid;
     if (o.combinedScale) {
-        ctx.err << tr("Error: the combined scale factor needs a coordinate system, which this build cannot use yet")
-                << '\n';
-        ctx.exitCode = kFailure;
-        return;
+        if (o.family.empty() || o.zone.empty())
+            throw CLI::ValidationError("--combined-scale", "name the job's system with --family and --zone");
+        const auto family = geodesy::familyFromName(o.family);
+        if (!family)
+            throw CLI::ValidationError("--family", "no family " + o.family);
+        // A zone by its name, or by its position in the family's list.
+        std::string zone = o.zone;
+        if (geodesy::zonePosition(*family, zone) < 0 && !zone.empty() &&
+            zone.find_first_not_of("0123456789") == std::string::npos)
+            zone = geodesy::zoneName(*family, std::stoi(zone));
+        geodesy::CoordinateSystem system;
+        geodesy::Status status = geodesy::zoneSystem(*family, zone, {}, system);
+        if (status)
+            status = projection.open(system);
+        if (!status) {
+            ctx.err << status.message << '\n';
+            ctx.exitCode = kFailure;
+            return;
+        }
+        options.combinedScaleFactor = true;
+        options.projection = &projection;
+        options.geoidModel = o.geoidModel;
+        if (o.geoidModel != 0) {
+            geodesy::GeoidFolders folders;
+            folders.dataFolder = o.geoidData.empty() ? settingsFolder() : std::filesystem::path(o.geoidData);
+            geoid = std::make_unique<geodesy::GeoidModels>(folders);
+            options.geoid = geoid.get();
+        }
     }
     if (!o.closing.empty()) {
         const auto parts = split(o.closing, ',');
@@ -168,7 +201,13 @@ void addProcessCommands(CLI::App &app, CommandContext &ctx) {
     cmd->add_option("--closing-shot", o->closingShot, "The closing shot OCC,FS when several reach the end");
     cmd->add_option("--reference-azimuth", o->referenceAzimuth, "Reference closing azimuth for the angle balance, ddd.mmss");
     auto *scale = cmd->add_option("--scale", o->scale, "Fixed scale factor (default 1)");
-    cmd->add_flag("--combined-scale", o->combinedScale, "Combined scale factor per measurement")->excludes(scale);
+    cmd->add_flag("--combined-scale", o->combinedScale,
+                  "Combined scale factor per measurement (needs --family and --zone)")
+        ->excludes(scale);
+    cmd->add_option("--family", o->family, "The job's coordinate system family, for --combined-scale");
+    cmd->add_option("--zone", o->zone, "The job's zone of that family, for --combined-scale");
+    cmd->add_option("--geoid", o->geoidModel, "Geoid model code (1 to 78) for the ellipsoid heights; 0 none");
+    cmd->add_option("--geoid-data", o->geoidData, "Folder holding the geoid grids (default: the settings folder)");
     cmd->add_flag("--curvature", o->curvature, "Correct for earth curvature and refraction");
     cmd->add_flag("--stadia", o->stadia, "Stadia reduction");
     cmd->add_flag("--2d", o->twoD, "No elevations");

@@ -12,6 +12,9 @@
 #include "base/unset.h"
 #include "raw/angle_math.h"
 #include "raw/classify.h"
+#include "geodesy/geoid_model.h"
+#include "geodesy/geoid_models.h"
+#include "geodesy/projection.h"
 #include "reduce/measurement.h"
 
 #include <cmath>
@@ -77,6 +80,7 @@ std::string dmsText(double degreesValue) { return formatDms(degreesValue, 4); }
 class Pass {
 public:
     Pass(const PassInput &input, Interaction &ui) : m_in(input), m_ui(ui), m_opt(input.options) {
+        m_scale = m_opt.scaleFactor;
         m_unit = input.file->units.angle;
         m_metres = input.file->units.linear == LinearUnit::Metres;
         m_elevations = m_opt.elevations;
@@ -263,6 +267,49 @@ private:
         if (p->hasElevation)
             appendFormat(m_r.listing, "  Z %.4f", p->elevation);
         m_r.listing += "\n";
+        m_scale = m_opt.scaleFactor;
+        if (m_opt.combinedScaleFactor) {
+            // Every measurement of the set-up is taken at its occupied point.
+            m_scale = combinedFactorAt(*p);
+            appendFormat(m_r.listing, "%s: %.8f\n", tr("Combined Scale Factor"), m_scale);
+        }
+    }
+
+    // Grid factor at the point times the elevation factor of its ellipsoid
+    // height; grid coordinates in the file's unit, the projection in metres.
+    double combinedFactorAt(const TraversePoint &p) {
+        const double toMetres = 1.0 / unitsPerMetre(m_in.file->units.linear);
+        double grid = 1.0;
+        double latitude = 0, longitude = 0;
+        bool located = false;
+        if (!m_opt.projection) {
+            warn(tr("Warning: invalid grid scale factor.\nUsing factor of 1.0"));
+        } else if (const geodesy::Status st =
+                       m_opt.projection->inverse(p.north * toMetres, p.east * toMetres, latitude, longitude);
+                   !st) {
+            warn(format(tr("\nError %d: unable to convert grid coordinates to lat/lon"), static_cast<int>(st.code)));
+        } else {
+            located = true;
+            geodesy::GridFactors factors;
+            if (m_opt.projection->factorsAt(latitude, longitude, factors) && std::isfinite(factors.scaleFactor) &&
+                factors.scaleFactor > 0.0)
+                grid = factors.scaleFactor;
+            else
+                warn(tr("Warning: invalid grid scale factor.\nUsing factor of 1.0"));
+        }
+        double separation = 0.0;
+        if (located && m_opt.geoid && m_opt.geoidModel != 0) {
+            if (const geodesy::Status st = geodesy::gpsSeparation(*m_opt.geoid, m_opt.geoidModel, latitude, longitude, separation);
+                !st) {
+                warn(st.message);
+                separation = 0.0;
+            }
+        }
+        constexpr double kFeetPerMetre = 3.280833333333;
+        const double elevation = p.hasElevation ? p.elevation : 0.0;
+        const double heightFeet = m_metres ? (elevation + separation) * kFeetPerMetre
+                                           : elevation + separation * kFeetPerMetre;
+        return combinedScaleFactor(grid, heightFeet);
     }
 
     void handleBacksight(const RawNode &node, long line) {
@@ -377,7 +424,7 @@ private:
         // Reduce the measurement.
         const double zenithDegrees = o.hasVertical ? 90.0 - raw::angleToDegrees(o.verticalAngle, m_unit) : 90.0;
         MeasurementOptions mo;
-        mo.scaleFactor = m_opt.scaleFactor;
+        mo.scaleFactor = m_scale;
         mo.curvature = m_opt.curvature;
         mo.stadia = m_opt.stadia;
         mo.metres = m_metres;
@@ -512,6 +559,7 @@ private:
     double m_backsightAzimuth = 0.0;
     int m_backsights = 0;
     std::optional<double> m_hi, m_hr;
+    double m_scale = 1.0;
 };
 
 } // namespace

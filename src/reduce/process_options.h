@@ -8,6 +8,11 @@
 #include <optional>
 #include <string>
 
+namespace tramline::geodesy {
+class GeoidModels;
+class Projection;
+} // namespace tramline::geodesy
+
 namespace tramline::reduce {
 
 enum class AdjustMethod { None, AngleBalance, Transit, Compass, Crandall };
@@ -22,6 +27,11 @@ struct ProcessOptions {
     AdjustMethod method = AdjustMethod::None;
     double scaleFactor = 1.0;        ///< "%.8f"
     bool combinedScaleFactor = false;///< per measurement, from the coordinate system
+    /// The job's grid system, for the combined factor (not owned).
+    const geodesy::Projection *projection = nullptr;
+    /// Geoid separations for the combined factor (not owned); model 0: none.
+    geodesy::GeoidModels *geoid = nullptr;
+    int geoidModel = 0;
     bool curvature = false;          ///< earth curvature and refraction
     bool stadia = false;
     bool elevations = true;          ///< 3D; "--Elevation: 2D" notes switch it off

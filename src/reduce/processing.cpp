@@ -20,6 +20,7 @@
 #include "base/translation.h"
 #include "base/unset.h"
 #include "raw/angle_math.h"
+#include "geodesy/geoid_model.h"
 #include "raw/validate.h"
 #include "reduce/direct_reverse.h"
 #include "reduce/point_computation.h"
@@ -378,7 +379,13 @@ private:
         appendFormat(h, "%s: %s\n", tr("Control File"), "NONE");
         if (m_opt.stadia)
             appendFormat(h, "\n%s\n", tr("Stadia Reduction Method"));
-        appendFormat(h, "%s: %.8f\n", tr("Scale Factor"), m_opt.scaleFactor);
+        if (m_opt.combinedScaleFactor) {
+            h += tr("Calculate Combined Scale Factor for Each Measurement: ON");
+            const std::string geoid = m_opt.geoidModel != 0 ? geodesy::geoidModelName(m_opt.geoidModel) : tr("None");
+            appendFormat(h, "\n%s: %s\n", tr("Geoid"), geoid.c_str());
+        } else {
+            appendFormat(h, "%s: %.8f\n", tr("Scale Factor"), m_opt.scaleFactor);
+        }
         h += m_opt.curvature ? tr("Correct for Earth Curvature: ON") : tr("Correct for Earth Curvature: OFF");
         h += "\n";
         // The collector's own adjustments, when the raw data carries them.

@@ -1,5 +1,7 @@
 #include "base/angles.h"
 #include "base/format.h"
+#include "geodesy/projection.h"
+#include "geodesy/zones.h"
 #include "reduce/processing.h"
 #include "../support/test_support.h"
 
@@ -286,6 +288,29 @@ TEST_F(Processing, WarningsAndNotes) {
     EXPECT_EQ(coordinates->notes("3"), (std::vector<std::string>{"LINE:6,FILE:job.rw5"}));
     EXPECT_TRUE(fs::exists(dir / "work" / "rawedit.tmp"));
     EXPECT_TRUE(fs::exists(dir / "work" / "warnings.tmp"));
+}
+
+// On a transverse Mercator's central meridian the grid factor is the
+// projection's own (0.9996 for UTM); height above the ellipsoid shrinks it
+// by the earth's radius in feet.
+TEST_F(Processing, CombinedScaleFactorPerSetup) {
+    geodesy::CoordinateSystem system;
+    ASSERT_TRUE(geodesy::zoneSystem(geodesy::CoordinateSystemFamily::Utm, geodesy::zoneName(geodesy::CoordinateSystemFamily::Utm, 33), {}, system));
+    geodesy::Projection projection;
+    ASSERT_TRUE(projection.open(system));
+    options.combinedScaleFactor = true;
+    options.projection = &projection;
+    const ProcessResult r = process("MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\n"
+                                    "SP,PN1,N 5000000.0000,E 500000.0000,EL0.0000,--CM\n"
+                                    "SP,PN2,N 5000000.0000,E 500000.0000,EL1000.0000,--CM HIGH\n"
+                                    "OC,OP1,N ,E ,EL,--\nSS,OP1,FP10,AZ90.0000,ZE90.0000,SD100.000,--\n"
+                                    "OC,OP2,N ,E ,EL,--\nSS,OP2,FP20,AZ0.0000,ZE90.0000,SD100.000,--\n");
+    ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
+    EXPECT_NEAR(point("10")->easting - 500000.0, 99.96, 1e-7);
+    const double high = 0.9996 * 20906000.0 / (20906000.0 + 1000.0 * 3.280833333333);
+    EXPECT_NEAR(point("20")->northing - 5000000.0, 100.0 * high, 1e-7);
+    EXPECT_NE(tab(r, "Report Header").find("Calculate Combined Scale Factor for Each Measurement: ON\nGeoid: None\n"),
+              std::string::npos);
 }
 
 TEST_F(Processing, BacksightAzimuthWithinOneSecondIsNoWarning) {
