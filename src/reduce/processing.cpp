@@ -636,9 +636,50 @@ private:
                      tr("Measured Closing Azimuth"), formatDms(shot.measuredAzimuth, 4).c_str());
         appendFormat(t, "%s\n", format(tr("Angular Error: %s for %d traverse sides"), signedDms(error).c_str(), n).c_str());
         appendFormat(t, "%s: %s\n", tr("Adjusting Each Angle"), signedDms(correction).c_str());
+        t += correctedAngles(sides, correction);
         t += findBadAngle(before, sides, error);
         m_result.report.append(methodTab(AdjustMethod::AngleBalance), t);
         return true;
+    }
+
+    // Each traverse angle as corrected, in the form it was measured in.
+    std::string correctedAngles(const std::vector<TraverseSide> &sides, double correction) const {
+        std::string t = std::string("\n") + tr("Corrected Angles") + "\n";
+        const AngleUnit unit = m_work->units.angle;
+        for (const auto &node : m_work->nodes) {
+            if (node.type != RecordType::Observation || !node.observation.hasHorizontal)
+                continue;
+            const bool inTraverse = std::any_of(sides.begin(), sides.end(), [&](const TraverseSide &s) {
+                return s.line == static_cast<long>(node.lineNumber);
+            });
+            if (!inTraverse)
+                continue;
+            const raw::Observation &o = node.observation;
+            const double value = raw::angleToDegrees(o.horizontal, unit);
+            const bool turnedLeft = o.horizontalKind == raw::HorizontalKind::AL || o.horizontalKind == raw::HorizontalKind::DL;
+            const double corrected = value + (turnedLeft ? -correction : correction);
+            std::string text;
+            switch (o.horizontalKind) {
+            case raw::HorizontalKind::NE:
+            case raw::HorizontalKind::SE:
+            case raw::HorizontalKind::SW:
+            case raw::HorizontalKind::NW: {
+                const double az = normalizeDegrees(shotAzimuth(o.horizontalKind, value, 0.0) + correction);
+                const char *ns = az <= 90.0 || az >= 270.0 ? "N" : "S";
+                const char *ew = az <= 180.0 ? "E" : "W";
+                const double b = az <= 90.0 ? az : az <= 180.0 ? 180.0 - az : az <= 270.0 ? az - 180.0 : 360.0 - az;
+                text = std::string(ns) + formatDms(b, 4) + ew;
+                break;
+            }
+            default: {
+                const char *code = o.horizontalKind == raw::HorizontalKind::None ? "AR" : raw::horizontalKindName(o.horizontalKind);
+                text = code + (unit == AngleUnit::Gons ? format("%.4f", degreesToGons(normalizeDegrees(corrected)))
+                                                       : formatDms(normalizeDegrees(corrected), 4));
+            }
+            }
+            appendFormat(t, "%-9.9s %-9.9s %s\n", o.occupied.c_str(), o.foresight.c_str(), text.c_str());
+        }
+        return t;
     }
 
     static std::string signedDms(double degreesValue) {

@@ -133,6 +133,7 @@ TEST_F(Processing, BundledExampleByEveryMethod) {
             EXPECT_NE(tab(r, "Compass").find("Compass Closure"), std::string::npos);
             EXPECT_NE(tab(r, "Angle Balance").find("Angular Error: -0.0006 for 6 traverse sides"), std::string::npos)
                 << tab(r, "Angle Balance");
+            EXPECT_NE(tab(r, "Angle Balance").find("1         2         AR64.3326\n"), std::string::npos);
             EXPECT_NE(tab(r, "Closure Results (Before Angle Balance)").find("Closure Precision: 1 in 97"),
                       std::string::npos);
         }
