@@ -361,8 +361,13 @@ private:
                 }
             }
             if (b) {
+                // Back on the closing point, orient from where the traverse
+                // put it: the closing direction then carries the whole
+                // angular error of the traverse, not part of it.
+                const TraversePoint &at =
+                    m_r.closingEnd && m_occupiedName == m_in.closingPoint ? *m_r.closingEnd : m_occupied_point;
                 const double fromCoordinates =
-                    normalizeDegrees(degrees(std::atan2(b->east - m_occupied_point.east, b->north - m_occupied_point.north)));
+                    normalizeDegrees(degrees(std::atan2(b->east - at.east, b->north - at.north)));
                 if (hasAzimuth) {
                     double diff = std::fabs(fromCoordinates - azimuth);
                     if (diff > 180.0)
