@@ -24,6 +24,33 @@ namespace {
 
 constexpr const char *kWorkingCoordinateFile = "tramlinetmp.crd";
 
+// The working file's messages, passed on to the user except while the
+// file is being made: a first failure there is followed by a retry, and
+// only the end of the story is worth a message.
+class StoreMessages : public Interaction {
+public:
+    explicit StoreMessages(Interaction &target) : m_target(target) {}
+    int choose(const std::string &title, const std::string &message, const std::vector<std::string> &buttons) override {
+        return m_target.choose(title, message, buttons);
+    }
+    bool fillForm(const std::string &title, std::vector<FormField> &fields) override {
+        return m_target.fillForm(title, fields);
+    }
+    void message(const std::string &text) override {
+        if (!muted)
+            m_target.message(text);
+    }
+    void progress(long position, long length, const std::string &caption) override {
+        m_target.progress(position, length, caption);
+    }
+    bool idle() override { return m_target.idle(); }
+
+    bool muted = false;
+
+private:
+    Interaction &m_target;
+};
+
 QTableView *makeGrid(QWidget *parent, int id) {
     auto *grid = new QTableView(parent);
     grid->setObjectName(QStringLiteral("grid%1").arg(id));
@@ -51,8 +78,9 @@ CKELMADlg::CKELMADlg(ShellOptions options, QWidget *parent) : QMainWindow(parent
         m_ui = options.interaction ? options.interaction : m_ownUi.get();
         m_prompts = options.prompts ? options.prompts : m_ownUi.get();
     }
+    m_storeMessages = std::make_unique<StoreMessages>(*m_ui);
     crd::CrdContext context;
-    context.messages = m_ui;
+    context.messages = m_storeMessages.get();
     m_workingFile = std::make_unique<crd::CoordinateFile>(context);
 
     setUpFolders(options);
@@ -204,6 +232,12 @@ void CKELMADlg::createMenus() {
 }
 
 bool CKELMADlg::createWorkingFile() {
+    auto &relay = static_cast<StoreMessages &>(*m_storeMessages);
+    relay.muted = true;
+    struct Unmute {
+        StoreMessages &relay;
+        ~Unmute() { relay.muted = false; }
+    } unmute{relay};
     auto attempt = [this](const std::filesystem::path &folder) {
         m_workingCrdPath = folder / kWorkingCoordinateFile;
         std::error_code ec;

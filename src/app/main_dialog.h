@@ -158,6 +158,7 @@ private:
 
     std::unique_ptr<QtInteraction> m_ownUi;
     Interaction *m_ui = nullptr;
+    std::unique_ptr<Interaction> m_storeMessages; ///< the working file's, muted while it is made
     ShellPrompts *m_prompts = nullptr;
 
     ShellFolders m_folders;
