@@ -19,6 +19,8 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QItemSelectionModel>
+#include <QPageSetupDialog>
+#include <QPrinter>
 #include <QProcess>
 #include <QTableView>
 
@@ -96,6 +98,7 @@ void CKELMADlg::dispatch(int id) {
     case cmd::Settings: settingsCommand(); return;
     case cmd::PrintRaw: printRawData(); return;
     case cmd::PrintCoordinates: printCoordinates(); return;
+    case cmd::PrinterSettings: printerSettings(); return;
     case cmd::Exit:
         if (exitProgram())
             close();
@@ -404,9 +407,14 @@ void CKELMADlg::settingsCommand() {
 }
 
 void CKELMADlg::showText(const QString &title, const QString &text) {
-    auto *window = new TextWindow(title, text, this);
+    auto *window = new TextWindow(title, text, m_printer.get(), this);
     m_textWindow = window;
     window->show();
+}
+
+void CKELMADlg::printerSettings() {
+    QPageSetupDialog dialog(m_printer.get(), this);
+    dialog.exec();
 }
 
 void CKELMADlg::printRawData() {
@@ -713,7 +721,7 @@ void CKELMADlg::processCommand(reduce::AdjustMethod method) {
     if (!result.report.empty()) {
         if (m_results)
             m_results->close();
-        m_results = new ProcessResultsWindow(result.report, this);
+        m_results = new ProcessResultsWindow(result.report, m_printer.get(), this);
         m_results->show();
     }
 }

@@ -13,10 +13,15 @@
 #include "crd/coordinate_file.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QCloseEvent>
+#include <QFontMetrics>
 #include <QHeaderView>
 #include <QMenuBar>
+#include <QPrinter>
 #include <QTableView>
+
+#include <array>
 
 namespace tramline::app {
 
@@ -83,6 +88,7 @@ CKELMADlg::CKELMADlg(ShellOptions options, QWidget *parent) : QMainWindow(parent
     context.messages = m_storeMessages.get();
     m_workingFile = std::make_unique<crd::CoordinateFile>(context);
 
+    m_printer = std::make_unique<QPrinter>();
     setUpFolders(options);
     readSettings(options);
     createGrids();
@@ -194,11 +200,18 @@ void CKELMADlg::createMenus() {
         QAction *action = menu->addAction(qtr(parts.back().c_str()));
         action->setObjectName(QStringLiteral("command%1").arg(command.id));
         action->setProperty("commandId", command.id);
-        const auto &checks = m_checks.entries();
-        if (std::any_of(checks.begin(), checks.end(), [&](const auto &e) { return e.first == command.id; }))
-            action->setCheckable(true);
         connect(action, &QAction::triggered, this, [this, id = command.id] { dispatch(id); });
         m_actions.emplace_back(command.id, action);
+    }
+    // The display groups show as radio items; the check table decides
+    // which one is on.
+    for (const auto &group : checkGroups()) {
+        auto *radio = new QActionGroup(this);
+        for (int id : group)
+            for (QAction *a : actions(id)) {
+                a->setCheckable(true);
+                radio->addAction(a);
+            }
     }
     // Separators between the groups of the File menu, where a surveyor
     // looks for them.
@@ -292,12 +305,35 @@ void CKELMADlg::refreshRawGrid() {
             m_rawGrid->setSpan(r, 1, 1, RawGridModel::kColumns - 1);
     m_rawGrid->setColumnHidden(RawGridModel::kVerticalColumn,
                                m_rawDocument.modes().verticalMode() == raw::VerticalMode::None);
-    m_rawGrid->setColumnWidth(0, 56);
-    for (int c = 1; c < RawGridModel::kColumns - 1; ++c)
-        m_rawGrid->setColumnWidth(c, 104);
+    fitRawColumns();
+    // A current cell to start from, without a selection that looks like
+    // the user made one.
     if (m_rawModel->rowCount() > 0 && !m_rawGrid->currentIndex().isValid())
-        m_rawGrid->setCurrentIndex(m_rawModel->index(0, 1));
+        m_rawGrid->selectionModel()->setCurrentIndex(m_rawModel->index(0, 1), QItemSelectionModel::NoUpdate);
     m_rawModel->setCurrentRow(m_rawGrid->currentIndex().row());
+}
+
+// Columns as wide as their values, looked at in the rows that have cells
+// of their own (a note's text spans them and would make the first one
+// huge), within bounds so that one long description cannot push the
+// others off the screen. A large file is sampled at its start.
+void CKELMADlg::fitRawColumns() {
+    const QFontMetrics metrics(m_rawGrid->font());
+    const int padding = 2 * metrics.horizontalAdvance(QLatin1Char('0')) + 6;
+    std::array<int, RawGridModel::kColumns> widths{};
+    widths.fill(metrics.horizontalAdvance(QStringLiteral("00000000")) + padding);
+    widths[0] = metrics.horizontalAdvance(QStringLiteral("CL+AB")) + padding;
+    const int rows = std::min(m_rawModel->rowCount(), 2000);
+    for (int r = 0; r < rows; ++r) {
+        if (m_rawModel->isTextRow(r))
+            continue;
+        for (int c = 1; c < RawGridModel::kColumns - 1; ++c)
+            widths[static_cast<size_t>(c)] =
+                std::max(widths[static_cast<size_t>(c)],
+                         metrics.horizontalAdvance(m_rawModel->index(r, c).data().toString()) + padding);
+    }
+    for (int c = 0; c < RawGridModel::kColumns - 1; ++c)
+        m_rawGrid->setColumnWidth(c, std::min(widths[static_cast<size_t>(c)], 260));
 }
 
 void CKELMADlg::refreshCoordinateGrid() {

@@ -18,6 +18,7 @@
 #include <memory>
 
 class QAction;
+class QPrinter;
 class QTableView;
 
 namespace tramline {
@@ -118,6 +119,7 @@ private:
     // grids
     void layoutGrids();
     void refreshRawGrid();
+    void fitRawColumns();
     void refreshCoordinateGrid();
     void applyCheckTable();
     QTableView *activeGrid() const;
@@ -140,6 +142,7 @@ private:
     void printRawData();
     void printCoordinates();
     void showText(const QString &title, const QString &text);
+    void printerSettings();
     void findCommand(bool rawGrid);
     void replaceCommand(bool rawGrid);
     void copySelection(bool cut);
@@ -179,6 +182,7 @@ private:
     CoordinateGridModel *m_coordinateModel = nullptr;
     QTableView *m_activeGrid = nullptr;
     std::vector<std::pair<int, QAction *>> m_actions;
+    std::unique_ptr<QPrinter> m_printer;
     QPointer<ProcessResultsWindow> m_results;
     QPointer<TextWindow> m_textWindow;
 

@@ -1,21 +1,18 @@
 #include "app/menu_table.h"
 
 #include <algorithm>
-#include <array>
 
 namespace tramline::app {
 
-namespace {
-
-// The radio groups of the Display menu.
-constexpr std::array<std::array<int, 4>, 4> kCheckGroups = {{
-    {cmd::VerticalAngle, cmd::ZenithAngle, cmd::ElevationDifference, cmd::VerticalNone},
-    {cmd::SlopeDistance, cmd::HorizontalDistance, 0, 0},
-    {cmd::AnglesDms, cmd::AnglesGons, 0, 0},
-    {cmd::NorthingEasting, cmd::EastingNorthing, 0, 0},
-}};
-
-} // namespace
+const std::vector<std::vector<int>> &checkGroups() {
+    static const std::vector<std::vector<int>> groups = {
+        {cmd::VerticalAngle, cmd::ZenithAngle, cmd::ElevationDifference, cmd::VerticalNone},
+        {cmd::SlopeDistance, cmd::HorizontalDistance},
+        {cmd::AnglesDms, cmd::AnglesGons},
+        {cmd::NorthingEasting, cmd::EastingNorthing},
+    };
+    return groups;
+}
 
 const std::vector<MenuCommand> &menuCommands() {
     static const std::vector<MenuCommand> commands = {
@@ -163,14 +160,13 @@ std::vector<std::string> menuPath(const char *path) {
 }
 
 MenuCheckTable::MenuCheckTable() {
-    for (const auto &group : kCheckGroups)
+    for (const auto &group : checkGroups())
         for (int id : group)
-            if (id != 0)
-                m_entries.emplace_back(id, false);
+            m_entries.emplace_back(id, false);
 }
 
 void MenuCheckTable::choose(int id) {
-    for (const auto &group : kCheckGroups) {
+    for (const auto &group : checkGroups()) {
         if (std::find(group.begin(), group.end(), id) == group.end())
             continue;
         for (auto &[entry, checked] : m_entries)

@@ -45,6 +45,10 @@ const std::vector<MenuCommand> &menuCommands();
 /// The captions of a path, from the top menu down.
 std::vector<std::string> menuPath(const char *path);
 
+/// The radio groups of the Display menu: vertical, distance, angles,
+/// coordinates.
+const std::vector<std::vector<int>> &checkGroups();
+
 /// The menu check table: the checked flag of each display command. The
 /// Display commands form four groups (vertical, distance, angles,
 /// coordinates) that act as radio items.

@@ -5,9 +5,13 @@
 #include <QDialogButtonBox>
 #include <QFontDatabase>
 #include <QPlainTextEdit>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QVBoxLayout>
+
+#include <functional>
 
 namespace tramline::app {
 
@@ -24,8 +28,15 @@ QPlainTextEdit *reportView(const QString &text, QWidget *parent) {
     return view;
 }
 
-QDialogButtonBox *closeButton(QDialog *dialog) {
+// Print and Close; `current` gives the text to print when Print is pressed.
+QDialogButtonBox *buttonRow(QDialog *dialog, QPrinter *printer, std::function<QPlainTextEdit *()> current) {
     auto *buttons = new QDialogButtonBox(dialog);
+    QPushButton *print = buttons->addButton(qtr("Print"), QDialogButtonBox::ActionRole);
+    QObject::connect(print, &QPushButton::clicked, dialog, [dialog, printer, current] {
+        QPrintDialog ask(printer, dialog);
+        if (ask.exec() == QDialog::Accepted)
+            current()->print(printer);
+    });
     QPushButton *close = buttons->addButton(qtr("Close"), QDialogButtonBox::RejectRole);
     QObject::connect(close, &QPushButton::clicked, dialog, &QDialog::reject);
     return buttons;
@@ -33,19 +44,21 @@ QDialogButtonBox *closeButton(QDialog *dialog) {
 
 } // namespace
 
-TextWindow::TextWindow(const QString &title, const QString &text, QWidget *parent) : QDialog(parent) {
+TextWindow::TextWindow(const QString &title, const QString &text, QPrinter *printer, QWidget *parent)
+    : QDialog(parent) {
     setWindowTitle(title);
     setAttribute(Qt::WA_DeleteOnClose);
     auto *layout = new QVBoxLayout(this);
     m_text = reportView(text, this);
     layout->addWidget(m_text);
-    layout->addWidget(closeButton(this));
+    layout->addWidget(buttonRow(this, printer, [this] { return m_text; }));
     resize(760, 520);
 }
 
 QString TextWindow::text() const { return m_text->toPlainText(); }
 
-ProcessResultsWindow::ProcessResultsWindow(const Report &report, QWidget *parent) : QDialog(parent) {
+ProcessResultsWindow::ProcessResultsWindow(const Report &report, QPrinter *printer, QWidget *parent)
+    : QDialog(parent) {
     setObjectName(QStringLiteral("Process Results"));
     setWindowTitle(report.title().empty() ? qtr("Process Results") : qstr(report.title()));
     setAttribute(Qt::WA_DeleteOnClose);
@@ -54,7 +67,7 @@ ProcessResultsWindow::ProcessResultsWindow(const Report &report, QWidget *parent
     for (const auto &tab : report.tabs())
         m_tabs->addTab(reportView(qstr(tab.text), m_tabs), qstr(tab.title));
     layout->addWidget(m_tabs);
-    layout->addWidget(closeButton(this));
+    layout->addWidget(buttonRow(this, printer, [this] { return static_cast<QPlainTextEdit *>(m_tabs->currentWidget()); }));
     resize(820, 600);
 }
 

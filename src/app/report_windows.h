@@ -8,15 +8,18 @@
 #include <QDialog>
 
 class QPlainTextEdit;
+class QPrinter;
 class QTabWidget;
 
 namespace tramline::app {
 
-/// One text in a fixed-width font, read-only, with Close.
+/// One text in a fixed-width font, read-only, with Print and Close.
+/// Printing goes to `printer` (the program's, set up by File > Print >
+/// Printer Settings) after the print dialog.
 class TextWindow : public QDialog {
     Q_OBJECT
 public:
-    TextWindow(const QString &title, const QString &text, QWidget *parent = nullptr);
+    TextWindow(const QString &title, const QString &text, QPrinter *printer, QWidget *parent = nullptr);
     QString text() const;
 
 private:
@@ -28,7 +31,8 @@ private:
 class ProcessResultsWindow : public QDialog {
     Q_OBJECT
 public:
-    explicit ProcessResultsWindow(const Report &report, QWidget *parent = nullptr);
+    /// Print prints the tab on show.
+    ProcessResultsWindow(const Report &report, QPrinter *printer, QWidget *parent = nullptr);
     QTabWidget *tabs() const { return m_tabs; }
     /// The text of the tab with this (translated) title; empty when none.
     QString tabText(const QString &title) const;

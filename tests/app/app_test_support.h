@@ -9,10 +9,12 @@
 #include "base/interaction.h"
 
 #include <QApplication>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <deque>
+#include <functional>
 #include <memory>
 
 namespace tramline::test {
@@ -26,6 +28,21 @@ inline QApplication &application() {
     // an order that static destruction at exit does not respect.
     static QApplication *app = new QApplication(argc, argv);
     return *app;
+}
+
+/// Runs `act` on the active modal window once one is open: the way tests
+/// answer the real dialogs, as a user would.
+inline void whenModal(std::function<void(QWidget *)> act) {
+    auto *timer = new QTimer;
+    timer->setInterval(10);
+    QObject::connect(timer, &QTimer::timeout, [timer, act] {
+        if (QWidget *modal = QApplication::activeModalWidget()) {
+            timer->stop();
+            timer->deleteLater();
+            act(modal);
+        }
+    });
+    timer->start();
 }
 
 /// Answers from scripts: questions and forms as ScriptedInteraction does,

@@ -8,28 +8,13 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTimer>
-
-#include <functional>
 
 using namespace tramline;
 using namespace tramline::app;
 
 namespace {
 
-// Runs `act` on the active modal window once it is open.
-void whenModal(std::function<void(QWidget *)> act) {
-    auto *timer = new QTimer;
-    timer->setInterval(10);
-    QObject::connect(timer, &QTimer::timeout, [timer, act] {
-        if (QWidget *modal = QApplication::activeModalWidget()) {
-            timer->stop();
-            timer->deleteLater();
-            act(modal);
-        }
-    });
-    timer->start();
-}
+using tramline::test::whenModal;
 
 void pressEscape(QWidget *w) {
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);

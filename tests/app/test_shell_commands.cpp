@@ -10,6 +10,7 @@
 #include <QClipboard>
 #include <QHeaderView>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QTabWidget>
 #include <QTableView>
 
@@ -367,6 +368,29 @@ TEST_F(ShellCommandTest, PrintWindows) {
         "7                5000.0000       6000.0000     100.2500  IRON ROD"));
 }
 
+// The real print dialogs open from the menu and from a report window.
+TEST_F(ShellCommandTest, PrinterSettingsAndPrinting) {
+    auto d = startWithExample();
+    QString seen;
+    tramline::test::whenModal([&seen](QWidget *w) {
+        seen = w->metaObject()->className();
+        static_cast<QDialog *>(w)->reject();
+    });
+    d->dispatch(32778);
+    EXPECT_EQ(seen, "QPageSetupDialog");
+    d->dispatch(206);
+    ASSERT_NE(d->textWindow(), nullptr);
+    seen.clear();
+    tramline::test::whenModal([&seen](QWidget *w) {
+        seen = w->metaObject()->className();
+        static_cast<QDialog *>(w)->reject();
+    });
+    for (auto *b : d->textWindow()->findChildren<QPushButton *>())
+        if (b->text() == "Print")
+            b->click();
+    EXPECT_EQ(seen, "QPrintDialog");
+}
+
 // Process > Compass on the bundled loop, answered as a surveyor would:
 // the traverse starts and ends on 1.
 TEST_F(ShellCommandTest, ProcessCompassThroughTheMenu) {
@@ -429,7 +453,6 @@ TEST_F(ShellCommandTest, CommandsOfOtherFeaturesSaySoAndUnknownIdsDoNothing) {
         {32869, "Tools > Export Raw Data > dgDialog: this command is not available yet."},
         {32772, "Tools > Data Transfer > Sokkia SDR: this command is not available yet."},
         {32866, "Tools > Geoid Manager: this command is not available yet."},
-        {32778, "File > Print > Printer Settings: this command is not available yet."},
     };
     for (const auto &c : cases) {
         shell.messages.clear();
