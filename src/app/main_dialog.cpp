@@ -125,11 +125,16 @@ void CKELMADlg::setUpFolders(const ShellOptions &options) {
 void CKELMADlg::readSettings(const ShellOptions &options) {
     m_settings = ShellSettings{};
     readSettingsFile(m_folders.settings / kSettingsFileName, m_settings);
-    if (!m_settings.tmpdir.empty())
+    if (!m_settings.tmpdir.empty()) {
         m_folders.working = m_settings.tmpdir;
+        std::error_code ec;
+        std::filesystem::create_directories(m_folders.working, ec); // reports and scratch files go there
+    }
     m_settings.tmpdir = withSeparator(m_folders.working);
 
     if (m_settings.langMode == 1) {
+        // The shared start-up file lies beside the settings file; it only
+        // speaks when no code is asked for, and the shell asks for "win".
         const LanguageEnvironment environment = processLanguageEnvironment(
             options.systemLanguage, options.systemCountry, m_folders.settings / "morvstart.ini");
         for (const auto &warning : startTranslation(m_folders.program / "LANG", chooseLanguage("win", environment)))

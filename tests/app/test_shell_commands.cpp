@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QHeaderView>
 #include <QMenuBar>
 #include <QPushButton>
@@ -157,6 +158,42 @@ TEST_F(ShellCommandTest, AddAndDeleteRows) {
     EXPECT_EQ(d->rawModel()->rowCount(), 7);
     EXPECT_EQ(d->rawDocument().text(), "NAME,\nNAME,\nNAME,\nBK,OP,BP,BS,BC\nDO,Data On/Off\nSP,PN,N ,E ,EL,--\n"
                                        "TR,OP,FP,AR,ZE,SD,--\n");
+}
+
+// The Type and Code cells are edited by choosing from their lists.
+TEST_F(ShellCommandTest, TypeAndCodeEditorsOfferTheirLists) {
+    auto d = startWithExample();
+    d->show();
+    QAbstractItemDelegate *delegate = d->rawGrid()->itemDelegate();
+    struct Case {
+        int row, column;
+        const char *name;
+        int count;
+        const char *first, *chosen;
+    };
+    const Case cases[] = {{9, 0, "Type", 26, "TR", "CL+AB"}, {10, RawGridModel::kCodeColumn, "Code", 10, "NE", "DL"}};
+    for (const auto &c : cases) {
+        const QModelIndex index = d->rawModel()->index(c.row, c.column);
+        QWidget *editor = delegate->createEditor(d->rawGrid()->viewport(), QStyleOptionViewItem(), index);
+        auto *list = qobject_cast<QComboBox *>(editor);
+        ASSERT_NE(list, nullptr) << c.name;
+        EXPECT_EQ(list->objectName(), c.name);
+        EXPECT_EQ(list->count(), c.count);
+        EXPECT_EQ(list->itemText(0), c.first);
+        delegate->setEditorData(editor, index);
+        EXPECT_EQ(list->currentText(), index.data().toString());
+        list->setCurrentText(c.chosen);
+        delegate->setModelData(editor, d->rawModel(), index);
+        EXPECT_EQ(index.data().toString(), c.chosen);
+        delete editor;
+    }
+    // Other cells get a line editor; a store point's Code cell is no list.
+    QWidget *line = delegate->createEditor(d->rawGrid()->viewport(), QStyleOptionViewItem(),
+                                           d->rawModel()->index(4, RawGridModel::kCodeColumn));
+    EXPECT_EQ(qobject_cast<QComboBox *>(line), nullptr);
+    delete line;
+    EXPECT_NE(d->rawDocument().text().find("CL+AB,OP1,FP101,AR345.4539"), std::string::npos);
+    EXPECT_NE(d->rawDocument().text().find("TR,OP1,FP2,DL64.3327"), std::string::npos);
 }
 
 TEST_F(ShellCommandTest, SaveAndReopenGiveTheSameBytes) {

@@ -9,8 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 using namespace tramline;
 using namespace tramline::app;
 namespace fs = std::filesystem;
@@ -205,15 +203,6 @@ TEST_F(SettingsFileTest, CatalogueSearchAndWarnings) {
     // The path tried last, the short code's.
     EXPECT_EQ(warnings[0], "\nWarning: Missing translation file " + cataloguePath(dir / "LANG", "xx").string());
     EXPECT_TRUE(startTranslation(dir / "LANG", LanguageCode{}).empty());
-}
-
-TEST(MenuTable, EveryIdOnceExceptTheSharedExport) {
-    std::multiset<int> ids;
-    for (const auto &c : menuCommands())
-        ids.insert(c.id);
-    EXPECT_EQ(menuCommands().size(), 124u);
-    for (int id : ids)
-        EXPECT_EQ(ids.count(id), id == 32841 ? 2u : 1u) << id;
 }
 
 TEST(MenuTable, CheckGroupsActAsRadioItems) {
