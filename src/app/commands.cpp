@@ -134,8 +134,10 @@ void CKELMADlg::dispatch(int id) {
     case cmd::ImageTramline: startCompanion("imagery"); return;
     case cmd::TransferQuillan: startCompanion("quilcom"); return;
     case cmd::About: about(); return;
+    // The grids' notifications: the current raw row moved (its captions
+    // head the columns), points of the coordinate grid were written.
     case cmd::RawGrid: m_rawModel->setCurrentRow(m_rawGrid->currentIndex().row()); return;
-    case cmd::CoordinateGrid: refreshCoordinateGrid(); return;
+    case cmd::CoordinateGrid: m_coordinateModified = true; return;
     case cmd::InsertRowAbove: insertRowNearCurrent(true); return;
     case cmd::InsertRowBelow: insertRowNearCurrent(false); return;
     case cmd::RefreshCoordinates: refreshCoordinateGrid(); return;

@@ -11,6 +11,7 @@
 #include "app/command_line.h"
 #include "base/format.h"
 #include "crd/coordinate_file.h"
+#include "raw/classify.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -165,8 +166,10 @@ void CKELMADlg::createGrids() {
     m_rawModel = new RawGridModel(m_rawDocument, m_rawGrid);
     m_rawGrid->setModel(m_rawModel);
     m_rawGrid->setItemDelegate(new RawGridDelegate(m_rawGrid));
+    // The grids' own notifications reach their handlers through the
+    // command switch, under the grids' ids.
     connect(m_rawGrid->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            [this](const QModelIndex &current) { m_rawModel->setCurrentRow(current.row()); });
+            [this] { dispatch(kRawGridId); });
     connect(m_rawModel, &RawGridModel::rowTypeChanged, this, [this](int row) {
         m_rawGrid->setSpan(row, 1, 1, m_rawModel->isTextRow(row) ? RawGridModel::kColumns - 1 : 1);
     });
@@ -174,7 +177,7 @@ void CKELMADlg::createGrids() {
     m_coordinateGrid = makeGrid(m_client, kCoordinateGridId);
     m_coordinateModel = new CoordinateGridModel(*m_workingFile, ui(), m_coordinateGrid);
     m_coordinateGrid->setModel(m_coordinateModel);
-    connect(m_coordinateModel, &CoordinateGridModel::pointsChanged, this, [this] { m_coordinateModified = true; });
+    connect(m_coordinateModel, &CoordinateGridModel::pointsChanged, this, [this] { dispatch(kCoordinateGridId); });
 
     m_rawGrid->installEventFilter(this);
     m_coordinateGrid->installEventFilter(this);
@@ -312,9 +315,18 @@ void CKELMADlg::refreshRawGrid() {
                                m_rawDocument.modes().verticalMode() == raw::VerticalMode::None);
     fitRawColumns();
     // A current cell to start from, without a selection that looks like
-    // the user made one.
-    if (m_rawModel->rowCount() > 0 && !m_rawGrid->currentIndex().isValid())
-        m_rawGrid->selectionModel()->setCurrentIndex(m_rawModel->index(0, 1), QItemSelectionModel::NoUpdate);
+    // the user made one: the first observation, so that the headers name
+    // the columns a surveyor reads most (a job's first rows are its job,
+    // mode and note records, whose one text leaves the headers empty).
+    if (m_rawModel->rowCount() > 0 && !m_rawGrid->currentIndex().isValid()) {
+        int first = 0;
+        while (static_cast<size_t>(first) < m_rawDocument.rowCount() &&
+               !raw::isObservationType(m_rawDocument.row(static_cast<size_t>(first)).type))
+            ++first;
+        if (first == m_rawModel->rowCount())
+            first = 0;
+        m_rawGrid->selectionModel()->setCurrentIndex(m_rawModel->index(first, 1), QItemSelectionModel::NoUpdate);
+    }
     m_rawModel->setCurrentRow(m_rawGrid->currentIndex().row());
 }
 
