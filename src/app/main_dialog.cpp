@@ -1,100 +1,419 @@
+// Start-up, the grids and menus, resizing and the exit path of the main
+// window. The commands themselves are in commands.cpp.
 #include "app/main_dialog.h"
 
+#include "app/coordinate_grid_model.h"
+#include "app/language.h"
+#include "app/qt_interaction.h"
+#include "app/qt_text.h"
 #include "app/raw_grid_model.h"
-#include "base/interaction.h"
-#include "base/translation.h"
+#include "app/report_windows.h"
+#include "app/command_line.h"
+#include "base/format.h"
+#include "crd/coordinate_file.h"
+#include "raw/classify.h"
 
+#include <QAction>
+#include <QActionGroup>
+#include <QCloseEvent>
+#include <QFontMetrics>
 #include <QHeaderView>
-#include <QPushButton>
-#include <QMessageBox>
-#include <QStandardItemModel>
+#include <QMenuBar>
+#include <QPrinter>
 #include <QTableView>
-#include <QVBoxLayout>
+
+#include <array>
 
 namespace tramline::app {
 
 namespace {
 
+constexpr const char *kWorkingCoordinateFile = "tramlinetmp.crd";
+
+// The working file's messages, passed on to the user except while the
+// file is being made: a first failure there is followed by a retry, and
+// only the end of the story is worth a message.
+class StoreMessages : public Interaction {
+public:
+    explicit StoreMessages(Interaction &target) : m_target(target) {}
+    int choose(const std::string &title, const std::string &message, const std::vector<std::string> &buttons) override {
+        return m_target.choose(title, message, buttons);
+    }
+    bool fillForm(const std::string &title, std::vector<FormField> &fields) override {
+        return m_target.fillForm(title, fields);
+    }
+    void message(const std::string &text) override {
+        if (!muted)
+            m_target.message(text);
+    }
+    void progress(long position, long length, const std::string &caption) override {
+        m_target.progress(position, length, caption);
+    }
+    bool idle() override { return m_target.idle(); }
+
+    bool muted = false;
+
+private:
+    Interaction &m_target;
+};
+
 QTableView *makeGrid(QWidget *parent, int id) {
     auto *grid = new QTableView(parent);
     grid->setObjectName(QStringLiteral("grid%1").arg(id));
     grid->setProperty("controlId", id);
+    grid->setFrameShape(QFrame::Box);
+    grid->setFocusPolicy(Qt::StrongFocus);
+    grid->setSelectionMode(QAbstractItemView::ContiguousSelection);
+    grid->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
+                          QAbstractItemView::AnyKeyPressed);
     grid->horizontalHeader()->setStretchLastSection(true);
+    grid->horizontalHeader()->setHighlightSections(false);
     grid->verticalHeader()->setDefaultSectionSize(22);
+    grid->setWordWrap(false);
     return grid;
 }
 
-// Messages from the core shown as message boxes.
-class DialogInteraction : public Interaction {
-public:
-    explicit DialogInteraction(QWidget *parent) : m_parent(parent) {}
-    int choose(const std::string &title, const std::string &message, const std::vector<std::string> &buttons) override {
-        QMessageBox box(QMessageBox::Question, QString::fromStdString(title), QString::fromStdString(message),
-                        QMessageBox::NoButton, m_parent);
-        std::vector<QAbstractButton *> added;
-        for (const auto &b : buttons)
-            added.push_back(box.addButton(QString::fromStdString(b), QMessageBox::AcceptRole));
-        box.exec();
-        for (size_t i = 0; i < added.size(); ++i)
-            if (box.clickedButton() == added[i])
-                return static_cast<int>(i);
-        return -1;
-    }
-    bool fillForm(const std::string &, std::vector<FormField> &) override { return false; }
-    void message(const std::string &text) override {
-        QMessageBox::warning(m_parent, QString::fromUtf8(tramline::tr("Halvren Tramline")), QString::fromStdString(text));
-    }
-    void progress(long, long, const std::string &) override {}
-
-private:
-    QWidget *m_parent;
-};
-
 } // namespace
 
-CKELMADlg::CKELMADlg(QWidget *parent) : QWidget(parent) {
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(3, 3, 3, 3);
-    layout->setSpacing(3);
-    m_rawGrid = makeGrid(this, kRawGridId);
-    m_rawModel = new RawGridModel(m_rawDocument, this);
-    m_rawGrid->setModel(m_rawModel);
-    m_coordinateGrid = makeGrid(this, kCoordinateGridId);
-    auto *coordinates = new QStandardItemModel(0, 5, m_coordinateGrid);
-    coordinates->setHorizontalHeaderLabels({"PntNo", "Northing", "Easting", "Elevation", "Description"});
-    m_coordinateGrid->setModel(coordinates);
-    layout->addWidget(m_rawGrid, 1);
-    layout->addWidget(m_coordinateGrid, 1);
+CKELMADlg::CKELMADlg(ShellOptions options, QWidget *parent) : QMainWindow(parent) {
+    if (options.interaction && options.prompts) {
+        m_ui = options.interaction;
+        m_prompts = options.prompts;
+    } else {
+        m_ownUi = std::make_unique<QtInteraction>(this);
+        m_ui = options.interaction ? options.interaction : m_ownUi.get();
+        m_prompts = options.prompts ? options.prompts : m_ownUi.get();
+    }
+    m_storeMessages = std::make_unique<StoreMessages>(*m_ui);
+    crd::CrdContext context;
+    context.messages = m_storeMessages.get();
+    m_workingFile = std::make_unique<crd::CoordinateFile>(context);
+
+    m_printer = std::make_unique<QPrinter>();
+    setUpFolders(options);
+    readSettings(options);
+    createGrids();
+    createMenus();
+    resize(1000, 700);
+
+    if (!createWorkingFile()) {
+        ui().message(format(tramline::tr("Error: failed to create %s.\nExiting."), m_workingCrdPath.string().c_str()));
+        exitProgram();
+        m_startupFailed = true;
+        return;
+    }
     updateTitle();
-    resize(1000, 680);
+    processCommandLine(options.commandLine);
 }
 
-CKELMADlg::~CKELMADlg() = default;
+CKELMADlg::~CKELMADlg() {
+    // The models refer to the document and the file; they go first.
+    delete m_rawGrid;
+    delete m_coordinateGrid;
+}
 
-bool CKELMADlg::openRawFile(const QString &path) {
-    DialogInteraction ui(this);
-    raw::RawDocument loaded;
-    if (!loaded.open(path.toStdString(), ui))
-        return false;
-    m_rawDocument = std::move(loaded);
+// --- start-up ------------------------------------------------------------------
+
+void CKELMADlg::setUpFolders(const ShellOptions &options) {
+    m_folders = shellFolders(options.modulePath, options.applicationDataFolder, options.documentsFolder);
+    // An existing folder is no error, and one that cannot be made shows up
+    // later where a file in it is needed.
+    std::error_code ec;
+    std::filesystem::create_directories(m_folders.settings, ec);
+    std::filesystem::create_directories(m_folders.working, ec);
+}
+
+void CKELMADlg::readSettings(const ShellOptions &options) {
+    m_settings = ShellSettings{};
+    readSettingsFile(m_folders.settings / kSettingsFileName, m_settings);
+    if (!m_settings.tmpdir.empty()) {
+        m_folders.working = m_settings.tmpdir;
+        std::error_code ec;
+        std::filesystem::create_directories(m_folders.working, ec); // reports and scratch files go there
+    }
+    m_settings.tmpdir = withSeparator(m_folders.working);
+
+    if (m_settings.langMode == 1) {
+        // The shared start-up file lies beside the settings file; it only
+        // speaks when no code is asked for, and the shell asks for "win".
+        const LanguageEnvironment environment = processLanguageEnvironment(
+            options.systemLanguage, options.systemCountry, m_folders.settings / "morvstart.ini");
+        for (const auto &warning : startTranslation(m_folders.program / "LANG", chooseLanguage("win", environment)))
+            ui().message(warning);
+    } else {
+        startTranslation(m_folders.program / "LANG", LanguageCode{});
+    }
+
+    raw::DisplayModes modes = m_rawDocument.modes();
+    modes.angle = m_settings.angDisplayMode == 0 ? 0 : 1;
+    modes.neOrder = m_settings.neOrder == 1 ? 1 : 0;
+    m_rawDocument.setModes(modes);
+    m_checks.choose(30 + modes.vertical);
+    m_checks.choose(34 + modes.distance);
+    m_checks.choose(modes.angle == 1 ? cmd::AnglesDms : cmd::AnglesGons);
+    m_checks.choose(modes.neOrder == 1 ? cmd::EastingNorthing : cmd::NorthingEasting);
+    if (modes.angle == 0)
+        m_rawDocument.changeAngleMode(0);
+}
+
+void CKELMADlg::createGrids() {
+    m_client = new QWidget(this);
+    m_client->setObjectName(QStringLiteral("client"));
+    setCentralWidget(m_client);
+    m_client->installEventFilter(this);
+
+    m_rawGrid = makeGrid(m_client, kRawGridId);
+    m_rawModel = new RawGridModel(m_rawDocument, m_rawGrid);
+    m_rawGrid->setModel(m_rawModel);
+    m_rawGrid->setItemDelegate(new RawGridDelegate(m_rawGrid));
+    // The grids' own notifications reach their handlers through the
+    // command switch, under the grids' ids.
+    connect(m_rawGrid->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this] { dispatch(kRawGridId); });
+    connect(m_rawModel, &RawGridModel::rowTypeChanged, this, [this](int row) {
+        m_rawGrid->setSpan(row, 1, 1, m_rawModel->isTextRow(row) ? RawGridModel::kColumns - 1 : 1);
+    });
+
+    m_coordinateGrid = makeGrid(m_client, kCoordinateGridId);
+    m_coordinateModel = new CoordinateGridModel(*m_workingFile, ui(), m_coordinateGrid);
+    m_coordinateGrid->setModel(m_coordinateModel);
+    connect(m_coordinateModel, &CoordinateGridModel::pointsChanged, this, [this] { dispatch(kCoordinateGridId); });
+
+    m_rawGrid->installEventFilter(this);
+    m_coordinateGrid->installEventFilter(this);
+    m_activeGrid = m_rawGrid;
+    refreshRawGrid();
+    refreshCoordinateGrid();
+}
+
+void CKELMADlg::createMenus() {
+    // Menus are built from the command table, each caption translated.
+    std::map<std::string, QMenu *> menus;
+    for (const auto &command : menuCommands()) {
+        const auto parts = menuPath(command.path);
+        std::string key;
+        QMenu *menu = nullptr;
+        for (size_t i = 0; i + 1 < parts.size(); ++i) {
+            key += parts[i] + ">";
+            auto it = menus.find(key);
+            if (it == menus.end()) {
+                QMenu *created = menu ? menu->addMenu(qtr(parts[i].c_str()))
+                                      : menuBar()->addMenu(qtr(parts[i].c_str()));
+                created->setObjectName(qstr(parts[i]));
+                connect(created, &QMenu::aboutToShow, this, &CKELMADlg::applyCheckTable);
+                it = menus.emplace(key, created).first;
+            }
+            menu = it->second;
+        }
+        QAction *action = menu->addAction(qtr(parts.back().c_str()));
+        action->setObjectName(QStringLiteral("command%1").arg(command.id));
+        action->setProperty("commandId", command.id);
+        connect(action, &QAction::triggered, this, [this, id = command.id] { dispatch(id); });
+        m_actions.emplace_back(command.id, action);
+    }
+    // The display groups show as radio items; the check table decides
+    // which one is on.
+    for (const auto &group : checkGroups()) {
+        auto *radio = new QActionGroup(this);
+        for (int id : group)
+            for (QAction *a : actions(id)) {
+                a->setCheckable(true);
+                radio->addAction(a);
+            }
+    }
+    // Separators between the groups of the File menu, where a surveyor
+    // looks for them.
+    if (QMenu *file = menus["File>"])
+        for (int before : {cmd::OpenCrd, cmd::Settings, cmd::Exit})
+            if (QAction *a = actions(before).value(0))
+                file->insertSeparator(a);
+
+    const std::pair<int, QKeySequence> shortcuts[] = {
+        {cmd::OpenRaw, QKeySequence::Open},   {cmd::SaveRaw, QKeySequence::Save}, {cmd::FindRaw, QKeySequence::Find},
+        {cmd::ReplaceRaw, QKeySequence::Replace}, {cmd::Cut, QKeySequence::Cut}, {cmd::Copy, QKeySequence::Copy},
+        {cmd::Paste, QKeySequence::Paste},    {cmd::Exit, QKeySequence::Quit},
+    };
+    for (const auto &[id, keys] : shortcuts)
+        if (QAction *a = actions(id).value(0))
+            a->setShortcut(keys);
+
+    // Commands without a menu entry, reached by keys: a row of the current
+    // row's type above or below it, and re-reading the coordinate file.
+    const std::pair<int, QKeySequence> hidden[] = {{cmd::InsertRowAbove, QKeySequence(Qt::ALT | Qt::Key_Insert)},
+                                                   {cmd::InsertRowBelow, QKeySequence(Qt::Key_Insert)},
+                                                   {cmd::RefreshCoordinates, QKeySequence(Qt::Key_F5)}};
+    for (const auto &[id, keys] : hidden) {
+        auto *action = new QAction(this);
+        action->setShortcut(keys);
+        action->setProperty("commandId", id);
+        connect(action, &QAction::triggered, this, [this, id = id] { dispatch(id); });
+        addAction(action);
+    }
+    applyCheckTable();
+}
+
+bool CKELMADlg::createWorkingFile() {
+    auto &relay = static_cast<StoreMessages &>(*m_storeMessages);
+    relay.muted = true;
+    struct Unmute {
+        StoreMessages &relay;
+        ~Unmute() { relay.muted = false; }
+    } unmute{relay};
+    auto attempt = [this](const std::filesystem::path &folder) {
+        m_workingCrdPath = folder / kWorkingCoordinateFile;
+        std::error_code ec;
+        std::filesystem::remove(m_workingCrdPath, ec);
+        std::filesystem::remove(crd::notesPathFor(m_workingCrdPath), ec);
+        return m_workingFile->open(m_workingCrdPath, 1, -1);
+    };
+    if (attempt(m_folders.settings))
+        return true;
+    // The one retry: make the working folder and keep the working file
+    // there, so that a settings folder that cannot be made does not stop
+    // the program.
+    std::error_code ec;
+    std::filesystem::create_directories(m_folders.working, ec);
+    return attempt(m_folders.working);
+}
+
+void CKELMADlg::processCommandLine(const std::string &commandLine) {
+    const CommandLineFiles files = parseCommandLine(commandLine);
+    if (!files.rawFile.empty())
+        openRawFile(files.rawFile);
+    if (!files.coordinateFile.empty())
+        openCoordinateFile(files.coordinateFile);
+}
+
+void CKELMADlg::updateTitle() {
+    setWindowTitle(qstr(format("%s - [RW5: %s] - [CRD: %s]", tramline::tr(kProductName), m_rawDocument.fileName().c_str(),
+                               m_coordinateFileName.c_str())));
+}
+
+// --- grids ---------------------------------------------------------------------
+
+GridGeometry CKELMADlg::gridGeometry(QSize client) {
+    const int width = client.width() - 4;
+    const int height = client.height() / 2 - 8;
+    return {QRect(2, 2, width, height), QRect(2, client.height() / 2 + 8, width, height)};
+}
+
+void CKELMADlg::layoutGrids() {
+    const GridGeometry g = gridGeometry(m_client->size());
+    m_rawGrid->setGeometry(g.raw);
+    m_coordinateGrid->setGeometry(g.coordinates);
+}
+
+void CKELMADlg::refreshRawGrid() {
     m_rawModel->reload();
     // Rows of one text (notes, whole records, names) span the cell columns
     // so that they neither get cut nor widen the first cell column.
     m_rawGrid->clearSpans();
-    for (size_t r = 0; r < m_rawDocument.rowCount(); ++r)
-        if (m_rawDocument.captions(m_rawDocument.row(r).type).size() == 1)
-            m_rawGrid->setSpan(static_cast<int>(r), 1, 1, m_rawModel->columnCount() - 1);
-    m_rawGrid->setColumnWidth(0, 52);
-    for (int c = 1; c < m_rawModel->columnCount() - 1; ++c)
-        m_rawGrid->setColumnWidth(c, 96);
-    updateTitle();
+    for (int r = 0; r < m_rawModel->rowCount(); ++r)
+        if (m_rawModel->isTextRow(r))
+            m_rawGrid->setSpan(r, 1, 1, RawGridModel::kColumns - 1);
+    m_rawGrid->setColumnHidden(RawGridModel::kVerticalColumn,
+                               m_rawDocument.modes().verticalMode() == raw::VerticalMode::None);
+    fitRawColumns();
+    // A current cell to start from, without a selection that looks like
+    // the user made one: the first observation, so that the headers name
+    // the columns a surveyor reads most (a job's first rows are its job,
+    // mode and note records, whose one text leaves the headers empty).
+    if (m_rawModel->rowCount() > 0 && !m_rawGrid->currentIndex().isValid()) {
+        int first = 0;
+        while (static_cast<size_t>(first) < m_rawDocument.rowCount() &&
+               !raw::isObservationType(m_rawDocument.row(static_cast<size_t>(first)).type))
+            ++first;
+        if (first == m_rawModel->rowCount())
+            first = 0;
+        m_rawGrid->selectionModel()->setCurrentIndex(m_rawModel->index(first, 1), QItemSelectionModel::NoUpdate);
+    }
+    m_rawModel->setCurrentRow(m_rawGrid->currentIndex().row());
+}
+
+// Columns as wide as their values, looked at in the rows that have cells
+// of their own (a note's text spans them and would make the first one
+// huge), within bounds so that one long description cannot push the
+// others off the screen. A large file is sampled at its start.
+void CKELMADlg::fitRawColumns() {
+    const QFontMetrics metrics(m_rawGrid->font());
+    const int padding = 2 * metrics.horizontalAdvance(QLatin1Char('0')) + 6;
+    std::array<int, RawGridModel::kColumns> widths{};
+    widths.fill(metrics.horizontalAdvance(QStringLiteral("00000000")) + padding);
+    widths[0] = metrics.horizontalAdvance(QStringLiteral("CL+AB")) + padding;
+    const int rows = std::min(m_rawModel->rowCount(), 2000);
+    for (int r = 0; r < rows; ++r) {
+        if (m_rawModel->isTextRow(r))
+            continue;
+        for (int c = 1; c < RawGridModel::kColumns - 1; ++c)
+            widths[static_cast<size_t>(c)] =
+                std::max(widths[static_cast<size_t>(c)],
+                         metrics.horizontalAdvance(m_rawModel->index(r, c).data().toString()) + padding);
+    }
+    for (int c = 0; c < RawGridModel::kColumns - 1; ++c)
+        m_rawGrid->setColumnWidth(c, std::min(widths[static_cast<size_t>(c)], 260));
+}
+
+void CKELMADlg::refreshCoordinateGrid() {
+    m_coordinateModel->reload(m_rawDocument.modes().neOrder);
+    m_coordinateGrid->setColumnWidth(0, 90);
+    for (int c = 1; c < 4; ++c)
+        m_coordinateGrid->setColumnWidth(c, 130);
+}
+
+void CKELMADlg::applyCheckTable() {
+    for (const auto &[id, checked] : m_checks.entries())
+        for (QAction *a : actions(id))
+            a->setChecked(checked);
+}
+
+QList<QAction *> CKELMADlg::actions(int id) const {
+    QList<QAction *> found;
+    for (const auto &[actionId, action] : m_actions)
+        if (actionId == id)
+            found.push_back(action);
+    return found;
+}
+
+QTableView *CKELMADlg::activeGrid() const { return m_activeGrid ? m_activeGrid : m_rawGrid; }
+
+void CKELMADlg::selectRawCell(size_t row, size_t cellColumn) {
+    const QModelIndex index = m_rawModel->index(static_cast<int>(row), m_rawModel->gridColumn(row, cellColumn));
+    m_rawGrid->setCurrentIndex(index);
+    m_rawGrid->scrollTo(index);
+}
+
+bool CKELMADlg::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == m_client && event->type() == QEvent::Resize)
+        layoutGrids();
+    else if (event->type() == QEvent::FocusIn && (watched == m_rawGrid || watched == m_coordinateGrid))
+        m_activeGrid = static_cast<QTableView *>(watched);
+    return QMainWindow::eventFilter(watched, event);
+}
+
+// --- the end -------------------------------------------------------------------
+
+bool CKELMADlg::exitProgram() {
+    if (m_closed)
+        return true;
+    if (!confirmRawSave() || !confirmCoordinateSave())
+        return false;
+    m_rawDocument.setModified(false);
+    m_coordinateModified = false;
+    m_workingFile->close();
+    const raw::DisplayModes &modes = m_rawDocument.modes();
+    m_settings.angDisplayMode = modes.angle;
+    m_settings.neOrder = modes.neOrder;
+    m_settings.tmpdir = withSeparator(m_folders.working);
+    writeSettingsFile(m_folders.settings / kSettingsFileName, m_settings); // a failure is no reason to stay
+    m_closed = true;
     return true;
 }
 
-void CKELMADlg::updateTitle() {
-    setWindowTitle(QStringLiteral("%1 - [RW5: %2] - [CRD: %3]")
-                       .arg(QString::fromUtf8(tramline::tr("Halvren Tramline")),
-                            QString::fromStdString(m_rawDocument.fileName()), m_coordinateFileName));
+void CKELMADlg::closeEvent(QCloseEvent *event) {
+    if (exitProgram())
+        event->accept();
+    else
+        event->ignore();
 }
 
 } // namespace tramline::app

@@ -1,43 +1,193 @@
-// The main window: the raw data grid above the coordinate grid.
+// The main window: the raw data grid (control id 110) above the coordinate
+// grid (111), the main menu, and the command switch that every menu entry
+// goes through. It owns the open raw document and the working coordinate
+// file "tramlinetmp.crd" that the coordinate grid edits; opening and saving
+// a coordinate file copies between that working copy and the user's file.
 #pragma once
 
+#include "app/menu_table.h"
+#include "app/report_windows.h"
+#include "app/shell_folders.h"
+#include "app/shell_settings.h"
 #include "raw/document.h"
+#include "reduce/process_options.h"
 
-#include <QWidget>
+#include <QMainWindow>
+#include <QPointer>
+#include <filesystem>
+#include <memory>
 
+class QAction;
+class QPrinter;
 class QTableView;
+
+namespace tramline {
+class Interaction;
+namespace crd {
+class CoordinateFile;
+}
+} // namespace tramline
 
 namespace tramline::app {
 
+class CoordinateGridModel;
+class QtInteraction;
 class RawGridModel;
+class ShellPrompts;
 
-class CKELMADlg : public QWidget {
+/// What start-up needs from outside: the executable's path, the user's
+/// folders, the command line, and who answers questions.
+struct ShellOptions {
+    std::string modulePath;                      ///< the executable's path
+    std::filesystem::path applicationDataFolder; ///< settings go under it
+    std::filesystem::path documentsFolder;       ///< the default working folder goes under it
+    std::string commandLine;                     ///< as one text
+    /// The user locale's language and country ("de", "DE"), for the
+    /// language of the system setting.
+    std::string systemLanguage, systemCountry;
+    Interaction *interaction = nullptr; ///< null: message boxes and dialogs
+    ShellPrompts *prompts = nullptr;    ///< null: file dialogs and forms
+};
+
+/// Where the two grids go in a client area of this size.
+struct GridGeometry {
+    QRect raw, coordinates;
+};
+
+class CKELMADlg : public QMainWindow {
     Q_OBJECT
 public:
-    /// Control ids of the two grids.
     static constexpr int kRawGridId = 110;
     static constexpr int kCoordinateGridId = 111;
 
-    explicit CKELMADlg(QWidget *parent = nullptr);
+    /// Runs the whole start-up: folders, settings and language, grids and
+    /// menus, the working coordinate file, the title, the command line.
+    explicit CKELMADlg(ShellOptions options, QWidget *parent = nullptr);
     ~CKELMADlg() override;
 
-    QTableView *rawGrid() const { return m_rawGrid; }
-    QTableView *coordinateGrid() const { return m_coordinateGrid; }
-    const raw::RawDocument &rawDocument() const { return m_rawDocument; }
+    /// The command switch: runs the feature of a command id; ids that no
+    /// feature has do nothing.
+    void dispatch(int id);
+    /// The exit path: the save questions, the working file closed, the
+    /// settings written. False when the user cancelled (nothing changed).
+    bool exitProgram();
+    /// True when start-up could not make the working coordinate file: the
+    /// program has said so and ends.
+    bool startupFailed() const { return m_startupFailed; }
 
-    /// Opens a raw file into the raw grid; shows the error message and
-    /// keeps the grid as it was when the file cannot be read.
-    bool openRawFile(const QString &path);
-
-    /// "Halvren Tramline - [RW5: %s] - [CRD: %s]"
+    bool openRawFile(const std::string &path);
+    bool openCoordinateFile(const std::string &path);
     void updateTitle();
 
+    static GridGeometry gridGeometry(QSize client);
+
+    // --- state, for the tests and the shell's parts --------------------
+    QTableView *rawGrid() const { return m_rawGrid; }
+    QTableView *coordinateGrid() const { return m_coordinateGrid; }
+    RawGridModel *rawModel() const { return m_rawModel; }
+    CoordinateGridModel *coordinateModel() const { return m_coordinateModel; }
+    QWidget *clientArea() const { return m_client; }
+    const raw::RawDocument &rawDocument() const { return m_rawDocument; }
+    crd::CoordinateFile &workingFile() const { return *m_workingFile; }
+    std::filesystem::path workingCoordinatePath() const { return m_workingCrdPath; }
+    const ShellFolders &folders() const { return m_folders; }
+    const ShellSettings &settings() const { return m_settings; }
+    const MenuCheckTable &checkTable() const { return m_checks; }
+    const std::string &coordinateFileName() const { return m_coordinateFileName; }
+    bool coordinateModified() const { return m_coordinateModified; }
+    /// The menu entries of a command id (two for 32841).
+    QList<QAction *> actions(int id) const;
+    ProcessResultsWindow *processResultsWindow() const { return m_results; }
+    TextWindow *textWindow() const { return m_textWindow; }
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    Interaction &ui() const { return *m_ui; }
+    ShellPrompts &prompts() const { return *m_prompts; }
+
+    // start-up
+    void setUpFolders(const ShellOptions &options);
+    void readSettings(const ShellOptions &options);
+    void createGrids();
+    void createMenus();
+    bool createWorkingFile();
+    void processCommandLine(const std::string &commandLine);
+
+    // grids
+    void layoutGrids();
+    void refreshRawGrid();
+    void fitRawColumns();
+    void refreshCoordinateGrid();
+    void applyCheckTable();
+    QTableView *activeGrid() const;
+    void selectRawCell(size_t row, size_t cellColumn);
+
+    // commands (commands.cpp)
+    void notAvailable(int id);
+    bool confirmRawSave();
+    bool confirmCoordinateSave();
+    void newRawFile();
+    void openRawFileCommand();
+    bool saveRawFile();
+    bool saveRawFileAs();
+    void newCoordinateFile();
+    void openCoordinateFileCommand();
+    bool saveCoordinateFile();
+    bool saveCoordinateFileAs();
+    bool copyWorkingFileTo(const std::filesystem::path &target);
+    void settingsCommand();
+    void printRawData();
+    void printCoordinates();
+    void showText(const QString &title, const QString &text);
+    void printerSettings();
+    void findCommand(bool rawGrid);
+    void replaceCommand(bool rawGrid);
+    void copySelection(bool cut);
+    void paste();
+    void deleteRow();
+    void modifyMeasurements();
+    void addRawRow(const std::string &type);
+    void insertRowNearCurrent(bool above);
+    void addPointToCoordinateFile();
+    void displayCommand(int id);
+    void processCommand(reduce::AdjustMethod method);
+    void processSettings();
+    void importRawData(bool tds);
+    void startCompanion(const char *name);
+    void about();
+
+    std::unique_ptr<QtInteraction> m_ownUi;
+    Interaction *m_ui = nullptr;
+    std::unique_ptr<Interaction> m_storeMessages; ///< the working file's, muted while it is made
+    ShellPrompts *m_prompts = nullptr;
+
+    ShellFolders m_folders;
+    ShellSettings m_settings;
     raw::RawDocument m_rawDocument;
-    RawGridModel *m_rawModel;
-    QTableView *m_rawGrid;
-    QTableView *m_coordinateGrid;
-    QString m_coordinateFileName = QStringLiteral("NONE");
+    std::unique_ptr<crd::CoordinateFile> m_workingFile;
+    std::filesystem::path m_workingCrdPath;
+    std::string m_coordinateFileName = "NONE";
+    bool m_coordinateModified = false;
+    MenuCheckTable m_checks;
+    reduce::ProcessOptions m_processOptions;
+    std::string m_lastFind, m_lastReplace;
+
+    QWidget *m_client = nullptr;
+    QTableView *m_rawGrid = nullptr;
+    QTableView *m_coordinateGrid = nullptr;
+    RawGridModel *m_rawModel = nullptr;
+    CoordinateGridModel *m_coordinateModel = nullptr;
+    QTableView *m_activeGrid = nullptr;
+    std::vector<std::pair<int, QAction *>> m_actions;
+    std::unique_ptr<QPrinter> m_printer;
+    QPointer<ProcessResultsWindow> m_results;
+    QPointer<TextWindow> m_textWindow;
+
+    bool m_startupFailed = false;
+    bool m_closed = false;
 };
 
 } // namespace tramline::app

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <clocale>
+#include <cstring>
 #include <libintl.h>
 
 namespace tramline {
@@ -25,6 +27,12 @@ bool setTranslationLanguage(const std::string &catalogueFolder, const std::strin
     // gettext picks the catalogue from LANGUAGE, which outranks the locale;
     // the program chooses the language itself, so it sets LANGUAGE.
     setenv("LANGUAGE", languageCode.c_str(), 1);
+    // gettext ignores LANGUAGE under the "C" locale, which is what a
+    // machine without the user's locale installed falls back to; C.UTF-8
+    // keeps every other behaviour of "C" and lets the catalogue speak.
+    const char *messages = std::setlocale(LC_MESSAGES, nullptr);
+    if (messages == nullptr || std::strcmp(messages, "C") == 0 || std::strcmp(messages, "POSIX") == 0)
+        std::setlocale(LC_MESSAGES, "C.UTF-8");
     bindtextdomain(kTextDomain, catalogueFolder.c_str());
     bind_textdomain_codeset(kTextDomain, "UTF-8");
     g_bound = true;

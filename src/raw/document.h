@@ -120,8 +120,32 @@ public:
 
     const DisplayModes &modes() const { return m_modes; }
     /// Sets the modes used when rows are filled and written. Existing rows
-    /// are not converted.
+    /// are not converted (the change... functions below do that).
     void setModes(const DisplayModes &modes) { m_modes = modes; }
+
+    // --- display commands (display_conversion.cpp) ----------------------
+    // Each rewrites the affected cells of every row in place, from the old
+    // form to the new, and returns how many cells it rewrote. A corrupt
+    // vertical mode (outside 1 to 4) is read as zenith and reset to it.
+    // The modified flag is left alone: the values mean what they meant.
+
+    /// New vertical mode: 1 vertical angle, 2 zenith angle, 3 elevation
+    /// difference, 4 none (shown as vertical angles, the grid hides them);
+    /// any other value means zenith.
+    int changeVerticalMode(int mode);
+    /// New distance mode: 1 slope, 2 horizontal.
+    int changeDistanceMode(int mode);
+    /// New angle mode (`ang_display_mode`): 1 ddd.mmss, 0 gons. The cells
+    /// then hold angles in that unit, and the mode record (or a "--UNITS
+    /// GONS" note when there is none) says so, so that the saved file
+    /// stays true.
+    int changeAngleMode(int angleMode);
+    /// New coordinate order (`ne_order`): 0 northing first, 1 easting first.
+    /// Nothing is rewritten; grids show the order when next filled.
+    void setCoordinateOrder(int neOrder) { m_modes.neOrder = neOrder; }
+
+    /// The rows read back as records, as processing and exports take them.
+    bool records(RawFile &file) const;
 
     // --- edit commands --------------------------------------------------
     /// Adds `delta` to the field of every selected observation row and
@@ -153,6 +177,8 @@ public:
 
 private:
     RawRow rowFromNode(const RawNode &node) const;
+    void resetCorruptVerticalMode();
+    void markAngleUnit(AngleUnit unit);
     std::vector<RawRow> rowsFromFile(const RawFile &file, bool tds) const;
 
     std::vector<RawRow> m_rows;

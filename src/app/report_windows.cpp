@@ -1,0 +1,81 @@
+#include "app/report_windows.h"
+
+#include "app/qt_text.h"
+
+#include <QDialogButtonBox>
+#include <QFontDatabase>
+#include <QPlainTextEdit>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+#include <functional>
+
+namespace tramline::app {
+
+namespace {
+
+// Reports are laid out in columns: they need a fixed-width font and no
+// wrapping.
+QPlainTextEdit *reportView(const QString &text, QWidget *parent) {
+    auto *view = new QPlainTextEdit(parent);
+    view->setReadOnly(true);
+    view->setLineWrapMode(QPlainTextEdit::NoWrap);
+    view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    view->setPlainText(text);
+    return view;
+}
+
+// Print and Close; `current` gives the text to print when Print is pressed.
+QDialogButtonBox *buttonRow(QDialog *dialog, QPrinter *printer, std::function<QPlainTextEdit *()> current) {
+    auto *buttons = new QDialogButtonBox(dialog);
+    QPushButton *print = buttons->addButton(qtr("Print"), QDialogButtonBox::ActionRole);
+    QObject::connect(print, &QPushButton::clicked, dialog, [dialog, printer, current] {
+        QPrintDialog ask(printer, dialog);
+        if (ask.exec() == QDialog::Accepted)
+            current()->print(printer);
+    });
+    QPushButton *close = buttons->addButton(qtr("Close"), QDialogButtonBox::RejectRole);
+    QObject::connect(close, &QPushButton::clicked, dialog, &QDialog::reject);
+    return buttons;
+}
+
+} // namespace
+
+TextWindow::TextWindow(const QString &title, const QString &text, QPrinter *printer, QWidget *parent)
+    : QDialog(parent) {
+    setWindowTitle(title);
+    setAttribute(Qt::WA_DeleteOnClose);
+    auto *layout = new QVBoxLayout(this);
+    m_text = reportView(text, this);
+    layout->addWidget(m_text);
+    layout->addWidget(buttonRow(this, printer, [this] { return m_text; }));
+    resize(760, 520);
+}
+
+QString TextWindow::text() const { return m_text->toPlainText(); }
+
+ProcessResultsWindow::ProcessResultsWindow(const Report &report, QPrinter *printer, QWidget *parent)
+    : QDialog(parent) {
+    setObjectName(QStringLiteral("Process Results"));
+    setWindowTitle(report.title().empty() ? qtr("Process Results") : qstr(report.title()));
+    setAttribute(Qt::WA_DeleteOnClose);
+    auto *layout = new QVBoxLayout(this);
+    m_tabs = new QTabWidget(this);
+    for (const auto &tab : report.tabs())
+        m_tabs->addTab(reportView(qstr(tab.text), m_tabs), qstr(tab.title));
+    layout->addWidget(m_tabs);
+    layout->addWidget(buttonRow(this, printer, [this] { return static_cast<QPlainTextEdit *>(m_tabs->currentWidget()); }));
+    resize(820, 600);
+}
+
+QString ProcessResultsWindow::tabText(const QString &title) const {
+    for (int i = 0; i < m_tabs->count(); ++i)
+        if (m_tabs->tabText(i) == title)
+            return static_cast<QPlainTextEdit *>(m_tabs->widget(i))->toPlainText();
+    return {};
+}
+
+} // namespace tramline::app

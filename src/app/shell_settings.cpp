@@ -1,0 +1,71 @@
+#include "app/shell_settings.h"
+
+#include "base/atomic_save.h"
+#include "base/format.h"
+#include "base/line_reader.h"
+
+#include <charconv>
+#include <fstream>
+
+namespace tramline::app {
+
+namespace {
+
+// Decimal, as atoi reads it (leading blanks, then digits), but a value
+// without digits leaves the setting alone rather than making it 0.
+bool parseInteger(std::string_view text, int &value) {
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
+        text.remove_prefix(1);
+    if (!text.empty() && text.front() == '+')
+        text.remove_prefix(1);
+    int parsed = 0;
+    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), parsed, 10);
+    if (ec != std::errc() || end == text.data())
+        return false;
+    value = parsed;
+    return true;
+}
+
+} // namespace
+
+void applySettingsLine(std::string_view line, ShellSettings &settings) {
+    const size_t eq = line.find('=');
+    if (eq == std::string_view::npos || eq + 1 >= line.size())
+        return;
+    const std::string_view key = line.substr(0, eq);
+    const std::string_view value = line.substr(eq + 1);
+    if (key == "tmpdir")
+        settings.tmpdir.assign(value);
+    else if (key == "ang_display_mode")
+        parseInteger(value, settings.angDisplayMode);
+    else if (key == "ne_order")
+        parseInteger(value, settings.neOrder);
+    else if (key == "lang_mode")
+        parseInteger(value, settings.langMode);
+}
+
+bool readSettingsFile(const std::filesystem::path &path, ShellSettings &settings) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in)
+        return false;
+    LineReader reader(in, 222);
+    std::string line;
+    while (reader.next(line))
+        applySettingsLine(line, settings);
+    return true;
+}
+
+std::string settingsText(const ShellSettings &settings) {
+    std::string out;
+    appendFormat(out, "tmpdir=%s\n", settings.tmpdir.c_str());
+    appendFormat(out, "ang_display_mode=%d\n", settings.angDisplayMode);
+    appendFormat(out, "ne_order=%d\n", settings.neOrder);
+    appendFormat(out, "lang_mode=%d\n", settings.langMode);
+    return out;
+}
+
+bool writeSettingsFile(const std::filesystem::path &path, const ShellSettings &settings) {
+    return saveTextAtomically(path, settingsText(settings));
+}
+
+} // namespace tramline::app

@@ -1,0 +1,228 @@
+// The shell's parts that need no window: the settings file, the program
+// folder, the command line, the language choice and the menu table.
+#include "../support/test_support.h"
+#include "app/command_line.h"
+#include "app/language.h"
+#include "app/menu_table.h"
+#include "app/shell_folders.h"
+#include "app/shell_settings.h"
+
+#include <gtest/gtest.h>
+
+using namespace tramline;
+using namespace tramline::app;
+namespace fs = std::filesystem;
+
+namespace {
+
+using SettingsFileTest = tramline::test::ScratchFolderTest;
+
+TEST(ShellSettings, Lines) {
+    struct Case {
+        const char *line;
+        int ang, ne, lang;
+        const char *tmpdir;
+    };
+    const Case cases[] = {
+        {"ne_order=1", 1, 1, 0, ""},
+        {"ang_display_mode=0", 0, 0, 0, ""},
+        {"lang_mode=1", 1, 0, 1, ""},
+        {"tmpdir=/jobs/tmp/", 1, 0, 0, "/jobs/tmp/"},
+        {"tmpdir=/a=b/", 1, 0, 0, "/a=b/"},       // split at the first "="
+        {"ne_order=", 1, 0, 0, ""},               // no value
+        {"ne_order", 1, 0, 0, ""},                // no "="
+        {"NE_ORDER=1", 1, 0, 0, ""},              // keys compare exactly
+        {" ne_order=1", 1, 0, 0, ""},
+        {"colour=blue", 1, 0, 0, ""},             // unknown key
+        {"ne_order=x", 1, 0, 0, ""},              // no number: left alone
+        {"ne_order= 1", 1, 1, 0, ""},             // decimal as atoi reads it
+        {"lang_mode=1junk", 1, 0, 1, ""},
+        {"ang_display_mode=99999999999999", 1, 0, 0, ""}, // out of range
+    };
+    for (const auto &c : cases) {
+        ShellSettings s;
+        applySettingsLine(c.line, s);
+        EXPECT_EQ(s.angDisplayMode, c.ang) << c.line;
+        EXPECT_EQ(s.neOrder, c.ne) << c.line;
+        EXPECT_EQ(s.langMode, c.lang) << c.line;
+        EXPECT_EQ(s.tmpdir, c.tmpdir) << c.line;
+    }
+}
+
+TEST_F(SettingsFileTest, WrittenInItsOrderAndReadBack) {
+    ShellSettings s;
+    s.tmpdir = "/jobs/tmp/";
+    s.angDisplayMode = 0;
+    s.neOrder = 1;
+    s.langMode = 1;
+    const auto path = dir / "tramline.ini";
+    ASSERT_TRUE(writeSettingsFile(path, s));
+    EXPECT_EQ(tramline::test::slurp(path), "tmpdir=/jobs/tmp/\nang_display_mode=0\nne_order=1\nlang_mode=1\n");
+    ShellSettings back;
+    ASSERT_TRUE(readSettingsFile(path, back));
+    EXPECT_EQ(back.tmpdir, s.tmpdir);
+    EXPECT_EQ(back.angDisplayMode, 0);
+    EXPECT_EQ(back.neOrder, 1);
+    EXPECT_EQ(back.langMode, 1);
+    EXPECT_FALSE(writeSettingsFile(dir / "missing" / "tramline.ini", s));
+}
+
+// A line longer than the 222-character buffer is read in pieces, each piece
+// a line: a key at the start of a later piece counts.
+TEST_F(SettingsFileTest, OverlongLinesAndGarbage) {
+    std::string garbage(5000, 'x');
+    std::string binary;
+    for (int i = 0; i < 4096; ++i)
+        binary.push_back(static_cast<char>((i * 37) & 0xff));
+    const std::string piece(221, 'y');
+    const auto path = write("tramline.ini", garbage + "\n" + binary + "\nne_order=1\r\n" + piece + "lang_mode=1\n" +
+                                                "ang_display_mode=" + std::string(4000, '0') + "\n");
+    ShellSettings s;
+    ASSERT_TRUE(readSettingsFile(path, s));
+    EXPECT_EQ(s.neOrder, 1);
+    EXPECT_EQ(s.langMode, 1);
+    EXPECT_EQ(s.angDisplayMode, 0); // the first piece: 204 zeros
+    ShellSettings untouched;
+    EXPECT_FALSE(readSettingsFile(dir / "none.ini", untouched));
+    EXPECT_EQ(untouched.angDisplayMode, 1);
+}
+
+TEST_F(SettingsFileTest, ProgramFolder) {
+    fs::create_directories(dir / "bin");
+    const std::string bin = (dir / "bin").string();
+    struct Case {
+        std::string module, exe, folder;
+    };
+    const Case cases[] = {
+        {"/opt/halvren/tramline", "tramline", "/opt/halvren/"},
+        // The name counts only as the last part of the path.
+        {"/home/tramline/build/tramline", "tramline", "/home/tramline/build/"},
+        // Renamed: the executable's own folder.
+        {"/opt/halvren/tramline-old", "tramline", "/opt/halvren/"},
+        {"/opt/halvren/mytramline", "tramline", "/opt/halvren/"},
+        // A folder gets its separator.
+        {bin, "tramline", bin + "/"},
+        {bin + "/", "tramline", bin + "/"},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(programFolder(c.module, c.exe), c.folder) << c.module;
+}
+
+TEST(ShellFolders, UnderTheUsersFolders) {
+    const ShellFolders f = shellFolders("/opt/h/tramline", "/home/u/.config", "/home/u/Documents");
+    EXPECT_EQ(f.program, "/opt/h/");
+    EXPECT_EQ(f.settings, "/home/u/.config/Halvren Software/Halvren Tramline/");
+    EXPECT_EQ(f.working, "/home/u/Documents/Halvren Tramline/");
+}
+
+TEST(CommandLine, Forms) {
+    struct Case {
+        const char *line, *raw, *crd;
+    };
+    const Case cases[] = {
+        {"", "", ""},
+        {"job.rw5", "job.rw5", ""},
+        {"JOB.RW5", "JOB.RW5", ""},
+        {"\"/home/u/my jobs/job.rw5\"", "/home/u/my jobs/job.rw5", ""},
+        {"job.crd", "", "job.crd"},
+        {"job.rw5 job.crd", "job.rw5", "job.crd"},
+        {"\"job.rw5 job.crd\"", "job.rw5", "job.crd"},
+        {"\"a b.rw5\" \"c d.crd\"", "a b.rw5", "c d.crd"},
+        {"job.crd job.rw5", "job.rw5", "job.crd"},
+        {"site.crdb", "", "site.crdb"},
+        {"site.cgc", "", "site.cgc"},
+        {"site.mdb", "", "site.mdb"},
+        {"site.zak", "", "site.zak"},
+        {"job.rw5x", "", ""},           // no extension at the end of a name
+        {"job.rw5 ", "job.rw5", ""},    // one character after: no further name
+        {"notes.txt", "", ""},
+        {"a.rw5 b.rw5", "a.rw5", ""},   // one raw file only
+    };
+    for (const auto &c : cases) {
+        const CommandLineFiles files = parseCommandLine(c.line);
+        EXPECT_EQ(files.rawFile, c.raw) << c.line;
+        EXPECT_EQ(files.coordinateFile, c.crd) << c.line;
+    }
+    EXPECT_EQ(joinArguments({"/home/u/my jobs/job.rw5", "x.crd"}), "/home/u/my jobs/job.rw5 x.crd");
+}
+
+TEST(Language, Choice) {
+    struct Case {
+        const char *requested;
+        std::optional<std::string> language, lang;
+        const char *systemLanguage, *systemCountry;
+        const char *full, *shortCode;
+    };
+    const Case cases[] = {
+        {"win", std::nullopt, "de_DE", "en", "US", "de_DE", "de"},
+        {"win", "fr_CA", "de_DE", "en", "US", "fr_CA", "fr"},     // LANGUAGE outranks LANG
+        {"win", "0", "de_DE", "en", "US", "de_DE", "de"},         // a numeric LANGUAGE is ignored
+        {"win", "0", "1", "de", "AT", "de_AT", "de"},             // both numeric: the system locale
+        {"win", std::nullopt, "en_US", "de", "DE", "en", "en"},
+        {"win", std::nullopt, "de_DE.UTF-8", "en", "US", "de_DE", "de"},
+        {"win", "de:en", std::nullopt, "en", "US", "de", "de"},
+        {"win", std::nullopt, "C.UTF-8", "de", "DE", "en", "en"},
+        {"win", std::nullopt, std::nullopt, "en", "US", "en", "en"}, // English (United States): nothing to load
+        {"win", std::nullopt, std::nullopt, "de", "DE", "de", "de"}, // language and country alike
+        {"win", std::nullopt, std::nullopt, "de", "CH", "de_CH", "de"},
+        {"win", std::nullopt, std::nullopt, "en", "GB", "en", "en"},
+        {"en", std::nullopt, "de_DE", "de", "DE", "en", "en"},
+        {"EN", std::nullopt, "de_DE", "de", "DE", "en", "en"},
+        {"de", std::nullopt, std::nullopt, "de", "DE", "de", "de"},   // accepted: the system's language
+        {"fr", std::nullopt, std::nullopt, "de", "DE", "en", "en"},   // not the system's: English
+    };
+    for (const auto &c : cases) {
+        LanguageEnvironment e;
+        e.language = c.language;
+        e.lang = c.lang;
+        e.systemLanguage = c.systemLanguage;
+        e.systemCountry = c.systemCountry;
+        const LanguageCode code = chooseLanguage(c.requested, e);
+        EXPECT_EQ(code.full, c.full) << c.requested << " " << c.lang.value_or("-");
+        EXPECT_EQ(code.shortCode, c.shortCode) << c.requested << " " << c.lang.value_or("-");
+    }
+}
+
+TEST_F(SettingsFileTest, StartupFileSuppliesTheCode) {
+    LanguageEnvironment e;
+    e.lang = "de_DE";
+    e.startupFile = write("morvstart.ini", "[other]\nlang_code=fr\n[morvstart]\n lang_code = de \n");
+    EXPECT_EQ(startupLanguageCode(e.startupFile), "de");
+    EXPECT_EQ(chooseLanguage("", e).full, "de_DE");
+    write("morvstart.ini", "[morvstart]\nlang_code=en\n");
+    EXPECT_EQ(chooseLanguage("", e).full, "en");
+    EXPECT_EQ(startupLanguageCode(dir / "missing.ini"), "en");
+}
+
+TEST_F(SettingsFileTest, CatalogueSearchAndWarnings) {
+    LanguageCode code;
+    code.full = "xx_YY";
+    code.shortCode = "xx";
+    const auto warnings = startTranslation(dir / "LANG", code);
+    ASSERT_EQ(warnings.size(), 1u);
+    // The path tried last, the short code's.
+    EXPECT_EQ(warnings[0], "\nWarning: Missing translation file " + cataloguePath(dir / "LANG", "xx").string());
+    EXPECT_TRUE(startTranslation(dir / "LANG", LanguageCode{}).empty());
+}
+
+TEST(MenuTable, CheckGroupsActAsRadioItems) {
+    MenuCheckTable table;
+    EXPECT_EQ(table.entries().size(), 10u);
+    table.choose(32);
+    table.choose(35);
+    table.choose(32850);
+    table.choose(32862);
+    table.choose(33);
+    EXPECT_TRUE(table.checked(33));
+    EXPECT_FALSE(table.checked(32));
+    EXPECT_TRUE(table.checked(35));   // other groups keep theirs
+    EXPECT_TRUE(table.checked(32850));
+    table.choose(32863);
+    EXPECT_FALSE(table.checked(32862));
+    EXPECT_TRUE(table.checked(32863));
+    table.choose(201);                // not a display command
+    EXPECT_TRUE(table.checked(33));
+    EXPECT_FALSE(table.checked(201));
+}
+
+} // namespace

@@ -1,0 +1,179 @@
+#include "raw/document.h"
+#include "../support/test_support.h"
+
+#include <gtest/gtest.h>
+
+using namespace tramline;
+using namespace tramline::raw;
+
+namespace {
+
+class DisplayModesTest : public tramline::test::ScratchFolderTest {
+protected:
+    RawDocument openText(const std::string &text, DisplayModes modes = {}) {
+        RawDocument doc;
+        doc.setModes(modes);
+        EXPECT_TRUE(doc.open(write("in.rw5", text), ui));
+        return doc;
+    }
+    static std::string vertical(const RawDocument &doc, size_t row = 0) { return doc.row(row).cells[kVerticalCell]; }
+    static std::string distance(const RawDocument &doc, size_t row = 0) { return doc.row(row).cells[kDistanceCell]; }
+
+    ScriptedInteraction ui;
+};
+
+// One shot (zenith 87 degrees, slope 100) walked through every pair of
+// vertical modes, in both distance modes: each value is what the relations
+// give from the one before.
+TEST_F(DisplayModesTest, VerticalModeChanges) {
+    struct Case {
+        int distanceMode, from, to;
+        const char *before, *after, *caption;
+    };
+    const Case cases[] = {
+        {1, 2, 1, "87.0000", "3.0000", "VertAng"},
+        {1, 1, 2, "3.0000", "87.0000", "ZenithAng"},
+        {1, 2, 3, "87.0000", "5.2336", "ElevDiff"},
+        {1, 3, 2, "5.2336", "87.0000", "ZenithAng"},
+        {1, 3, 1, "5.2336", "3.0000", "VertAng"},
+        {1, 2, 4, "87.0000", "3.0000", "VertAng"},
+        {1, 4, 2, "3.0000", "87.0000", "ZenithAng"},
+        // With horizontal distances the elevation difference is h * tan(va).
+        {2, 2, 3, "87.0000", "5.2336", "ElevDiff"},
+        {2, 3, 1, "5.2336", "3.0000", "VertAng"},
+        // A shot below the horizon.
+        {1, 1, 3, "-3.0000", "-5.2336", "ElevDiff"},
+    };
+    for (const auto &c : cases) {
+        DisplayModes modes;
+        modes.distance = c.distanceMode;
+        RawDocument doc = openText("SS,OP1,FP2,AR10.0000,ZE87.0000,SD100.000,--\n", modes);
+        doc.changeVerticalMode(c.from);
+        // Set the starting value exactly, so each row tests one conversion.
+        doc.setCell(0, 1 + kVerticalCell, c.before);
+        if (c.distanceMode == 2)
+            doc.setCell(0, 1 + kDistanceCell, "99.863");
+        doc.setModified(false);
+        EXPECT_EQ(doc.changeVerticalMode(c.to), 1);
+        EXPECT_EQ(vertical(doc), c.after) << c.from << "->" << c.to << " distance mode " << c.distanceMode;
+        EXPECT_EQ(doc.captions("SS")[kVerticalCell], c.caption);
+        EXPECT_EQ(doc.modes().vertical, c.to);
+        EXPECT_FALSE(doc.modified());
+    }
+}
+
+TEST_F(DisplayModesTest, NoneThenZenithShowsZenithAgain) {
+    RawDocument doc = openText("SS,OP1,FP2,AR10.0000,ZE90.0027,SD85.824,--\n");
+    doc.changeVerticalMode(4);
+    EXPECT_EQ(vertical(doc), "-0.0027");
+    doc.changeVerticalMode(2);
+    EXPECT_EQ(vertical(doc), "90.0027");
+    EXPECT_EQ(doc.text(), "SS,OP1,FP2,AR10.0000,ZE90.0027,SD85.824,--\n");
+}
+
+// A corrupt vertical mode acts as zenith and is reset by any display command.
+TEST_F(DisplayModesTest, CorruptVerticalModeActsAsZenith) {
+    for (int corrupt : {0, 5, -1}) {
+        RawDocument doc = openText("SS,OP1,FP2,AR10.0000,ZE87.0000,SD100.000,--\n");
+        DisplayModes modes = doc.modes();
+        modes.vertical = corrupt;
+        doc.setModes(modes);
+        doc.changeVerticalMode(1);
+        EXPECT_EQ(vertical(doc), "3.0000") << corrupt;
+
+        doc.setModes(modes);
+        doc.changeDistanceMode(1);
+        EXPECT_EQ(doc.modes().vertical, 2) << corrupt;
+        doc.setModes(modes);
+        doc.changeVerticalMode(corrupt); // a corrupt target means zenith
+        EXPECT_EQ(doc.modes().vertical, 2) << corrupt;
+    }
+}
+
+TEST_F(DisplayModesTest, DistanceModeChanges) {
+    struct Case {
+        int vertical;
+        const char *line, *horizontal, *slope;
+    };
+    const Case cases[] = {
+        {2, "SS,OP1,FP2,AR10.0000,ZE87.0000,SD100.000,--", "99.863", "100.000"},
+        {1, "SS,OP1,FP2,AR10.0000,ZE93.0000,SD100.000,--", "99.863", "100.000"},
+        {3, "SS,OP1,FP2,AR10.0000,ZE87.0000,SD100.000,--", "99.863", "100.000"},
+        // Face-two zenith angles give a positive horizontal distance.
+        {2, "SS,OP1,FP2,AR10.0000,ZE273.0000,SD100.000,--", "99.863", "100.000"},
+        // No vertical value: the distance is taken as level.
+        {2, "SS,OP1,FP2,AR10.0000,ZE,SD100.000,--", "100.000", "100.000"},
+    };
+    for (const auto &c : cases) {
+        DisplayModes modes;
+        modes.vertical = c.vertical;
+        RawDocument doc = openText(std::string(c.line) + "\n", modes);
+        const std::string verticalBefore = vertical(doc);
+        EXPECT_EQ(doc.changeDistanceMode(2), 1) << c.line;
+        EXPECT_EQ(distance(doc), c.horizontal) << c.line;
+        EXPECT_EQ(doc.captions("SS")[kDistanceCell], "HorzDist");
+        doc.changeDistanceMode(1);
+        EXPECT_EQ(distance(doc), c.slope) << c.line;
+        EXPECT_EQ(doc.captions("SS")[kDistanceCell], "SlopeDist");
+        EXPECT_EQ(vertical(doc), verticalBefore) << c.line;
+    }
+}
+
+// A row read with a horizontal distance keeps a correct slope distance:
+// 86.603 / cos 30 degrees is 100.0005.
+TEST_F(DisplayModesTest, HorizontalDistanceRowGivesTheRightSlope) {
+    DisplayModes modes;
+    modes.distance = 2;
+    RawDocument doc = openText("SS,OP1,FP2,AR10.0000,VA30.0000,HD86.603,--\n", modes);
+    EXPECT_EQ(distance(doc), "86.603");
+    doc.changeDistanceMode(1);
+    EXPECT_EQ(distance(doc), "100.001");
+    EXPECT_EQ(doc.text(), "SS,OP1,FP2,AR10.0000,ZE60.0000,SD100.001,--\n");
+}
+
+TEST_F(DisplayModesTest, AngleModeConvertsEveryAngleCell) {
+    const std::string text = "MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\n"
+                             "BK,OP1,BP2,BS90.0000,BC180.0000\n"
+                             "AZ,OP1,FP2,BS45.0000\n"
+                             "SS,OP1,FP101,AR345.4539,ZE90.0000,SD85.824,--\n"
+                             "TR,OP1,FP2,BRN45.3000E,ZE89.2452,SD453.567,--\n";
+    RawDocument doc = openText(text);
+    EXPECT_EQ(doc.changeAngleMode(0), 7);
+    EXPECT_EQ(doc.text(), "MO,AD0,UN1,SF1.00000000,EC0,EO0,AU1\n"
+                          "BK,OP1,BP2,BS100.0000,BC200.0000\n"
+                          "AZ,OP1,FP2,BS50.0000\n"
+                          "SS,OP1,FP101,AR384.1787,ZE100.0000,SD85.824,--\n"
+                          "TR,OP1,FP2,BRN50.5556E,ZE99.3494,SD453.567,--\n");
+    EXPECT_EQ(doc.angleUnit(), AngleUnit::Gons);
+    EXPECT_EQ(doc.changeAngleMode(0), 0); // already gons
+    EXPECT_EQ(doc.changeAngleMode(1), 7);
+    EXPECT_EQ(doc.text(), text);
+}
+
+// The saved file must say which unit its angles are in, so that it reads
+// back the same; a file without a mode record gets a units note.
+TEST_F(DisplayModesTest, AngleUnitIsDeclaredInTheFile) {
+    RawDocument doc = openText("SS,OP1,FP2,AR90.0000,ZE90.0000,SD10.000,--\n");
+    doc.changeAngleMode(0);
+    EXPECT_EQ(doc.text(), "--UNITS GONS\nSS,OP1,FP2,AR100.0000,ZE100.0000,SD10.000,--\n");
+    RawFile records;
+    ASSERT_TRUE(doc.records(records));
+    EXPECT_EQ(records.units.angle, AngleUnit::Gons);
+    EXPECT_NEAR(records.nodes[1].observation.verticalAngle, 0.0, 1e-9);
+    doc.changeAngleMode(1);
+    EXPECT_EQ(doc.text(), "SS,OP1,FP2,AR90.0000,ZE90.0000,SD10.000,--\n");
+}
+
+// Elevation differences are lengths: a change of angle unit leaves them.
+TEST_F(DisplayModesTest, AngleModeLeavesElevationDifferences) {
+    DisplayModes modes;
+    modes.vertical = 3;
+    RawDocument doc = openText("SS,OP1,FP2,AR90.0000,ZE87.0000,SD100.000,--\n", modes);
+    EXPECT_EQ(doc.changeAngleMode(0), 1);
+    ASSERT_EQ(doc.rowCount(), 2u); // the units note comes first
+    EXPECT_EQ(vertical(doc, 1), "5.2336");
+    doc.changeVerticalMode(2);
+    EXPECT_EQ(vertical(doc, 1), "96.6667");
+}
+
+} // namespace
