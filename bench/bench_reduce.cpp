@@ -50,7 +50,7 @@ void runJob(benchmark::State &state, int setups, int sideshots, reduce::AdjustMe
         reduce::ProcessOptions options;
         options.method = method;
         options.workingFolder = dir;
-        options.startPoint = std::string("1"); // GCC 12 -Wrestrict misfires on assigning the literal
+        options.startPoint = "1";
         options.endPoint = std::to_string(setups + 1);
         // The closing point: where the error-free traverse ends, a little off.
         options.closingPoint = {options.endPoint, std::nullopt, std::nullopt, std::nullopt};
