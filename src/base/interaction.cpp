@@ -2,6 +2,17 @@
 
 namespace tramline {
 
+void fillFieldsFrom(const std::string &answer, std::vector<FormField> &fields) {
+    size_t start = 0;
+    for (auto &field : fields) {
+        const size_t bar = answer.find('|', start);
+        field.value = answer.substr(start, bar == std::string::npos ? std::string::npos : bar - start);
+        if (bar == std::string::npos)
+            break;
+        start = bar + 1;
+    }
+}
+
 int ScriptedInteraction::choose(const std::string &title, const std::string &message,
                                 const std::vector<std::string> &buttons) {
     questions.push_back(title + ": " + message);
@@ -23,14 +34,7 @@ bool ScriptedInteraction::fillForm(const std::string &title, std::vector<FormFie
     m_replies.pop_front();
     if (answer == "<cancel>")
         return false;
-    size_t start = 0;
-    for (auto &field : fields) {
-        const size_t bar = answer.find('|', start);
-        field.value = answer.substr(start, bar == std::string::npos ? std::string::npos : bar - start);
-        if (bar == std::string::npos)
-            break;
-        start = bar + 1;
-    }
+    fillFieldsFrom(answer, fields);
     return true;
 }
 

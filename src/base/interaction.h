@@ -17,6 +17,11 @@ struct FormField {
     std::vector<std::string> choices;
 };
 
+/// Sets the fields' values from one text of values separated by '|', in
+/// field order; fields past the last value keep theirs. The scripted and
+/// command-line answers use this form.
+void fillFieldsFrom(const std::string &answer, std::vector<FormField> &fields);
+
 class Interaction {
 public:
     virtual ~Interaction() = default;

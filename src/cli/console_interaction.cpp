@@ -42,15 +42,7 @@ int ConsoleInteraction::choose(const std::string &title, const std::string &mess
 
 bool ConsoleInteraction::fillForm(const std::string &title, std::vector<FormField> &fields) {
     if (const auto it = answers.find(title); it != answers.end()) {
-        const std::string &answer = it->second;
-        size_t start = 0;
-        for (auto &field : fields) {
-            const size_t bar = answer.find('|', start);
-            field.value = answer.substr(start, bar == std::string::npos ? std::string::npos : bar - start);
-            if (bar == std::string::npos)
-                break;
-            start = bar + 1;
-        }
+        fillFieldsFrom(it->second, fields);
         return true;
     }
     if (prefilled.count(title))

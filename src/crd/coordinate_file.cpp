@@ -112,14 +112,14 @@ void CoordinateFile::say(const std::string &text) const {
         m_context.messages->message(text);
 }
 
-bool CoordinateFile::waitFor(int milliseconds) const {
-    if (m_context.wait)
-        return m_context.wait(milliseconds);
+bool CrdContext::waitFor(int milliseconds) const {
+    if (wait)
+        return wait(milliseconds);
     using namespace std::chrono;
     const auto deadline = steady_clock::now() + milliseconds * 1ms;
     while (steady_clock::now() < deadline) {
         std::this_thread::sleep_for(std::min<steady_clock::duration>(50ms, deadline - steady_clock::now()));
-        if (m_context.messages && !m_context.messages->idle())
+        if (messages && !messages->idle())
             return false;
     }
     return true;
@@ -140,7 +140,7 @@ bool CoordinateFile::probeWriteAccess(const std::filesystem::path &path) {
         if (result != FileOpenResult::Locked)
             break;
         say(tr(retry.message));
-        if (!waitFor(retry.milliseconds))
+        if (!m_context.waitFor(retry.milliseconds))
             break;
         result = FileStore::probeForUpdate(path);
     }

@@ -123,7 +123,6 @@ public:
 private:
     bool fail(int code);
     void say(const std::string &text) const;
-    bool waitFor(int milliseconds) const;
     bool probeWriteAccess(const std::filesystem::path &path);
     bool takeResult(bool ok);
     bool replaceWithFresh(const std::function<bool(const CrdPoint &)> &selected,

@@ -34,6 +34,9 @@ struct CrdContext {
     /// Waits this many milliseconds before a retry; false means the user
     /// cancelled. Empty: sleep, calling messages->idle() every 50 ms.
     std::function<bool(int milliseconds)> wait;
+
+    /// Waits before a retry as set above; false when the user cancelled.
+    bool waitFor(int milliseconds) const;
 };
 
 /// The three texts of a file's header.

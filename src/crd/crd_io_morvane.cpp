@@ -77,19 +77,6 @@ void CrdIOMorvane::say(bool quiet, const std::string &text) const {
         m_context.messages->message(text);
 }
 
-bool CrdIOMorvane::waitFor(int milliseconds) const {
-    if (m_context.wait)
-        return m_context.wait(milliseconds);
-    using namespace std::chrono;
-    const auto deadline = steady_clock::now() + milliseconds * 1ms;
-    while (steady_clock::now() < deadline) {
-        std::this_thread::sleep_for(std::min<steady_clock::duration>(50ms, deadline - steady_clock::now()));
-        if (m_context.messages && !m_context.messages->idle())
-            return false;
-    }
-    return true;
-}
-
 std::time_t CrdIOMorvane::now() const {
     return m_context.clock ? m_context.clock() : std::time(nullptr);
 }
@@ -118,7 +105,7 @@ bool CrdIOMorvane::open(const std::filesystem::path &path, CrdAccess access) {
         // Another writer may be about to let go: wait a little, then longer.
         file = FileStore::openForUpdate(path, result);
         for (const int wait : {500, 2500}) {
-            if (file || result != FileOpenResult::Locked || !waitFor(wait))
+            if (file || result != FileOpenResult::Locked || !m_context.waitFor(wait))
                 break;
             file = FileStore::openForUpdate(path, result);
         }

@@ -62,7 +62,6 @@ private:
 
     bool fail(int code);
     void say(bool quiet, const std::string &text) const;
-    bool waitFor(int milliseconds) const;
     std::time_t now() const;
 
     bool attach(std::unique_ptr<ByteStore> store, CrdAccess access);

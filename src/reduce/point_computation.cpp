@@ -77,6 +77,22 @@ std::optional<std::vector<double>> numbersAfter(std::string_view text, std::stri
 
 std::string dmsText(double degreesValue) { return formatDms(degreesValue, 4); }
 
+// The end of a listing line: northing, easting, elevation (blank when
+// none) and description.
+void appendCoordinates(std::string &out, const TraversePoint &p) {
+    appendFixed(out, p.north, 4, 12);
+    out += ' ';
+    appendFixed(out, p.east, 4, 12);
+    out += ' ';
+    if (p.hasElevation)
+        appendFixed(out, p.elevation, 4, 10);
+    else
+        out.append(10, ' ');
+    out += ' ';
+    out += p.description;
+    out += '\n';
+}
+
 class Pass {
 public:
     Pass(const PassInput &input, Interaction &ui) : m_in(input), m_ui(ui), m_opt(input.options) {
@@ -497,17 +513,7 @@ private:
         l += ' ';
         appendFixed(l, vertical, 3, 10);
         l += ' ';
-        appendFixed(l, p.north, 4, 12);
-        l += ' ';
-        appendFixed(l, p.east, 4, 12);
-        l += ' ';
-        if (p.hasElevation)
-            appendFixed(l, p.elevation, 4, 10);
-        else
-            l.append(10, ' ');
-        l += ' ';
-        l += p.description;
-        l += '\n';
+        appendCoordinates(l, p);
 
         if (traverse) {
             TraverseSide side;
@@ -530,17 +536,7 @@ private:
             std::string &ss = m_r.sideshots;
             appendPadded(ss, p.name, 9, false, true);
             ss += ' ';
-            appendFixed(ss, p.north, 4, 12);
-            ss += ' ';
-            appendFixed(ss, p.east, 4, 12);
-            ss += ' ';
-            if (p.hasElevation)
-                appendFixed(ss, p.elevation, 4, 10);
-            else
-                ss.append(10, ' ');
-            ss += ' ';
-            ss += p.description;
-            ss += '\n';
+            appendCoordinates(ss, p);
         }
         if (balance && !traverse)
             return; // an angle balance shot only measures the closing direction

@@ -1,6 +1,8 @@
 // tramline-cli crd ... run in-process, as a user would type them.
 #include "cli/cli.h"
 
+#include "../support/cli_support.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -12,16 +14,9 @@ using tramline::cli::run;
 
 namespace {
 
-struct Result {
-    int code;
-    std::string out, err;
-};
+using Result = tramline::test::CliResult;
 
-Result cli(std::vector<std::string> args) {
-    std::ostringstream out, err;
-    const int code = run(args, out, err);
-    return {code, out.str(), err.str()};
-}
+Result cli(const std::vector<std::string> &args) { return tramline::test::runCli(args); }
 
 class CrdCommands : public ::testing::Test {
 protected:

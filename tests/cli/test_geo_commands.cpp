@@ -1,5 +1,7 @@
 #include "cli/cli.h"
 
+#include "../support/cli_support.h"
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -11,16 +13,9 @@ using tramline::cli::run;
 
 namespace {
 
-struct Result {
-    int code;
-    std::string out, err;
-};
+using Result = tramline::test::CliResult;
 
-Result cli(std::vector<std::string> args) {
-    std::ostringstream out, err;
-    const int code = run(args, out, err);
-    return {code, out.str(), err.str()};
-}
+Result cli(const std::vector<std::string> &args) { return tramline::test::runCli(args); }
 
 std::vector<std::string> lines(const std::string &text) {
     std::vector<std::string> result;

@@ -1,6 +1,8 @@
 #include "cli/cli.h"
 #include "../support/test_support.h"
 
+#include "../support/cli_support.h"
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -10,16 +12,9 @@ using namespace tramline;
 
 namespace {
 
-struct Result {
-    int code;
-    std::string out, err;
-};
+using Result = tramline::test::CliResult;
 
-Result runCli(const std::vector<std::string> &args) {
-    std::ostringstream out, err;
-    const int code = cli::run(args, out, err);
-    return {code, out.str(), err.str()};
-}
+using tramline::test::runCli;
 
 class ProcessCli : public test::ScratchFolderTest {
 protected:

@@ -1,6 +1,8 @@
 #include "base/angles.h"
 #include "raw/reader.h"
 
+#include "../support/raw_support.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -13,15 +15,10 @@ using namespace tramline::raw;
 
 namespace {
 
-RawFile readText(const std::string &text) {
-    std::istringstream in(text);
-    RawFile file;
-    EXPECT_TRUE(readRaw(in, file));
-    return file;
-}
+using tramline::test::readRawText;
 
 Observation readShot(const std::string &line, const std::string &prefix = {}) {
-    const RawFile f = readText(prefix + line + "\n");
+    const RawFile f = readRawText(prefix + line + "\n");
     EXPECT_FALSE(f.nodes.empty());
     return f.nodes.back().observation;
 }
@@ -114,7 +111,7 @@ TEST(RawReader, RecordsAndTextRows) {
                              "NAME,Loop A\n"
                              "--" + std::string(100, 'n') + "\n"
                              "ZZ,unknown\n";
-    const RawFile f = readText(text);
+    const RawFile f = readRawText(text);
     ASSERT_EQ(f.nodes.size(), 12u);
     EXPECT_EQ(f.units.linear, LinearUnit::InternationalFeet);
     EXPECT_EQ(f.nodes[0].type, RecordType::Text);
@@ -155,7 +152,7 @@ TEST(RawReader, Units) {
         {"MO,AD0,UN9,SF1.00000000,EC0,EO0,AU0\n", LinearUnit::Metres, AngleUnit::DegreesMinutesSeconds},
     };
     for (const auto &c : cases) {
-        const RawFile f = readText(c.text);
+        const RawFile f = readRawText(c.text);
         EXPECT_EQ(f.units.linear, c.linear) << c.text;
         EXPECT_EQ(f.units.angle, c.angle) << c.text;
     }
@@ -165,19 +162,19 @@ TEST(RawReader, BadInputNeverCrashes) {
     std::string garbage;
     for (int i = 0; i < 20000; ++i)
         garbage += static_cast<char>((i * 7919) % 256);
-    const RawFile g = readText(garbage);
+    const RawFile g = readRawText(garbage);
     for (const auto &n : g.nodes)
         EXPECT_LE(n.text.size(), kTextRowLimit);
 
-    const RawFile shortLines = readText("a\nbc\n\n--\nx\n");
+    const RawFile shortLines = readRawText("a\nbc\n\n--\nx\n");
     EXPECT_TRUE(shortLines.nodes.empty());
 
-    const RawFile crlf = readText("SS,OP1,FP2,AR90.0000,ZE90.0000,SD10.000,--EP\r\n");
+    const RawFile crlf = readRawText("SS,OP1,FP2,AR90.0000,ZE90.0000,SD10.000,--EP\r\n");
     ASSERT_EQ(crlf.nodes.size(), 1u);
     EXPECT_EQ(crlf.nodes[0].observation.description, "EP");
 
     // A 5,000-character line comes in 221-character pieces, each a record.
-    const RawFile longLine = readText("--" + std::string(4998, 'x') + "\nLS,HI1\n");
+    const RawFile longLine = readRawText("--" + std::string(4998, 'x') + "\nLS,HI1\n");
     EXPECT_EQ(longLine.nodes.size(), 24u);
     EXPECT_EQ(longLine.nodes.back().type, RecordType::Heights);
 }

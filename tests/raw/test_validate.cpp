@@ -1,5 +1,7 @@
 #include "raw/validate.h"
 
+#include "../support/raw_support.h"
+
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -8,12 +10,7 @@ using namespace tramline::raw;
 
 namespace {
 
-RawFile readText(const std::string &text) {
-    std::istringstream in(text);
-    RawFile f;
-    EXPECT_TRUE(readRaw(in, f));
-    return f;
-}
+using tramline::test::readRawText;
 
 TEST(ValidateRaw, Warnings) {
     struct Case {
@@ -36,12 +33,12 @@ TEST(ValidateRaw, Warnings) {
         {"--UNITS GONS\nSS,OP1,FP2,AR10.9900,ZE99.9900,SD1,--\n", {}},
     };
     for (const auto &c : cases)
-        EXPECT_EQ(validateRaw(readText(c.text)), c.warnings) << c.text;
+        EXPECT_EQ(validateRaw(readRawText(c.text)), c.warnings) << c.text;
 }
 
 TEST(ValidateRaw, HeightLimits) {
     HeightLimits limits{true, 0.0, 10.0, 0.0, 20.0};
-    const auto w = validateRaw(readText("LS,HI12.5,HR-1\nLS,HI-98765432.1\n"), limits);
+    const auto w = validateRaw(readRawText("LS,HI12.5,HR-1\nLS,HI-98765432.1\n"), limits);
     EXPECT_EQ(w, (std::vector<std::string>{
                      "Warning: Invalid Instrument Height 12.50 at row: 1 (Not within 0.00 to 10.00)",
                      "Warning: Invalid Rod Height -1.00 at row: 1 (Not within 0.00 to 20.00)"}));

@@ -2,6 +2,8 @@
 #include "base/format.h"
 #include "reduce/direct_reverse.h"
 
+#include "../support/raw_support.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -12,12 +14,7 @@ using namespace tramline::reduce;
 
 namespace {
 
-raw::RawFile readText(const std::string &text) {
-    std::istringstream in(text);
-    raw::RawFile f;
-    EXPECT_TRUE(raw::readRaw(in, f));
-    return f;
-}
+using tramline::test::readRawText;
 
 // A set in ddd.mmss with six decimals (tenths of a second and below).
 std::string faceSet(double bd, double fd, double fr, double br, double zd, double zr, double dd, double dr,
@@ -34,7 +31,7 @@ std::string faceSet(double bd, double fd, double fr, double br, double zd, doubl
 TEST(DirectReverse, ReducesOneSetToTheMeanShot) {
     // Collimation error +4" and index error +4": the means cancel both.
     const double c = 4.0 / 3600.0;
-    const auto file = readText("--start\n" + faceSet(10.0 + c, 100.0 + c, 280.0 - c, 190.0 - c, 88.0 + c,
+    const auto file = readRawText("--start\n" + faceSet(10.0 + c, 100.0 + c, 280.0 - c, 190.0 - c, 88.0 + c,
                                                      272.0 + c, 150.002, 149.998) +
                                "--end\n");
     const DirectReverseResult r = reduceDirectReverse(file, "job.rw5");
@@ -77,7 +74,7 @@ TEST(DirectReverse, WrapAroundNorth) {
     };
     for (const auto &c : cases) {
         const DirectReverseResult r =
-            reduceDirectReverse(readText(faceSet(c.bd, c.fd, c.fr, c.br, 90, 270, 10, 10)), "j");
+            reduceDirectReverse(readRawText(faceSet(c.bd, c.fd, c.fr, c.br, 90, 270, 10, 10)), "j");
         ASSERT_TRUE(r.ok);
         const double a = r.sets[0].horizontalAngle;
         EXPECT_NEAR(std::min(a, 360.0 - a), std::min(c.angle, 360.0 - c.angle), 2e-6) << c.bd;
@@ -106,11 +103,11 @@ TEST(DirectReverse, Warnings) {
         {faceSet(0, 90, 270, 180, 90, 270 + 14 * s, 10, 10.019), {}},
     };
     for (const auto &c : cases)
-        EXPECT_EQ(reduceDirectReverse(readText(c.set), "j", tol).warnings, c.warnings) << c.set;
+        EXPECT_EQ(reduceDirectReverse(readRawText(c.set), "j", tol).warnings, c.warnings) << c.set;
 }
 
 TEST(DirectReverse, ZeroReverseDistanceKeepsTheDirectOne) {
-    const auto r = reduceDirectReverse(readText(faceSet(0, 90, 270, 180, 90, 270, 12.345, 0.0)), "j");
+    const auto r = reduceDirectReverse(readRawText(faceSet(0, 90, 270, 180, 90, 270, 12.345, 0.0)), "j");
     EXPECT_DOUBLE_EQ(r.sets[0].distance, 12.345);
 }
 
@@ -120,7 +117,7 @@ TEST(DirectReverse, IncompleteSetsStop) {
                              "FR,OP2,FP3,AR270,ZE270,SD1,--\nBR,OP2,FP1,AR180,ZE270,SD1,--\n",
                              "BD,OP2,FP1,AR0,ZE90,SD1,--\nBD,OP2,FP1,AR0,ZE90,SD1,--\nFD,OP2,FP3,AR90,ZE90,SD1,--\n"
                              "FR,OP2,FP3,AR270,ZE270,SD1,--\nBR,OP2,FP1,AR180,ZE270,SD1,--\n"}) {
-        const auto r = reduceDirectReverse(readText(text), "j");
+        const auto r = reduceDirectReverse(readRawText(text), "j");
         EXPECT_FALSE(r.ok) << text;
         EXPECT_EQ(r.error, "Error: incomplete direct-reverse set");
     }
@@ -130,14 +127,14 @@ TEST(DirectReverse, TraversePointsAndMeansOfRepeatedSets) {
     const std::string text = faceSet(0, 90, 270, 180, 90, 270, 10, 10) +
                              faceSet(0, 90 + 2.0 / 3600, 270 + 2.0 / 3600, 180, 90, 270, 10.01, 10.01) +
                              "OC,OP3,N ,E ,EL,--\n";
-    const auto r = reduceDirectReverse(readText(text), "j");
+    const auto r = reduceDirectReverse(readRawText(text), "j");
     ASSERT_EQ(r.sets.size(), 2u);
     EXPECT_EQ(r.reduced.nodes[0].observation.type, "TR"); // 3 is occupied later
     const auto means = r.report.substr(r.report.find("\nMeans\n"));
     // Two sets 2" apart: sample standard deviation 1.4".
     EXPECT_NE(means.find("  2         3            2      90.0001      1.4"), std::string::npos) << means;
-    EXPECT_TRUE(hasDirectReverseSets(readText(text)));
-    EXPECT_FALSE(hasDirectReverseSets(readText("SS,OP1,FP2,AR0,ZE90,SD1,--\n")));
+    EXPECT_TRUE(hasDirectReverseSets(readRawText(text)));
+    EXPECT_FALSE(hasDirectReverseSets(readRawText("SS,OP1,FP2,AR0,ZE90,SD1,--\n")));
 }
 
 } // namespace

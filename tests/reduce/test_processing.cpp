@@ -5,6 +5,8 @@
 #include "reduce/processing.h"
 #include "../support/test_support.h"
 
+#include "../support/raw_support.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -16,12 +18,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-raw::RawFile readText(const std::string &text) {
-    std::istringstream in(text);
-    raw::RawFile f;
-    EXPECT_TRUE(raw::readRaw(in, f));
-    return f;
-}
+using tramline::test::readRawText;
 
 class Processing : public test::ScratchFolderTest {
 protected:
@@ -36,7 +33,7 @@ protected:
     }
 
     ProcessResult process(const std::string &text) {
-        file = readText(text);
+        file = readRawText(text);
         return processRaw(file, "job.rw5", *coordinates, options, ui);
     }
 
