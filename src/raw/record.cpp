@@ -21,6 +21,13 @@ HorizontalKind horizontalKindFromName(std::string_view name) {
     return HorizontalKind::None;
 }
 
+std::string occupiedPointOf(std::string_view occupyLine) {
+    if (occupyLine.size() <= 5 || occupyLine.substr(0, 3) != "OC,")
+        return {};
+    const std::string_view rest = occupyLine.substr(5);
+    return std::string(rest.substr(0, rest.find(',')));
+}
+
 bool applyUnitsLine(std::string_view line, RawUnits &units) {
     bool changed = false;
     if (line.substr(0, 3) == "MO," && line.find(",AD") != std::string_view::npos) {

@@ -100,6 +100,11 @@ struct RawNode {
     size_t lineNumber = 0;           ///< 1-based line (piece) in the file
 };
 
+/// The occupied point of an occupy line ("OC,OP12,N ..." or "OC,PN12,...",
+/// kept by the reader as a text record): the value after the first field's
+/// code, up to the next comma. Empty when the line is not that long.
+std::string occupiedPointOf(std::string_view occupyLine);
+
 /// Units as a file declares them through its mode record or "--UNITS" notes.
 struct RawUnits {
     LinearUnit linear = LinearUnit::Metres;

@@ -83,11 +83,8 @@ public:
     Reducer(const raw::RawFile &file, const DirectReverseTolerances &tolerances)
         : m_tol(tolerances), m_unit(file.units.angle) {
         for (const auto &node : file.nodes)
-            if (node.type == RecordType::Text && node.text.rfind("OC,", 0) == 0) {
-                // The occupied point of an OC record: "OC,OP12,..." or "OC,PN12,...".
-                const size_t comma = node.text.find(',', 3);
-                m_occupiedLater.insert(node.text.substr(5, comma == std::string::npos ? std::string::npos : comma - 5));
-            }
+            if (node.type == RecordType::Text && node.text.rfind("OC,", 0) == 0)
+                m_occupiedLater.insert(raw::occupiedPointOf(node.text));
     }
 
     ReducedSet reduce(const Faces &f, std::vector<std::string> &warnings) {

@@ -125,11 +125,7 @@ public:
     }
 
 private:
-    static std::string occupiedOf(const std::string &ocLine) {
-        // "OC,OP12,N ..." or "OC,PN12,N ..."
-        const size_t comma = ocLine.find(',', 3);
-        return ocLine.substr(5, comma == std::string::npos ? std::string::npos : comma - 5);
-    }
+    static std::string occupiedOf(const std::string &ocLine) { return raw::occupiedPointOf(ocLine); }
 
     void stop(const std::string &error, PassResult::Status status) {
         m_r.error = error;

@@ -348,10 +348,8 @@ private:
         // Offer the first set-up and the last traverse foresight.
         std::string firstSetup, lastForesight;
         for (const auto &n : m_file.nodes) {
-            if (n.type == RecordType::Text && n.text.rfind("OC,", 0) == 0 && firstSetup.empty()) {
-                const size_t comma = n.text.find(',', 3);
-                firstSetup = n.text.substr(5, comma == std::string::npos ? std::string::npos : comma - 5);
-            }
+            if (n.type == RecordType::Text && n.text.rfind("OC,", 0) == 0 && firstSetup.empty())
+                firstSetup = raw::occupiedPointOf(n.text);
             if (isShot(n) && (n.observation.type == "TR" || n.observation.type == "CL" || n.observation.type == "CL+AB"))
                 lastForesight = n.observation.foresight;
         }

@@ -188,3 +188,15 @@ TEST(RawReader, MissingFileAndFolder) {
 }
 
 } // namespace
+
+// Fuzzing found an occupy line too short to hold a point ("OC,A") thrown
+// out of range where the processing looked for its point.
+TEST(RawRecords, OccupiedPointOfShortLines) {
+    struct Case {
+        const char *line, *point;
+    };
+    const Case cases[] = {{"OC,OP12,N 1,E 2,EL3,--", "12"}, {"OC,PNA-7,N ,E ,EL,--", "A-7"}, {"OC,OP5", "5"},
+                          {"OC,A", ""}, {"OC,", ""}, {"OC,OP", ""}, {"SS,OP1,FP2", ""}};
+    for (const auto &c : cases)
+        EXPECT_EQ(occupiedPointOf(c.line), c.point) << c.line;
+}

@@ -209,6 +209,14 @@ TEST_F(Processing, ErrorsStopWithTheirTextAndStoreNothing) {
     SetUp();
 }
 
+// Fuzzing found an occupy line too short to name its point throwing out of
+// the pass; now it is an occupy of no point, which the user is asked about.
+TEST_F(Processing, ShortOccupyLineIsNoCrash) {
+    const ProcessResult r = process("SR,;\n1,FP2\nOC,A\n");
+    EXPECT_EQ(r.status, ProcessResult::Status::ReturnToEditor);
+    EXPECT_EQ(r.error, "No coordinate stored for Occupied Point \non line# 3");
+}
+
 TEST_F(Processing, MissingOccupiedPointIsAskedFor) {
     const std::string job = "OC,OP5,N ,E ,EL,--\nSS,OP5,FP6,AZ0,ZE90,SD10,--\n";
     ui.reply("100|200|10|ENTERED");
