@@ -19,6 +19,7 @@
 
 #include <cmath>
 #include <set>
+#include <unordered_set>
 
 namespace tramline::reduce {
 
@@ -102,16 +103,27 @@ public:
         m_elevations = m_opt.elevations;
         // Points occupied somewhere in the file: a sideshot to one of them
         // is a sideshot traverse.
-        for (const auto &node : input.file->nodes)
+        for (const auto &node : input.file->nodes) {
             if (node.type == RecordType::Text && node.text.rfind("OC,", 0) == 0)
                 m_occupied.insert(occupiedOf(node.text));
+            else if (node.type == RecordType::Text && node.text.rfind("--DZ,PN", 0) == 0)
+                m_watched.insert(node.text.substr(7, node.text.find(',', 7) - 7));
+            else if ((node.type == RecordType::StorePoint || node.type == RecordType::Elevation) && !node.fields.empty())
+                m_watched.insert(node.fields[0]);
+            else if (node.type == RecordType::Backsight && node.fields.size() > 1)
+                m_watched.insert(node.fields[1]);
+            else if (node.type == RecordType::Observation &&
+                     (node.observation.type == "AB" || node.observation.type == "CL+AB"))
+                m_watched.insert(node.observation.foresight);
+        }
+        m_watched.insert(m_occupied.begin(), m_occupied.end());
+        m_watched.insert(input.closingPoint);
     }
 
     PassResult run() {
         // Room for every record at once: a large job grows these a million times.
         const size_t records = m_in.file->nodes.size();
         m_r.points.reserve(records);
-        m_r.index.reserve(records);
         m_r.listing.reserve(records * 110);
         for (const auto &node : m_in.file->nodes) {
             if (!m_ui.idle()) {
@@ -143,11 +155,13 @@ private:
     }
 
     void store(TraversePoint p, long line, bool control) {
-        const auto [it, isNew] = m_r.index.try_emplace(p.name, m_r.points.size());
-        if (!isNew) {
-            if (m_r.points[it->second].control && !control)
-                return;
-            it->second = m_r.points.size();
+        if (control || m_watched.count(p.name)) {
+            const auto [it, isNew] = m_r.index.try_emplace(p.name, m_r.points.size());
+            if (!isNew) {
+                if (m_r.points[it->second].control && !control)
+                    return;
+                it->second = m_r.points.size();
+            }
         }
         if (m_opt.pointNotes)
             m_r.notes.push_back(p.name + "\t" + format("LINE:%ld,FILE:%s", line, m_in.rawFileName.c_str()));
@@ -548,6 +562,8 @@ private:
     bool m_metres = false;
     bool m_elevations = true;
     std::set<std::string> m_occupied;
+    std::unordered_set<std::string> m_watched; ///< points the run looks up
+
     PassResult m_r;
     bool m_setupOpen = false;
     std::string m_occupiedName;

@@ -65,7 +65,11 @@ struct PassResult {
     Status status = Status::Done;
     std::string error;                 ///< why the pass stopped
     std::vector<ComputedPoint> points; ///< in the order they were stored (latest wins)
-    std::unordered_map<std::string, size_t> index; ///< name -> latest entry of points
+    /// Name -> latest entry of points, for the points the run looks up:
+    /// set-ups, backsights, control, depths and elevations, the closing
+    /// and angle balance points. Keeping a million sideshots out of it is
+    /// what makes a large job fast.
+    std::unordered_map<std::string, size_t> index;
     std::vector<TraverseSide> sides;   ///< every TR, CL and CL+AB shot, file order
     std::vector<BalanceShot> balanceShots;
     std::optional<TraversePoint> closingEnd; ///< last computed position of the closing point
@@ -74,6 +78,7 @@ struct PassResult {
     std::vector<std::string> notes;    ///< "name\ttext" point notes to add
     int traverseLines = 0, sideshotTraverses = 0, sideshotCount = 0, storePoints = 0;
 
+    /// The latest stored position of a point the run looks up (see index).
     const ComputedPoint *find(const std::string &name) const;
 };
 

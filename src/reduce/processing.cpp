@@ -836,9 +836,13 @@ private:
     }
 
     static std::string pointList(const PassResult &pass) {
+        // The latest position of each point, in name order.
+        std::unordered_map<std::string, const TraversePoint *> latest;
+        for (const auto &cp : pass.points)
+            latest[cp.point.name] = &cp.point;
         std::vector<const TraversePoint *> points;
-        for (const auto &[name, i] : pass.index)
-            points.push_back(&pass.points[i].point);
+        for (const auto &[name, p] : latest)
+            points.push_back(p);
         std::sort(points.begin(), points.end(), [](const TraversePoint *a, const TraversePoint *b) {
             return comparePointNames(a->name, b->name) < 0;
         });
@@ -850,23 +854,21 @@ private:
     }
 
     void write() {
-        // The latest position of every point; the file orders them itself.
+        // Every point in the order stored: the bulk write keeps the last
+        // of equal names, as storing them one by one would.
         std::vector<crd::CrdPoint> points;
         std::vector<long> lines;
-        points.reserve(m_final.index.size());
-        lines.reserve(m_final.index.size());
-        for (size_t i = 0; i < m_final.points.size(); ++i) {
-            auto &latest = m_final.points[i];
-            if (m_final.index.at(latest.point.name) != i)
-                continue;
+        points.reserve(m_final.points.size());
+        lines.reserve(m_final.points.size());
+        for (auto &stored : m_final.points) {
             crd::CrdPoint p;
-            p.name = std::move(latest.point.name);
-            p.northing = latest.point.north;
-            p.easting = latest.point.east;
-            p.elevation = latest.point.hasElevation ? latest.point.elevation : kUnsetPositive;
-            p.description = std::move(latest.point.description);
+            p.name = std::move(stored.point.name);
+            p.northing = stored.point.north;
+            p.easting = stored.point.east;
+            p.elevation = stored.point.hasElevation ? stored.point.elevation : kUnsetPositive;
+            p.description = std::move(stored.point.description);
             points.push_back(std::move(p));
-            lines.push_back(latest.line);
+            lines.push_back(stored.line);
         }
         std::vector<int> errors;
         const long storedCount = m_crd.writePoints(points, true, &errors);
