@@ -125,6 +125,21 @@ public:
         const size_t records = m_in.file->nodes.size();
         m_r.points.reserve(records);
         m_r.listing.reserve(records * 110);
+        // Column heads of the shot lines, laid out as the lines are.
+        std::string &h = m_r.listing;
+        h += "  ";
+        appendPadded(h, tr("Type"), 6);
+        h += ' ';
+        appendPadded(h, tr("Point"), 9);
+        for (const auto &[head, width] : std::initializer_list<std::pair<const char *, size_t>>{
+                 {"Azimuth", 9}, {"SlopeDist", 10}, {"HorzDist", 10}, {"VertDist", 10},
+                 {"Northing", 12}, {"Easting", 12}, {"Elevation", 10}}) {
+            h += ' ';
+            appendPadded(h, tr(head), width, true);
+        }
+        h += ' ';
+        h += tr("Description");
+        h += '\n';
         for (const auto &node : m_in.file->nodes) {
             if (!m_ui.idle()) {
                 stop(tr("Function cancelled at user request"), PassResult::Status::Stopped);
@@ -514,11 +529,11 @@ private:
         appendPadded(l, o.type, 6);
         l += ' ';
         appendPadded(l, p.name, 9, false, true);
-        l += " Az ";
-        l += dmsText(azimuth);
+        l += ' ';
+        appendPadded(l, dmsText(azimuth), 9, true);
         l += ' ';
         appendFixed(l, o.slopeDistance, 3, 10);
-        l += " HD ";
+        l += ' ';
         appendFixed(l, red.horizontal, 3, 10);
         l += ' ';
         appendFixed(l, vertical, 3, 10);
