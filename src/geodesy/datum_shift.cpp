@@ -52,11 +52,8 @@ Status SevenParameterShift::open(const CoordinateSystem &system) {
                ellipsoid.c_str(), t.values[0], t.values[1], t.values[2], t.values[3], t.values[4], t.values[5],
                t.values[6]);
     auto impl = std::make_unique<Impl>();
-    impl->ctx = detail::newContext();
-    impl->pj.reset(proj_create(impl->ctx.get(), definition.c_str()));
-    if (!impl->pj)
-        return Status::failure(StatusCode::InvalidInput,
-                               format(tr(messages::kInvalidParameters), detail::lastError(impl->ctx.get()).c_str()));
+    if (Status status = detail::createOperation(definition, impl->ctx, impl->pj); !status)
+        return status;
     m_impl = std::move(impl);
     return Status::success();
 }

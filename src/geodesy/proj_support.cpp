@@ -1,5 +1,9 @@
 #include "geodesy/proj_support.h"
 
+#include "base/format.h"
+#include "base/translation.h"
+#include "geodesy/messages.h"
+
 namespace tramline::geodesy::detail {
 
 ContextPtr newContext() {
@@ -19,6 +23,17 @@ DatabaseAccess database() {
     static std::mutex mutex;
     static ContextPtr ctx = newContext();
     return {std::unique_lock<std::mutex>(mutex), ctx.get()};
+}
+
+Status createOperation(const std::string &definition, ContextPtr &ctx, PjPtr &pj) {
+    ContextPtr context = newContext();
+    PjPtr operation(proj_create(context.get(), definition.c_str()));
+    if (!operation)
+        return Status::failure(StatusCode::InvalidInput,
+                               format(tr(messages::kInvalidParameters), lastError(context.get()).c_str()));
+    ctx = std::move(context);
+    pj = std::move(operation);
+    return Status::success();
 }
 
 } // namespace tramline::geodesy::detail

@@ -3,6 +3,8 @@
 // dependency).
 #pragma once
 
+#include "geodesy/status.h"
+
 #include <proj.h>
 
 #include <memory>
@@ -31,6 +33,11 @@ ContextPtr newContext();
 
 /// PROJ's text for the context's last error, or "unknown error".
 std::string lastError(PJ_CONTEXT *ctx);
+
+/// A fresh context and the operation of a PROJ definition string in it.
+/// Fails with InvalidInput and the parameters message when PROJ refuses
+/// the definition; `ctx` and `pj` are then left as they were.
+Status createOperation(const std::string &definition, ContextPtr &ctx, PjPtr &pj);
 
 /// The context used for database queries, with the lock that guards it:
 /// a PROJ context must not be used by two threads at once.

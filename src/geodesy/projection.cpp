@@ -169,11 +169,8 @@ Status Projection::open(const CoordinateSystem &system) {
     if (Status status = projDefinition(system, definition); !status)
         return status;
     auto impl = std::make_unique<Impl>();
-    impl->ctx = detail::newContext();
-    impl->pj.reset(proj_create(impl->ctx.get(), definition.c_str()));
-    if (!impl->pj)
-        return Status::failure(StatusCode::InvalidInput,
-                               format(tr(messages::kInvalidParameters), detail::lastError(impl->ctx.get()).c_str()));
+    if (Status status = detail::createOperation(definition, impl->ctx, impl->pj); !status)
+        return status;
     m_impl = std::move(impl);
     return Status::success();
 }

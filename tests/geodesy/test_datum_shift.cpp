@@ -4,6 +4,8 @@
 #include "geodesy/ostn_grid.h"
 #include "geodesy/shift_grids.h"
 
+#include "../support/test_support.h"
+
 #include <gtest/gtest.h>
 #include <proj.h>
 
@@ -18,15 +20,8 @@ using namespace tramline::geodesy;
 
 namespace {
 
-struct Folder {
-    std::filesystem::path path;
-    Folder() {
-        path = std::filesystem::temp_directory_path() /
-               ("tramline-shift-" + std::to_string(::getpid()) + "-" +
-                ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(path);
-    }
-    ~Folder() { std::filesystem::remove_all(path); }
+struct Folder : tramline::test::ScratchFolder {
+    Folder() : ScratchFolder("tramline-shift") {}
 };
 
 // An NTv2 ASCII file: 2 x 3 nodes over 40..41 N, 10..12 E (seconds, west

@@ -1,5 +1,7 @@
 #include "geodesy/set_geoid_area.h"
 
+#include "../support/test_support.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -10,15 +12,8 @@ using namespace tramline::geodesy;
 
 namespace {
 
-struct Folder {
-    std::filesystem::path path;
-    Folder() {
-        path = std::filesystem::temp_directory_path() /
-               ("tramline-setgeoid-" + std::to_string(::getpid()) + "-" +
-                ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(path);
-    }
-    ~Folder() { std::filesystem::remove_all(path); }
+struct Folder : tramline::test::ScratchFolder {
+    Folder() : ScratchFolder("tramline-setgeoid") {}
 };
 
 // A one-degree world-wide model whose node value encodes its position

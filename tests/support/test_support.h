@@ -25,6 +25,25 @@ inline void spit(const std::filesystem::path &path, const std::string &bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }
 
+/// A fresh scratch folder for one test, removed with the object; `path`
+/// names it after the test.
+struct ScratchFolder {
+    std::filesystem::path path;
+    explicit ScratchFolder(const std::string &prefix = "tramline") {
+        path = std::filesystem::temp_directory_path() /
+               (prefix + "-" + std::to_string(::getpid()) + "-" +
+                ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::remove_all(path);
+        std::filesystem::create_directories(path);
+    }
+    ~ScratchFolder() {
+        std::error_code ec;
+        std::filesystem::remove_all(path, ec);
+    }
+    ScratchFolder(const ScratchFolder &) = delete;
+    ScratchFolder &operator=(const ScratchFolder &) = delete;
+};
+
 /// A fixture with a fresh scratch folder, removed after the test.
 class ScratchFolderTest : public ::testing::Test {
 protected:
