@@ -64,7 +64,8 @@ void TmInverse(benchmark::State &state) {
     projection.open(utm32());
     std::vector<Point> grid(points().size());
     for (std::size_t i = 0; i < grid.size(); ++i)
-        projection.forward(points()[i].latitude, points()[i].longitude, grid[i].latitude, grid[i].longitude);
+        projection.forward(points()[i].latitude, points()[i].longitude, grid[i].latitude,
+                           grid[i].longitude);
     for (auto _ : state) {
         double sum = 0;
         for (const auto &g : grid) {

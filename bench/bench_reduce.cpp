@@ -18,16 +18,19 @@ using namespace tramline;
 // A traverse running east-north-east, each set-up backsighting the last,
 // with `sideshots` shots around every station.
 std::string generateJob(int setups, int sideshots) {
-    std::string out = "MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\nSP,PN1,N 1000.0000,E 1000.0000,EL100.0000,--START\n"
-                      "SP,PN0,N 900.0000,E 1000.0000,EL100.0000,--BACKSIGHT\n";
+    std::string out =
+        "MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\nSP,PN1,N 1000.0000,E 1000.0000,EL100.0000,--START\n"
+        "SP,PN0,N 900.0000,E 1000.0000,EL100.0000,--BACKSIGHT\n";
     out.reserve(static_cast<size_t>(setups) * static_cast<size_t>(sideshots + 4) * 50);
     long shot = 1000000;
     for (int s = 1; s <= setups; ++s) {
-        appendFormat(out, "OC,OP%d,N ,E ,EL,--\nBK,OP%d,BP%d,BS,BC0.0000\nLS,HI1.500,HR1.800\n", s, s, s - 1);
+        appendFormat(out, "OC,OP%d,N ,E ,EL,--\nBK,OP%d,BP%d,BS,BC0.0000\nLS,HI1.500,HR1.800\n", s,
+                     s, s - 1);
         for (int i = 0; i < sideshots; ++i)
-            appendFormat(out, "SS,OP%d,FP%ld,AR%d.%02d15,ZE89.%02d30,SD%.3f,--TOPO\n", s, ++shot, (i * 37) % 360,
-                         i % 60, i % 60, 5.0 + i % 50);
-        appendFormat(out, "TR,OP%d,FP%d,AR180.0%d00,ZE90.0000,SD%.3f,--TRAVERSE\n", s, s + 1, s % 2, 100.0 + s % 7);
+            appendFormat(out, "SS,OP%d,FP%ld,AR%d.%02d15,ZE89.%02d30,SD%.3f,--TOPO\n", s, ++shot,
+                         (i * 37) % 360, i % 60, i % 60, 5.0 + i % 50);
+        appendFormat(out, "TR,OP%d,FP%d,AR180.0%d00,ZE90.0000,SD%.3f,--TRAVERSE\n", s, s + 1, s % 2,
+                     100.0 + s % 7);
     }
     return out;
 }
@@ -58,7 +61,8 @@ void runJob(benchmark::State &state, int setups, int sideshots, reduce::AdjustMe
         const auto result = reduce::processRaw(copy, "job.rw5", coordinates, options, ui);
         benchmark::DoNotOptimize(result.pointsStored);
         state.PauseTiming();
-        if (result.status != reduce::ProcessResult::Status::Done && method == reduce::AdjustMethod::None)
+        if (result.status != reduce::ProcessResult::Status::Done &&
+            method == reduce::AdjustMethod::None)
             state.SkipWithError(result.error.c_str());
         state.ResumeTiming();
     }
@@ -68,9 +72,14 @@ void runJob(benchmark::State &state, int setups, int sideshots, reduce::AdjustMe
 void BM_NoAdjust100kSetups1MSideshots(benchmark::State &state) {
     runJob(state, static_cast<int>(state.range(0)), 10, reduce::AdjustMethod::None);
 }
-BENCHMARK(BM_NoAdjust100kSetups1MSideshots)->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(BM_NoAdjust100kSetups1MSideshots)
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 
-void BM_Compass10kSides(benchmark::State &state) { runJob(state, 10000, 0, reduce::AdjustMethod::Compass); }
+void BM_Compass10kSides(benchmark::State &state) {
+    runJob(state, 10000, 0, reduce::AdjustMethod::Compass);
+}
 BENCHMARK(BM_Compass10kSides)->Unit(benchmark::kMillisecond)->Iterations(2);
 
 } // namespace

@@ -16,7 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     double dLat = 0, dLon = 0;
     const double latitude = (grid.southSeconds() + grid.northSeconds()) / 7200.0;
     const double longitude = -(grid.eastSeconds() + grid.westSeconds()) / 7200.0;
-    if (grid.shiftAt(latitude, longitude, dLat, dLon).ok() && (!std::isfinite(dLat) || !std::isfinite(dLon)))
+    if (grid.shiftAt(latitude, longitude, dLat, dLon).ok() &&
+        (!std::isfinite(dLat) || !std::isfinite(dLon)))
         std::abort();
     return 0;
 }

@@ -14,7 +14,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     using namespace tramline;
     static const std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("tramline-fuzz-process-" + std::to_string(::getpid()));
+        std::filesystem::temp_directory_path() /
+        ("tramline-fuzz-process-" + std::to_string(::getpid()));
     std::filesystem::create_directories(folder);
     for (auto method : {reduce::AdjustMethod::None, reduce::AdjustMethod::Compass}) {
         std::istringstream in(std::string(reinterpret_cast<const char *>(data), size));

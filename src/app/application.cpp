@@ -17,8 +17,10 @@ ShellOptions CKELMAApp::shellOptions() const {
     options.modulePath = applicationFilePath().toStdString();
     const QByteArray appData = qgetenv("TRAMLINE_APPDATA_DIR");
     const QByteArray documents = qgetenv("TRAMLINE_DOCUMENTS_DIR");
-    options.applicationDataFolder = appData.isEmpty() ? applicationDataFolder() : std::filesystem::path(appData.toStdString());
-    options.documentsFolder = documents.isEmpty() ? documentsFolder() : std::filesystem::path(documents.toStdString());
+    options.applicationDataFolder =
+        appData.isEmpty() ? applicationDataFolder() : std::filesystem::path(appData.toStdString());
+    options.documentsFolder =
+        documents.isEmpty() ? documentsFolder() : std::filesystem::path(documents.toStdString());
     std::vector<std::string> arguments;
     const QStringList args = QApplication::arguments();
     for (qsizetype i = 1; i < args.size(); ++i)

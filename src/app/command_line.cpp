@@ -45,7 +45,8 @@ size_t findExtension(const std::string &text, const char *ext) {
     const std::string e(ext);
     for (size_t at = text.find(e); at != std::string::npos; at = text.find(e, at + 1)) {
         const size_t end = at + e.size();
-        if (end == text.size() || text[end] == '"' || std::isspace(static_cast<unsigned char>(text[end])))
+        if (end == text.size() || text[end] == '"' ||
+            std::isspace(static_cast<unsigned char>(text[end])))
             return at;
     }
     return std::string::npos;

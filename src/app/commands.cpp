@@ -47,26 +47,42 @@ bool copyWhole(const std::filesystem::path &from, const std::filesystem::path &t
     std::ifstream in(from, std::ios::binary);
     if (!in)
         return false;
-    return saveAtomically(to, [&](std::ostream &out) { return static_cast<bool>(out << in.rdbuf()); });
+    return saveAtomically(to,
+                          [&](std::ostream &out) { return static_cast<bool>(out << in.rdbuf()); });
 }
 
 const char *rowTypeOf(int id) {
     switch (id) {
-    case cmd::AddTraverse: return "TR";
-    case cmd::AddSideShot: return "SS";
-    case cmd::AddBackSight: return "BK";
-    case cmd::AddInstrumentHeight: return "HI";
-    case cmd::AddElevation: return "EL";
-    case cmd::AddGps: return "GPS";
-    case cmd::AddTraverseName: return "NAME";
-    case cmd::AddNote: return "";
-    case cmd::AddDataOnOff: return "DO";
-    case cmd::AddPointToRaw: return "PT";
-    case cmd::AddReferenceAzimuth: return "AZ";
-    case cmd::AddControlError: return "CSE";
-    case cmd::AddSetupError: return "SSE";
-    case cmd::AddMeasurementError: return "MSE";
-    default: return nullptr;
+    case cmd::AddTraverse:
+        return "TR";
+    case cmd::AddSideShot:
+        return "SS";
+    case cmd::AddBackSight:
+        return "BK";
+    case cmd::AddInstrumentHeight:
+        return "HI";
+    case cmd::AddElevation:
+        return "EL";
+    case cmd::AddGps:
+        return "GPS";
+    case cmd::AddTraverseName:
+        return "NAME";
+    case cmd::AddNote:
+        return "";
+    case cmd::AddDataOnOff:
+        return "DO";
+    case cmd::AddPointToRaw:
+        return "PT";
+    case cmd::AddReferenceAzimuth:
+        return "AZ";
+    case cmd::AddControlError:
+        return "CSE";
+    case cmd::AddSetupError:
+        return "SSE";
+    case cmd::AddMeasurementError:
+        return "MSE";
+    default:
+        return nullptr;
     }
 }
 
@@ -77,7 +93,9 @@ bool isMenuCommand(int id) {
     return false;
 }
 
-std::string yesNo(bool on) { return on ? tramline::tr("On") : tramline::tr("Off"); }
+std::string yesNo(bool on) {
+    return on ? tramline::tr("On") : tramline::tr("Off");
+}
 
 } // namespace
 
@@ -87,31 +105,73 @@ void CKELMADlg::dispatch(int id) {
         return;
     }
     switch (id) {
-    case cmd::NewRaw: newRawFile(); return;
-    case cmd::OpenRaw: openRawFileCommand(); return;
-    case cmd::SaveRaw: saveRawFile(); return;
-    case cmd::SaveRawAs: saveRawFileAs(); return;
-    case cmd::NewCrd: newCoordinateFile(); return;
-    case cmd::OpenCrd: openCoordinateFileCommand(); return;
-    case cmd::SaveCrd: saveCoordinateFile(); return;
-    case cmd::SaveCrdAs: saveCoordinateFileAs(); return;
-    case cmd::Settings: settingsCommand(); return;
-    case cmd::PrintRaw: printRawData(); return;
-    case cmd::PrintCoordinates: printCoordinates(); return;
-    case cmd::PrinterSettings: printerSettings(); return;
+    case cmd::NewRaw:
+        newRawFile();
+        return;
+    case cmd::OpenRaw:
+        openRawFileCommand();
+        return;
+    case cmd::SaveRaw:
+        saveRawFile();
+        return;
+    case cmd::SaveRawAs:
+        saveRawFileAs();
+        return;
+    case cmd::NewCrd:
+        newCoordinateFile();
+        return;
+    case cmd::OpenCrd:
+        openCoordinateFileCommand();
+        return;
+    case cmd::SaveCrd:
+        saveCoordinateFile();
+        return;
+    case cmd::SaveCrdAs:
+        saveCoordinateFileAs();
+        return;
+    case cmd::Settings:
+        settingsCommand();
+        return;
+    case cmd::PrintRaw:
+        printRawData();
+        return;
+    case cmd::PrintCoordinates:
+        printCoordinates();
+        return;
+    case cmd::PrinterSettings:
+        printerSettings();
+        return;
     case cmd::Exit:
         if (exitProgram())
             close();
         return;
-    case cmd::FindRaw: findCommand(true); return;
-    case cmd::FindCrd: findCommand(false); return;
-    case cmd::ReplaceRaw: replaceCommand(true); return;
-    case cmd::ReplaceCrd: replaceCommand(false); return;
-    case cmd::Cut: copySelection(true); return;
-    case cmd::Copy: copySelection(false); return;
-    case cmd::Paste: paste(); return;
-    case cmd::DeleteRow: deleteRow(); return;
-    case cmd::ModifyMeasurements: modifyMeasurements(); return;
+    case cmd::FindRaw:
+        findCommand(true);
+        return;
+    case cmd::FindCrd:
+        findCommand(false);
+        return;
+    case cmd::ReplaceRaw:
+        replaceCommand(true);
+        return;
+    case cmd::ReplaceCrd:
+        replaceCommand(false);
+        return;
+    case cmd::Cut:
+        copySelection(true);
+        return;
+    case cmd::Copy:
+        copySelection(false);
+        return;
+    case cmd::Paste:
+        paste();
+        return;
+    case cmd::DeleteRow:
+        deleteRow();
+        return;
+    case cmd::ModifyMeasurements:
+        modifyMeasurements();
+        return;
     case cmd::VerticalAngle:
     case cmd::ZenithAngle:
     case cmd::ElevationDifference:
@@ -121,26 +181,62 @@ void CKELMADlg::dispatch(int id) {
     case cmd::AnglesDms:
     case cmd::AnglesGons:
     case cmd::NorthingEasting:
-    case cmd::EastingNorthing: displayCommand(id); return;
-    case cmd::AddPointToCrd: addPointToCoordinateFile(); return;
-    case cmd::ProcessNoAdjust: processCommand(reduce::AdjustMethod::None); return;
-    case cmd::ProcessAngleBalance: processCommand(reduce::AdjustMethod::AngleBalance); return;
-    case cmd::ProcessCompass: processCommand(reduce::AdjustMethod::Compass); return;
-    case cmd::ProcessCrandall: processCommand(reduce::AdjustMethod::Crandall); return;
-    case cmd::ProcessTransit: processCommand(reduce::AdjustMethod::Transit); return;
-    case cmd::ProcessSettings: processSettings(); return;
-    case cmd::ImportRawHalvren: importRawData(false); return;
-    case cmd::ImportRawTds: importRawData(true); return;
-    case cmd::ImageTramline: startCompanion("imagery"); return;
-    case cmd::TransferQuillan: startCompanion("quilcom"); return;
-    case cmd::About: about(); return;
+    case cmd::EastingNorthing:
+        displayCommand(id);
+        return;
+    case cmd::AddPointToCrd:
+        addPointToCoordinateFile();
+        return;
+    case cmd::ProcessNoAdjust:
+        processCommand(reduce::AdjustMethod::None);
+        return;
+    case cmd::ProcessAngleBalance:
+        processCommand(reduce::AdjustMethod::AngleBalance);
+        return;
+    case cmd::ProcessCompass:
+        processCommand(reduce::AdjustMethod::Compass);
+        return;
+    case cmd::ProcessCrandall:
+        processCommand(reduce::AdjustMethod::Crandall);
+        return;
+    case cmd::ProcessTransit:
+        processCommand(reduce::AdjustMethod::Transit);
+        return;
+    case cmd::ProcessSettings:
+        processSettings();
+        return;
+    case cmd::ImportRawHalvren:
+        importRawData(false);
+        return;
+    case cmd::ImportRawTds:
+        importRawData(true);
+        return;
+    case cmd::ImageTramline:
+        startCompanion("imagery");
+        return;
+    case cmd::TransferQuillan:
+        startCompanion("quilcom");
+        return;
+    case cmd::About:
+        about();
+        return;
     // The grids' notifications: the current raw row moved (its captions
     // head the columns), points of the coordinate grid were written.
-    case cmd::RawGrid: m_rawModel->setCurrentRow(m_rawGrid->currentIndex().row()); return;
-    case cmd::CoordinateGrid: m_coordinateModified = true; return;
-    case cmd::InsertRowAbove: insertRowNearCurrent(true); return;
-    case cmd::InsertRowBelow: insertRowNearCurrent(false); return;
-    case cmd::RefreshCoordinates: refreshCoordinateGrid(); return;
+    case cmd::RawGrid:
+        m_rawModel->setCurrentRow(m_rawGrid->currentIndex().row());
+        return;
+    case cmd::CoordinateGrid:
+        m_coordinateModified = true;
+        return;
+    case cmd::InsertRowAbove:
+        insertRowNearCurrent(true);
+        return;
+    case cmd::InsertRowBelow:
+        insertRowNearCurrent(false);
+        return;
+    case cmd::RefreshCoordinates:
+        refreshCoordinateGrid();
+        return;
     default:
         // The other menu entries wait for their features; ids of no
         // entry (separators, 0) do nothing.
@@ -167,10 +263,14 @@ void CKELMADlg::notAvailable(int id) {
 bool CKELMADlg::confirmRawSave() {
     if (!m_rawDocument.modified())
         return true;
-    switch (ui().choose(tramline::tr(kProductName), tramline::tr("Save Raw Data Changes?"), {tramline::tr(kYes), tramline::tr(kNo), tramline::tr(kCancel)})) {
-    case 0: return saveRawFile();
-    case 1: return true;
-    default: return false;
+    switch (ui().choose(tramline::tr(kProductName), tramline::tr("Save Raw Data Changes?"),
+                        {tramline::tr(kYes), tramline::tr(kNo), tramline::tr(kCancel)})) {
+    case 0:
+        return saveRawFile();
+    case 1:
+        return true;
+    default:
+        return false;
     }
 }
 
@@ -221,8 +321,9 @@ bool CKELMADlg::saveRawFileAs() {
 }
 
 void CKELMADlg::importRawData(bool tds) {
-    const std::string path = tds ? prompts().askFileName(tramline::tr("TDS Raw File to Import"), "rw5;raw", false)
-                                 : prompts().askFileName(tramline::tr("Raw File to Add"), "rw5;sav", false);
+    const std::string path =
+        tds ? prompts().askFileName(tramline::tr("TDS Raw File to Import"), "rw5;raw", false)
+            : prompts().askFileName(tramline::tr("Raw File to Add"), "rw5;sav", false);
     if (path.empty())
         return;
     const size_t before = m_rawDocument.rowCount();
@@ -238,10 +339,14 @@ void CKELMADlg::importRawData(bool tds) {
 bool CKELMADlg::confirmCoordinateSave() {
     if (!m_coordinateModified)
         return true;
-    switch (ui().choose(tramline::tr(kProductName), tramline::tr("Save Coordinate File Changes?"), {tramline::tr(kYes), tramline::tr(kNo), tramline::tr(kCancel)})) {
-    case 0: return saveCoordinateFile();
-    case 1: return true;
-    default: return false;
+    switch (ui().choose(tramline::tr(kProductName), tramline::tr("Save Coordinate File Changes?"),
+                        {tramline::tr(kYes), tramline::tr(kNo), tramline::tr(kCancel)})) {
+    case 0:
+        return saveCoordinateFile();
+    case 1:
+        return true;
+    default:
+        return false;
     }
 }
 
@@ -260,7 +365,8 @@ void CKELMADlg::newCoordinateFile() {
 void CKELMADlg::openCoordinateFileCommand() {
     if (!confirmCoordinateSave())
         return;
-    const std::string path = prompts().askFileName(tramline::tr("CRD File To Open"), crd::kCoordinateFileFilter, false);
+    const std::string path =
+        prompts().askFileName(tramline::tr("CRD File To Open"), crd::kCoordinateFileFilter, false);
     if (!path.empty())
         openCoordinateFile(path);
 }
@@ -289,7 +395,8 @@ bool CKELMADlg::openCoordinateFile(const std::string &path) {
                         (!std::filesystem::exists(crd::notesPathFor(path), ec) ||
                          copyWhole(crd::notesPathFor(path), workingNotes));
     if (!copied || !m_workingFile->open(m_workingCrdPath, 0, -1)) {
-        ui().message(format(tramline::tr("\nCan't open new file %s"), m_workingCrdPath.string().c_str()));
+        ui().message(
+            format(tramline::tr("\nCan't open new file %s"), m_workingCrdPath.string().c_str()));
         m_workingFile->close();
         createWorkingFile();
         m_coordinateFileName = "NONE";
@@ -348,7 +455,8 @@ void CKELMADlg::addPointToCoordinateFile() {
     // in sequence.
     std::string next;
     const std::string highest = m_workingFile->highestName();
-    if (!highest.empty() && highest.find_first_not_of("0123456789") == std::string::npos && highest.size() < 9)
+    if (!highest.empty() && highest.find_first_not_of("0123456789") == std::string::npos &&
+        highest.size() < 9)
         next = std::to_string(std::stol(highest) + 1);
     else if (highest.empty())
         next = "1";
@@ -397,8 +505,10 @@ void CKELMADlg::addPointToCoordinateFile() {
 // --- settings and printing ------------------------------------------------------------
 
 void CKELMADlg::settingsCommand() {
-    const std::vector<std::string> choices = {tramline::tr("English"), tramline::tr("Windows Setting")};
-    std::vector<FormField> fields = {{tramline::tr("Language"), choices[m_settings.langMode == 1 ? 1 : 0], choices}};
+    const std::vector<std::string> choices = {tramline::tr("English"),
+                                              tramline::tr("Windows Setting")};
+    std::vector<FormField> fields = {
+        {tramline::tr("Language"), choices[m_settings.langMode == 1 ? 1 : 0], choices}};
     // The choice counts however the dialog is closed; Cancel only closes.
     prompts().askForm(tramline::tr("Settings"), fields, {tramline::tr(kCancel)});
     const int chosen = fields[0].value == choices[1] ? 1 : 0;
@@ -432,13 +542,15 @@ void CKELMADlg::printCoordinates() {
     appendFormat(text, "%s: %zu\n\n", tramline::tr("Points"), m_coordinateModel->points().size());
     const char *first = neOrder == 1 ? tramline::tr("Easting") : tramline::tr("Northing");
     const char *second = neOrder == 1 ? tramline::tr("Northing") : tramline::tr("Easting");
-    appendFormat(text, "%-10s %15s %15s %12s  %s\n", tramline::tr("PntNo"), first, second, tramline::tr("Elevation"), tramline::tr("Description"));
+    appendFormat(text, "%-10s %15s %15s %12s  %s\n", tramline::tr("PntNo"), first, second,
+                 tramline::tr("Elevation"), tramline::tr("Description"));
     for (const auto &p : m_coordinateModel->points()) {
         const double a = neOrder == 1 ? p.easting : p.northing;
         const double b = neOrder == 1 ? p.northing : p.easting;
-        const std::string elevation = isUnset(p.elevation) ? std::string() : format("%.4f", p.elevation);
-        appendFormat(text, "%-10s %15.4f %15.4f %12s  %s\n", p.name.c_str(), a, b, elevation.c_str(),
-                     p.description.c_str());
+        const std::string elevation =
+            isUnset(p.elevation) ? std::string() : format("%.4f", p.elevation);
+        appendFormat(text, "%-10s %15.4f %15.4f %12s  %s\n", p.name.c_str(), a, b,
+                     elevation.c_str(), p.description.c_str());
     }
     const auto target = m_folders.working / "morvrprt.tmp";
     std::ofstream out(target, std::ios::binary | std::ios::trunc);
@@ -477,10 +589,11 @@ void CKELMADlg::findCommand(bool rawGrid) {
         return;
     }
     const QModelIndex current = m_coordinateGrid->currentIndex();
-    const auto hit = current.isValid()
-                         ? m_coordinateModel->find(qstr(m_lastFind), current.row(), current.column())
-                         : m_coordinateModel->find(qstr(m_lastFind), m_coordinateModel->rowCount() - 1,
-                                                   CoordinateGridModel::kColumns - 1);
+    const auto hit =
+        current.isValid()
+            ? m_coordinateModel->find(qstr(m_lastFind), current.row(), current.column())
+            : m_coordinateModel->find(qstr(m_lastFind), m_coordinateModel->rowCount() - 1,
+                                      CoordinateGridModel::kColumns - 1);
     if (!hit) {
         ui().message(tramline::tr("String not found"));
         return;
@@ -490,9 +603,11 @@ void CKELMADlg::findCommand(bool rawGrid) {
 }
 
 void CKELMADlg::replaceCommand(bool rawGrid) {
-    std::vector<FormField> fields = {{tramline::tr("Find What"), m_lastFind, {}}, {tramline::tr("Replace With"), m_lastReplace, {}}};
-    const int button = prompts().askForm(tramline::tr("Search and Replace"), fields,
-                                         {tramline::tr("Replace"), tramline::tr("Replace All"), tramline::tr(kCancel)});
+    std::vector<FormField> fields = {{tramline::tr("Find What"), m_lastFind, {}},
+                                     {tramline::tr("Replace With"), m_lastReplace, {}}};
+    const int button = prompts().askForm(
+        tramline::tr("Search and Replace"), fields,
+        {tramline::tr("Replace"), tramline::tr("Replace All"), tramline::tr(kCancel)});
     if ((button != 0 && button != 1) || fields[0].value.empty())
         return;
     m_lastFind = fields[0].value;
@@ -583,12 +698,14 @@ void CKELMADlg::deleteRow() {
     m_rawGrid->setCurrentIndex({});
     refreshRawGrid();
     if (m_rawModel->rowCount() > 0)
-        m_rawGrid->setCurrentIndex(m_rawModel->index(std::min(row, m_rawModel->rowCount() - 1), column));
+        m_rawGrid->setCurrentIndex(
+            m_rawModel->index(std::min(row, m_rawModel->rowCount() - 1), column));
 }
 
 void CKELMADlg::addRawRow(const std::string &type) {
     const QModelIndex current = m_rawGrid->currentIndex();
-    const size_t after = current.isValid() ? static_cast<size_t>(current.row()) : m_rawDocument.rowCount();
+    const size_t after =
+        current.isValid() ? static_cast<size_t>(current.row()) : m_rawDocument.rowCount();
     const size_t row = m_rawDocument.addRow(type, after);
     m_rawGrid->setCurrentIndex({});
     refreshRawGrid();
@@ -624,12 +741,18 @@ void CKELMADlg::insertRowNearCurrent(bool above) {
 }
 
 void CKELMADlg::modifyMeasurements() {
-    const bool elevation = m_rawDocument.modes().verticalMode() == raw::VerticalMode::ElevationDifference;
-    const std::string vertical = elevation ? tramline::tr("Elev Difference") : tramline::tr("Vertical Angle");
+    const bool elevation =
+        m_rawDocument.modes().verticalMode() == raw::VerticalMode::ElevationDifference;
+    const std::string vertical =
+        elevation ? tramline::tr("Elev Difference") : tramline::tr("Vertical Angle");
     std::vector<FormField> fields = {
-        {tramline::tr("Field To Modify"), tramline::tr("Distance"), {tramline::tr("Distance"), tramline::tr("Horizontal Angle"), vertical}},
+        {tramline::tr("Field To Modify"),
+         tramline::tr("Distance"),
+         {tramline::tr("Distance"), tramline::tr("Horizontal Angle"), vertical}},
         {tramline::tr("delta"), "0.0000", {}},
-        {tramline::tr("Apply To ..."), tramline::tr("By Line Number"), {tramline::tr("By Point Number"), tramline::tr("By Line Number")}},
+        {tramline::tr("Apply To ..."),
+         tramline::tr("By Line Number"),
+         {tramline::tr("By Point Number"), tramline::tr("By Line Number")}},
         {tramline::tr("Range of Points:"), "", {}},
         {tramline::tr("Start Line:"), "1", {}},
         {tramline::tr("End Line:"), std::to_string(m_rawDocument.rowCount()), {}},
@@ -668,14 +791,27 @@ void CKELMADlg::displayCommand(int id) {
     case cmd::VerticalAngle:
     case cmd::ZenithAngle:
     case cmd::ElevationDifference:
-    case cmd::VerticalNone: m_rawDocument.changeVerticalMode(id - cmd::VerticalAngle + 1); break;
+    case cmd::VerticalNone:
+        m_rawDocument.changeVerticalMode(id - cmd::VerticalAngle + 1);
+        break;
     case cmd::SlopeDistance:
-    case cmd::HorizontalDistance: m_rawDocument.changeDistanceMode(id - cmd::SlopeDistance + 1); break;
-    case cmd::AnglesDms: m_rawDocument.changeAngleMode(1); break;
-    case cmd::AnglesGons: m_rawDocument.changeAngleMode(0); break;
-    case cmd::NorthingEasting: m_rawDocument.setCoordinateOrder(0); break;
-    case cmd::EastingNorthing: m_rawDocument.setCoordinateOrder(1); break;
-    default: return;
+    case cmd::HorizontalDistance:
+        m_rawDocument.changeDistanceMode(id - cmd::SlopeDistance + 1);
+        break;
+    case cmd::AnglesDms:
+        m_rawDocument.changeAngleMode(1);
+        break;
+    case cmd::AnglesGons:
+        m_rawDocument.changeAngleMode(0);
+        break;
+    case cmd::NorthingEasting:
+        m_rawDocument.setCoordinateOrder(0);
+        break;
+    case cmd::EastingNorthing:
+        m_rawDocument.setCoordinateOrder(1);
+        break;
+    default:
+        return;
     }
     // A corrupt vertical mode was reset by the command: the marks follow
     // the modes as they now are.

@@ -7,22 +7,30 @@
 
 namespace tramline::app {
 
-CoordinateGridModel::CoordinateGridModel(crd::CoordinateFile &file, Interaction &ui, QObject *parent)
+CoordinateGridModel::CoordinateGridModel(crd::CoordinateFile &file, Interaction &ui,
+                                         QObject *parent)
     : QAbstractTableModel(parent), m_file(file), m_ui(ui) {}
 
 int CoordinateGridModel::rowCount(const QModelIndex &parent) const {
     return parent.isValid() ? 0 : static_cast<int>(m_points.size());
 }
 
-int CoordinateGridModel::columnCount(const QModelIndex &parent) const { return parent.isValid() ? 0 : kColumns; }
+int CoordinateGridModel::columnCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : kColumns;
+}
 
 CoordinateGridModel::Field CoordinateGridModel::fieldOf(int column) const {
     switch (column) {
-    case 0: return Name;
-    case 1: return m_neOrder == 1 ? Easting : Northing;
-    case 2: return m_neOrder == 1 ? Northing : Easting;
-    case 3: return Elevation;
-    default: return Description;
+    case 0:
+        return Name;
+    case 1:
+        return m_neOrder == 1 ? Easting : Northing;
+    case 2:
+        return m_neOrder == 1 ? Northing : Easting;
+    case 3:
+        return Elevation;
+    default:
+        return Description;
     }
 }
 
@@ -31,11 +39,16 @@ QString CoordinateGridModel::cellText(int row, int column) const {
         return {};
     const crd::CrdPoint &p = m_points[static_cast<size_t>(row)];
     switch (fieldOf(column)) {
-    case Name: return qstr(p.name);
-    case Northing: return qstr(format("%.4f", p.northing));
-    case Easting: return qstr(format("%.4f", p.easting));
-    case Elevation: return isUnset(p.elevation) ? QString() : qstr(format("%.4f", p.elevation));
-    case Description: return qstr(p.description);
+    case Name:
+        return qstr(p.name);
+    case Northing:
+        return qstr(format("%.4f", p.northing));
+    case Easting:
+        return qstr(format("%.4f", p.easting));
+    case Elevation:
+        return isUnset(p.elevation) ? QString() : qstr(format("%.4f", p.elevation));
+    case Description:
+        return qstr(p.description);
     }
     return {};
 }
@@ -53,7 +66,8 @@ QVariant CoordinateGridModel::data(const QModelIndex &index, int role) const {
 }
 
 bool CoordinateGridModel::setData(const QModelIndex &index, const QVariant &value, int role) {
-    if (!index.isValid() || role != Qt::EditRole || static_cast<size_t>(index.row()) >= m_points.size())
+    if (!index.isValid() || role != Qt::EditRole ||
+        static_cast<size_t>(index.row()) >= m_points.size())
         return false;
     if (cellText(index.row(), index.column()) == value.toString())
         return false;
@@ -70,11 +84,21 @@ bool CoordinateGridModel::setData(const QModelIndex &index, const QVariant &valu
         }
     }
     switch (field) {
-    case Name: point.name = text; break;
-    case Northing: point.northing = number; break;
-    case Easting: point.easting = number; break;
-    case Elevation: point.elevation = number; break;
-    case Description: point.description = sstr(value.toString()); break;
+    case Name:
+        point.name = text;
+        break;
+    case Northing:
+        point.northing = number;
+        break;
+    case Easting:
+        point.easting = number;
+        break;
+    case Elevation:
+        point.elevation = number;
+        break;
+    case Description:
+        point.description = sstr(value.toString());
+        break;
     }
     const std::string oldName = m_points[static_cast<size_t>(index.row())].name;
     if (field == Name) {
@@ -82,7 +106,8 @@ bool CoordinateGridModel::setData(const QModelIndex &index, const QVariant &valu
         // following it. An existing name is not overwritten.
         crd::CrdPoint existing;
         if (m_file.readPoint(point.name, existing, 0, true)) {
-            m_ui.message(format(tramline::tr("Error: point %s already exists"), point.name.c_str()));
+            m_ui.message(
+                format(tramline::tr("Error: point %s already exists"), point.name.c_str()));
             return false;
         }
     }
@@ -122,11 +147,16 @@ QVariant CoordinateGridModel::headerData(int section, Qt::Orientation orientatio
     if (orientation == Qt::Vertical)
         return section + 1;
     switch (fieldOf(section)) {
-    case Name: return qtr("PntNo");
-    case Northing: return qtr("Northing");
-    case Easting: return qtr("Easting");
-    case Elevation: return qtr("Elevation");
-    case Description: return qtr("Description");
+    case Name:
+        return qtr("PntNo");
+    case Northing:
+        return qtr("Northing");
+    case Easting:
+        return qtr("Easting");
+    case Elevation:
+        return qtr("Elevation");
+    case Description:
+        return qtr("Description");
     }
     return {};
 }
@@ -155,7 +185,8 @@ bool CoordinateGridModel::deleteRow(int row) {
     if (row < 0 || static_cast<size_t>(row) >= m_points.size())
         return false;
     const std::string name = m_points[static_cast<size_t>(row)].name;
-    const long removed = m_file.deletePoints([&](const crd::CrdPoint &p) { return p.name == name; });
+    const long removed =
+        m_file.deletePoints([&](const crd::CrdPoint &p) { return p.name == name; });
     if (removed < 0) {
         m_ui.message(crd::CoordinateFile::errorText(m_file.lastError()));
         return false;
@@ -167,7 +198,8 @@ bool CoordinateGridModel::deleteRow(int row) {
     return true;
 }
 
-std::optional<std::pair<int, int>> CoordinateGridModel::find(const QString &what, int row, int column) const {
+std::optional<std::pair<int, int>> CoordinateGridModel::find(const QString &what, int row,
+                                                             int column) const {
     const int rows = rowCount();
     if (what.isEmpty() || rows == 0)
         return std::nullopt;
@@ -200,10 +232,11 @@ int CoordinateGridModel::replace(const QString &what, const QString &with, bool 
             if (!text.contains(what))
                 continue;
             if (!all) {
-                const int answer = m_ui.choose(tramline::tr("Search and Replace"),
-                                               format(tramline::tr("Replace in row %ld column %ld?"), static_cast<long>(r + 1),
-                                                      static_cast<long>(c + 1)),
-                                               {tramline::tr("Yes"), tramline::tr("No"), tramline::tr("Cancel")});
+                const int answer =
+                    m_ui.choose(tramline::tr("Search and Replace"),
+                                format(tramline::tr("Replace in row %ld column %ld?"),
+                                       static_cast<long>(r + 1), static_cast<long>(c + 1)),
+                                {tramline::tr("Yes"), tramline::tr("No"), tramline::tr("Cancel")});
                 if (answer == 1)
                     continue;
                 if (answer != 0)

@@ -28,7 +28,8 @@ std::string trimmed(std::string text) {
 }
 
 bool isNumeric(const std::string &text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c); });
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c); });
 }
 
 std::optional<std::string> variable(const char *name) {
@@ -64,7 +65,8 @@ LanguageCode codeFrom(const std::string &full) {
 
 } // namespace
 
-LanguageEnvironment processLanguageEnvironment(std::string systemLanguage, std::string systemCountry,
+LanguageEnvironment processLanguageEnvironment(std::string systemLanguage,
+                                               std::string systemCountry,
                                                std::filesystem::path startupFile) {
     LanguageEnvironment environment;
     environment.language = variable("LANGUAGE");
@@ -89,7 +91,8 @@ std::string startupLanguageCode(const std::filesystem::path &startupFile) {
             continue;
         }
         const size_t eq = line.find('=');
-        if (!inSection || eq == std::string::npos || lower(trimmed(line.substr(0, eq))) != "lang_code")
+        if (!inSection || eq == std::string::npos ||
+            lower(trimmed(line.substr(0, eq))) != "lang_code")
             continue;
         const std::string value = trimmed(line.substr(eq + 1));
         return value.empty() ? "en" : value;
@@ -98,7 +101,8 @@ std::string startupLanguageCode(const std::filesystem::path &startupFile) {
 }
 
 LanguageCode chooseLanguage(const std::string &requested, const LanguageEnvironment &environment) {
-    const std::string code = requested.empty() ? startupLanguageCode(environment.startupFile) : requested;
+    const std::string code =
+        requested.empty() ? startupLanguageCode(environment.startupFile) : requested;
     if (lower(code) == "en")
         return LanguageCode{};
     for (const auto &value : {environment.language, environment.lang}) {
@@ -121,11 +125,13 @@ LanguageCode chooseLanguage(const std::string &requested, const LanguageEnvironm
     return lower(code) == lower(language) ? codeFrom(code) : LanguageCode{};
 }
 
-std::filesystem::path cataloguePath(const std::filesystem::path &localeFolder, const std::string &code) {
+std::filesystem::path cataloguePath(const std::filesystem::path &localeFolder,
+                                    const std::string &code) {
     return localeFolder / code / "LC_MESSAGES" / (std::string(kTextDomain) + ".mo");
 }
 
-std::vector<std::string> startTranslation(const std::filesystem::path &localeFolder, const LanguageCode &code) {
+std::vector<std::string> startTranslation(const std::filesystem::path &localeFolder,
+                                          const LanguageCode &code) {
     if (code.english()) {
         setTranslationLanguage(localeFolder.string(), "");
         return {};
@@ -140,8 +146,9 @@ std::vector<std::string> startTranslation(const std::filesystem::path &localeFol
             return {format(tr("\nWarning: Missing translation file %s"), path.string().c_str())};
     }
     if (!setTranslationLanguage(localeFolder.string(), chosen)) {
-        std::string warning = format(tr("\nWarning: Unable to initialize translation %s\\%s\\LC_MESSAGES\\%s.mo"),
-                                     localeFolder.string().c_str(), chosen.c_str(), kTextDomain);
+        std::string warning =
+            format(tr("\nWarning: Unable to initialize translation %s\\%s\\LC_MESSAGES\\%s.mo"),
+                   localeFolder.string().c_str(), chosen.c_str(), kTextDomain);
 #ifndef _WIN32
         std::replace(warning.begin(), warning.end(), '\\', '/');
 #endif

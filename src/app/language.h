@@ -26,7 +26,8 @@ struct LanguageEnvironment {
 };
 
 /// The environment variables of this process with the given locale.
-LanguageEnvironment processLanguageEnvironment(std::string systemLanguage, std::string systemCountry,
+LanguageEnvironment processLanguageEnvironment(std::string systemLanguage,
+                                               std::string systemCountry,
                                                std::filesystem::path startupFile);
 
 /// The `lang_code` of the "morvstart" section of the start-up file ("Language
@@ -40,12 +41,14 @@ std::string startupLanguageCode(const std::filesystem::path &startupFile);
 LanguageCode chooseLanguage(const std::string &requested, const LanguageEnvironment &environment);
 
 /// The catalogue of a code: <locale folder>/<code>/LC_MESSAGES/halvren-office.mo.
-std::filesystem::path cataloguePath(const std::filesystem::path &localeFolder, const std::string &code);
+std::filesystem::path cataloguePath(const std::filesystem::path &localeFolder,
+                                    const std::string &code);
 
 /// Loads the catalogue for `code` from `localeFolder` (the program folder's
 /// "LANG"), trying the full code, then the short one. Returns the warnings
 /// to show: "\nWarning: Missing translation file %s" or "\nWarning: Unable
 /// to initialize translation ..."; none when English or when loaded.
-std::vector<std::string> startTranslation(const std::filesystem::path &localeFolder, const LanguageCode &code);
+std::vector<std::string> startTranslation(const std::filesystem::path &localeFolder,
+                                          const LanguageCode &code);
 
 } // namespace tramline::app

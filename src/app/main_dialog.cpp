@@ -2,13 +2,13 @@
 // window. The commands themselves are in commands.cpp.
 #include "app/main_dialog.h"
 
+#include "app/command_line.h"
 #include "app/coordinate_grid_model.h"
 #include "app/language.h"
 #include "app/qt_interaction.h"
 #include "app/qt_text.h"
 #include "app/raw_grid_model.h"
 #include "app/report_windows.h"
-#include "app/command_line.h"
 #include "base/format.h"
 #include "crd/coordinate_file.h"
 #include "raw/classify.h"
@@ -36,7 +36,8 @@ constexpr const char *kWorkingCoordinateFile = "tramlinetmp.crd";
 class StoreMessages : public Interaction {
 public:
     explicit StoreMessages(Interaction &target) : m_target(target) {}
-    int choose(const std::string &title, const std::string &message, const std::vector<std::string> &buttons) override {
+    int choose(const std::string &title, const std::string &message,
+               const std::vector<std::string> &buttons) override {
         return m_target.choose(title, message, buttons);
     }
     bool fillForm(const std::string &title, std::vector<FormField> &fields) override {
@@ -97,7 +98,8 @@ CKELMADlg::CKELMADlg(ShellOptions options, QWidget *parent) : QMainWindow(parent
     resize(1000, 700);
 
     if (!createWorkingFile()) {
-        ui().message(format(tramline::tr("Error: failed to create %s.\nExiting."), m_workingCrdPath.string().c_str()));
+        ui().message(format(tramline::tr("Error: failed to create %s.\nExiting."),
+                            m_workingCrdPath.string().c_str()));
         exitProgram();
         m_startupFailed = true;
         return;
@@ -115,7 +117,8 @@ CKELMADlg::~CKELMADlg() {
 // --- start-up ------------------------------------------------------------------
 
 void CKELMADlg::setUpFolders(const ShellOptions &options) {
-    m_folders = shellFolders(options.modulePath, options.applicationDataFolder, options.documentsFolder);
+    m_folders =
+        shellFolders(options.modulePath, options.applicationDataFolder, options.documentsFolder);
     // An existing folder is no error, and one that cannot be made shows up
     // later where a file in it is needed.
     std::error_code ec;
@@ -129,7 +132,8 @@ void CKELMADlg::readSettings(const ShellOptions &options) {
     if (!m_settings.tmpdir.empty()) {
         m_folders.working = m_settings.tmpdir;
         std::error_code ec;
-        std::filesystem::create_directories(m_folders.working, ec); // reports and scratch files go there
+        std::filesystem::create_directories(m_folders.working,
+                                            ec); // reports and scratch files go there
     }
     m_settings.tmpdir = withSeparator(m_folders.working);
 
@@ -138,7 +142,8 @@ void CKELMADlg::readSettings(const ShellOptions &options) {
         // speaks when no code is asked for, and the shell asks for "win".
         const LanguageEnvironment environment = processLanguageEnvironment(
             options.systemLanguage, options.systemCountry, m_folders.settings / "morvstart.ini");
-        for (const auto &warning : startTranslation(m_folders.program / "LANG", chooseLanguage("win", environment)))
+        for (const auto &warning :
+             startTranslation(m_folders.program / "LANG", chooseLanguage("win", environment)))
             ui().message(warning);
     } else {
         startTranslation(m_folders.program / "LANG", LanguageCode{});
@@ -177,7 +182,8 @@ void CKELMADlg::createGrids() {
     m_coordinateGrid = makeGrid(m_client, kCoordinateGridId);
     m_coordinateModel = new CoordinateGridModel(*m_workingFile, ui(), m_coordinateGrid);
     m_coordinateGrid->setModel(m_coordinateModel);
-    connect(m_coordinateModel, &CoordinateGridModel::pointsChanged, this, [this] { dispatch(kCoordinateGridId); });
+    connect(m_coordinateModel, &CoordinateGridModel::pointsChanged, this,
+            [this] { dispatch(kCoordinateGridId); });
 
     m_rawGrid->installEventFilter(this);
     m_coordinateGrid->installEventFilter(this);
@@ -229,9 +235,10 @@ void CKELMADlg::createMenus() {
                 file->insertSeparator(a);
 
     const std::pair<int, QKeySequence> shortcuts[] = {
-        {cmd::OpenRaw, QKeySequence::Open},   {cmd::SaveRaw, QKeySequence::Save}, {cmd::FindRaw, QKeySequence::Find},
-        {cmd::ReplaceRaw, QKeySequence::Replace}, {cmd::Cut, QKeySequence::Cut}, {cmd::Copy, QKeySequence::Copy},
-        {cmd::Paste, QKeySequence::Paste},    {cmd::Exit, QKeySequence::Quit},
+        {cmd::OpenRaw, QKeySequence::Open}, {cmd::SaveRaw, QKeySequence::Save},
+        {cmd::FindRaw, QKeySequence::Find}, {cmd::ReplaceRaw, QKeySequence::Replace},
+        {cmd::Cut, QKeySequence::Cut},      {cmd::Copy, QKeySequence::Copy},
+        {cmd::Paste, QKeySequence::Paste},  {cmd::Exit, QKeySequence::Quit},
     };
     for (const auto &[id, keys] : shortcuts)
         if (QAction *a = actions(id).value(0))
@@ -239,9 +246,10 @@ void CKELMADlg::createMenus() {
 
     // Commands without a menu entry, reached by keys: a row of the current
     // row's type above or below it, and re-reading the coordinate file.
-    const std::pair<int, QKeySequence> hidden[] = {{cmd::InsertRowAbove, QKeySequence(Qt::ALT | Qt::Key_Insert)},
-                                                   {cmd::InsertRowBelow, QKeySequence(Qt::Key_Insert)},
-                                                   {cmd::RefreshCoordinates, QKeySequence(Qt::Key_F5)}};
+    const std::pair<int, QKeySequence> hidden[] = {
+        {cmd::InsertRowAbove, QKeySequence(Qt::ALT | Qt::Key_Insert)},
+        {cmd::InsertRowBelow, QKeySequence(Qt::Key_Insert)},
+        {cmd::RefreshCoordinates, QKeySequence(Qt::Key_F5)}};
     for (const auto &[id, keys] : hidden) {
         auto *action = new QAction(this);
         action->setShortcut(keys);
@@ -285,8 +293,8 @@ void CKELMADlg::processCommandLine(const std::string &commandLine) {
 }
 
 void CKELMADlg::updateTitle() {
-    setWindowTitle(qstr(format("%s - [RW5: %s] - [CRD: %s]", tramline::tr(kProductName), m_rawDocument.fileName().c_str(),
-                               m_coordinateFileName.c_str())));
+    setWindowTitle(qstr(format("%s - [RW5: %s] - [CRD: %s]", tramline::tr(kProductName),
+                               m_rawDocument.fileName().c_str(), m_coordinateFileName.c_str())));
 }
 
 // --- grids ---------------------------------------------------------------------
@@ -325,7 +333,8 @@ void CKELMADlg::refreshRawGrid() {
             ++first;
         if (first == m_rawModel->rowCount())
             first = 0;
-        m_rawGrid->selectionModel()->setCurrentIndex(m_rawModel->index(first, 1), QItemSelectionModel::NoUpdate);
+        m_rawGrid->selectionModel()->setCurrentIndex(m_rawModel->index(first, 1),
+                                                     QItemSelectionModel::NoUpdate);
     }
     m_rawModel->setCurrentRow(m_rawGrid->currentIndex().row());
 }
@@ -345,9 +354,9 @@ void CKELMADlg::fitRawColumns() {
         if (m_rawModel->isTextRow(r))
             continue;
         for (int c = 1; c < RawGridModel::kColumns - 1; ++c)
-            widths[static_cast<size_t>(c)] =
-                std::max(widths[static_cast<size_t>(c)],
-                         metrics.horizontalAdvance(m_rawModel->index(r, c).data().toString()) + padding);
+            widths[static_cast<size_t>(c)] = std::max(
+                widths[static_cast<size_t>(c)],
+                metrics.horizontalAdvance(m_rawModel->index(r, c).data().toString()) + padding);
     }
     for (int c = 0; c < RawGridModel::kColumns - 1; ++c)
         m_rawGrid->setColumnWidth(c, std::min(widths[static_cast<size_t>(c)], 260));
@@ -374,10 +383,13 @@ QList<QAction *> CKELMADlg::actions(int id) const {
     return found;
 }
 
-QTableView *CKELMADlg::activeGrid() const { return m_activeGrid ? m_activeGrid : m_rawGrid; }
+QTableView *CKELMADlg::activeGrid() const {
+    return m_activeGrid ? m_activeGrid : m_rawGrid;
+}
 
 void CKELMADlg::selectRawCell(size_t row, size_t cellColumn) {
-    const QModelIndex index = m_rawModel->index(static_cast<int>(row), m_rawModel->gridColumn(row, cellColumn));
+    const QModelIndex index =
+        m_rawModel->index(static_cast<int>(row), m_rawModel->gridColumn(row, cellColumn));
     m_rawGrid->setCurrentIndex(index);
     m_rawGrid->scrollTo(index);
 }
@@ -385,7 +397,8 @@ void CKELMADlg::selectRawCell(size_t row, size_t cellColumn) {
 bool CKELMADlg::eventFilter(QObject *watched, QEvent *event) {
     if (watched == m_client && event->type() == QEvent::Resize)
         layoutGrids();
-    else if (event->type() == QEvent::FocusIn && (watched == m_rawGrid || watched == m_coordinateGrid))
+    else if (event->type() == QEvent::FocusIn &&
+             (watched == m_rawGrid || watched == m_coordinateGrid))
         m_activeGrid = static_cast<QTableView *>(watched);
     return QMainWindow::eventFilter(watched, event);
 }
@@ -404,7 +417,8 @@ bool CKELMADlg::exitProgram() {
     m_settings.angDisplayMode = modes.angle;
     m_settings.neOrder = modes.neOrder;
     m_settings.tmpdir = withSeparator(m_folders.working);
-    writeSettingsFile(m_folders.settings / kSettingsFileName, m_settings); // a failure is no reason to stay
+    writeSettingsFile(m_folders.settings / kSettingsFileName,
+                      m_settings); // a failure is no reason to stay
     m_closed = true;
     return true;
 }

@@ -40,11 +40,12 @@ QString boxText(const std::string &text) {
 
 int QtInteraction::choose(const std::string &title, const std::string &message,
                           const std::vector<std::string> &buttons) {
-    QMessageBox box(QMessageBox::Question, qstr(title), boxText(message), QMessageBox::NoButton, m_parent);
+    QMessageBox box(QMessageBox::Question, qstr(title), boxText(message), QMessageBox::NoButton,
+                    m_parent);
     std::vector<QAbstractButton *> added;
     for (const auto &caption : buttons) {
-        QPushButton *button = box.addButton(qstr(caption), isCancel(caption) ? QMessageBox::RejectRole
-                                                                             : QMessageBox::AcceptRole);
+        QPushButton *button = box.addButton(
+            qstr(caption), isCancel(caption) ? QMessageBox::RejectRole : QMessageBox::AcceptRole);
         if (isCancel(caption))
             box.setEscapeButton(button);
         added.push_back(button);
@@ -65,13 +66,16 @@ bool QtInteraction::fillForm(const std::string &title, std::vector<FormField> &f
 void QtInteraction::message(const std::string &text) {
     const QString shown = boxText(text);
     const bool problem = shown.contains(qtr("Error")) || shown.contains(qtr("Warning")) ||
-                         shown.contains(QStringLiteral("Error")) || shown.contains(QStringLiteral("Warning"));
-    QMessageBox box(problem ? QMessageBox::Warning : QMessageBox::Information, qtr(kProductName), shown,
-                    QMessageBox::Ok, m_parent);
+                         shown.contains(QStringLiteral("Error")) ||
+                         shown.contains(QStringLiteral("Warning"));
+    QMessageBox box(problem ? QMessageBox::Warning : QMessageBox::Information, qtr(kProductName),
+                    shown, QMessageBox::Ok, m_parent);
     box.exec();
 }
 
-void QtInteraction::progress(long, long, const std::string &) { QApplication::processEvents(); }
+void QtInteraction::progress(long, long, const std::string &) {
+    QApplication::processEvents();
+}
 
 bool QtInteraction::idle() {
     QApplication::processEvents();
@@ -84,14 +88,18 @@ QString fileFilter(const std::string &types) {
         patterns << QStringLiteral("*.") + type << QStringLiteral("*.") + type.toUpper();
     QString filter;
     if (!patterns.isEmpty())
-        filter = qstr(types).toUpper().replace(QLatin1Char(';'), QLatin1Char('/')) + QLatin1Char(' ') +
-                 qtr("Files") + QStringLiteral(" (") + patterns.join(QLatin1Char(' ')) + QStringLiteral(");;");
+        filter = qstr(types).toUpper().replace(QLatin1Char(';'), QLatin1Char('/')) +
+                 QLatin1Char(' ') + qtr("Files") + QStringLiteral(" (") +
+                 patterns.join(QLatin1Char(' ')) + QStringLiteral(");;");
     return filter + qtr("All Files") + QStringLiteral(" (*)");
 }
 
-std::string QtInteraction::askFileName(const std::string &title, const std::string &types, bool forSaving) {
-    QString name = forSaving ? QFileDialog::getSaveFileName(m_parent, qstr(title), QString(), fileFilter(types))
-                             : QFileDialog::getOpenFileName(m_parent, qstr(title), QString(), fileFilter(types));
+std::string QtInteraction::askFileName(const std::string &title, const std::string &types,
+                                       bool forSaving) {
+    QString name =
+        forSaving
+            ? QFileDialog::getSaveFileName(m_parent, qstr(title), QString(), fileFilter(types))
+            : QFileDialog::getOpenFileName(m_parent, qstr(title), QString(), fileFilter(types));
     // A name typed without an extension gets the first of the file types.
     if (forSaving && !name.isEmpty() && QFileInfo(name).suffix().isEmpty()) {
         const QString first = qstr(types).section(QLatin1Char(';'), 0, 0);
@@ -143,8 +151,9 @@ FormDialog::FormDialog(const QString &title, const std::vector<FormField> &field
             button->setDefault(true);
         const int result = static_cast<int>(i) + 1;
         // A Cancel button answers like the Escape key.
-        connect(button, &QPushButton::clicked, this,
-                [this, result, cancel = isCancel(buttons[i])] { cancel ? reject() : done(result); });
+        connect(button, &QPushButton::clicked, this, [this, result, cancel = isCancel(buttons[i])] {
+            cancel ? reject() : done(result);
+        });
         row->addWidget(button);
     }
     layout->addLayout(row);

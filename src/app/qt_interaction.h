@@ -25,7 +25,8 @@ public:
     void progress(long position, long length, const std::string &caption) override;
     bool idle() override;
 
-    std::string askFileName(const std::string &title, const std::string &types, bool forSaving) override;
+    std::string askFileName(const std::string &title, const std::string &types,
+                            bool forSaving) override;
     int askForm(const std::string &title, std::vector<FormField> &fields,
                 const std::vector<std::string> &buttons) override;
 
@@ -39,8 +40,8 @@ private:
 class FormDialog : public QDialog {
     Q_OBJECT
 public:
-    FormDialog(const QString &title, const std::vector<FormField> &fields, const std::vector<std::string> &buttons,
-               QWidget *parent = nullptr);
+    FormDialog(const QString &title, const std::vector<FormField> &fields,
+               const std::vector<std::string> &buttons, QWidget *parent = nullptr);
     /// Copies the widgets' values into the fields.
     void collect(std::vector<FormField> &fields) const;
 

@@ -14,7 +14,9 @@ int RawGridModel::rowCount(const QModelIndex &parent) const {
     return parent.isValid() ? 0 : static_cast<int>(m_document.rowCount());
 }
 
-int RawGridModel::columnCount(const QModelIndex &parent) const { return parent.isValid() ? 0 : kColumns; }
+int RawGridModel::columnCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : kColumns;
+}
 
 size_t RawGridModel::cellColumn(int row, int column) const {
     if (m_neOrder == 1 && row >= 0 && static_cast<size_t>(row) < m_document.rowCount() &&
@@ -165,7 +167,8 @@ void RawGridDelegate::setEditorData(QWidget *editor, const QModelIndex &index) c
     QStyledItemDelegate::setEditorData(editor, index);
 }
 
-void RawGridDelegate::setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const {
+void RawGridDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
+                                   const QModelIndex &index) const {
     if (auto *list = qobject_cast<QComboBox *>(editor)) {
         if (list->currentIndex() >= 0)
             model->setData(index, list->currentText(), Qt::EditRole);

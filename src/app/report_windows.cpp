@@ -29,7 +29,8 @@ QPlainTextEdit *reportView(const QString &text, QWidget *parent) {
 }
 
 // Print and Close; `current` gives the text to print when Print is pressed.
-QDialogButtonBox *buttonRow(QDialog *dialog, QPrinter *printer, std::function<QPlainTextEdit *()> current) {
+QDialogButtonBox *buttonRow(QDialog *dialog, QPrinter *printer,
+                            std::function<QPlainTextEdit *()> current) {
     auto *buttons = new QDialogButtonBox(dialog);
     QPushButton *print = buttons->addButton(qtr("Print"), QDialogButtonBox::ActionRole);
     QObject::connect(print, &QPushButton::clicked, dialog, [dialog, printer, current] {
@@ -44,7 +45,8 @@ QDialogButtonBox *buttonRow(QDialog *dialog, QPrinter *printer, std::function<QP
 
 } // namespace
 
-TextWindow::TextWindow(const QString &title, const QString &text, QPrinter *printer, QWidget *parent)
+TextWindow::TextWindow(const QString &title, const QString &text, QPrinter *printer,
+                       QWidget *parent)
     : QDialog(parent) {
     setWindowTitle(title);
     setAttribute(Qt::WA_DeleteOnClose);
@@ -55,7 +57,9 @@ TextWindow::TextWindow(const QString &title, const QString &text, QPrinter *prin
     resize(760, 520);
 }
 
-QString TextWindow::text() const { return m_text->toPlainText(); }
+QString TextWindow::text() const {
+    return m_text->toPlainText();
+}
 
 ProcessResultsWindow::ProcessResultsWindow(const Report &report, QPrinter *printer, QWidget *parent)
     : QDialog(parent) {
@@ -67,7 +71,8 @@ ProcessResultsWindow::ProcessResultsWindow(const Report &report, QPrinter *print
     for (const auto &tab : report.tabs())
         m_tabs->addTab(reportView(qstr(tab.text), m_tabs), qstr(tab.title));
     layout->addWidget(m_tabs);
-    layout->addWidget(buttonRow(this, printer, [this] { return static_cast<QPlainTextEdit *>(m_tabs->currentWidget()); }));
+    layout->addWidget(buttonRow(
+        this, printer, [this] { return static_cast<QPlainTextEdit *>(m_tabs->currentWidget()); }));
     resize(820, 600);
 }
 

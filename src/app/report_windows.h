@@ -19,7 +19,8 @@ namespace tramline::app {
 class TextWindow : public QDialog {
     Q_OBJECT
 public:
-    TextWindow(const QString &title, const QString &text, QPrinter *printer, QWidget *parent = nullptr);
+    TextWindow(const QString &title, const QString &text, QPrinter *printer,
+               QWidget *parent = nullptr);
     QString text() const;
 
 private:

@@ -9,12 +9,15 @@ namespace {
 
 constexpr char kSeparator = static_cast<char>(std::filesystem::path::preferred_separator);
 
-bool isSeparator(char c) { return c == '/' || c == kSeparator; }
+bool isSeparator(char c) {
+    return c == '/' || c == kSeparator;
+}
 
 bool sameName(std::string_view a, std::string_view b) {
 #ifdef _WIN32
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-        return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+        return std::tolower(static_cast<unsigned char>(x)) ==
+               std::tolower(static_cast<unsigned char>(y));
     });
 #else
     return a == b;
@@ -32,7 +35,8 @@ std::string programFolder(const std::string &modulePath, const std::string &exec
     }
     std::error_code ec;
     if (modulePath.empty() || std::filesystem::is_directory(modulePath, ec))
-        return modulePath.empty() || isSeparator(modulePath.back()) ? modulePath : modulePath + kSeparator;
+        return modulePath.empty() || isSeparator(modulePath.back()) ? modulePath
+                                                                    : modulePath + kSeparator;
     return withSeparator(std::filesystem::path(modulePath).parent_path());
 }
 
@@ -43,7 +47,8 @@ std::string withSeparator(const std::filesystem::path &folder) {
     return text;
 }
 
-ShellFolders shellFolders(const std::string &modulePath, const std::filesystem::path &applicationData,
+ShellFolders shellFolders(const std::string &modulePath,
+                          const std::filesystem::path &applicationData,
                           const std::filesystem::path &documents) {
     ShellFolders folders;
     folders.program = programFolder(modulePath);

@@ -22,7 +22,8 @@ inline constexpr const char *kExecutableName = "tramline";
 /// separator is appended if the path is a folder, else the path's own
 /// folder is taken: a path ending in a file name and a separator would name
 /// nothing.
-std::string programFolder(const std::string &modulePath, const std::string &executableName = kExecutableName);
+std::string programFolder(const std::string &modulePath,
+                          const std::string &executableName = kExecutableName);
 
 struct ShellFolders {
     std::filesystem::path program;  ///< ends in a separator
@@ -31,7 +32,8 @@ struct ShellFolders {
 };
 
 /// The folders under the given application-data and documents folders.
-ShellFolders shellFolders(const std::string &modulePath, const std::filesystem::path &applicationData,
+ShellFolders shellFolders(const std::string &modulePath,
+                          const std::filesystem::path &applicationData,
                           const std::filesystem::path &documents);
 
 /// A folder path as the settings file holds it: with a trailing separator.

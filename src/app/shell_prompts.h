@@ -17,7 +17,8 @@ public:
     /// Asks for a file to open (or, with `forSaving`, to save) under a
     /// dialog title, offering the file types listed as "rw5" or
     /// "crd;crdb;cgc". Empty when the user cancelled.
-    virtual std::string askFileName(const std::string &title, const std::string &types, bool forSaving) = 0;
+    virtual std::string askFileName(const std::string &title, const std::string &types,
+                                    bool forSaving) = 0;
 
     /// Shows a form whose buttons are given; the fields are edited in
     /// place. Returns the index of the button pressed, -1 when the form was

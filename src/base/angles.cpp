@@ -54,7 +54,9 @@ double packDms(double decimalDegrees, int secondsDecimals) {
         return decimalDegrees; // far outside any angle; nothing to pack
     const bool negative = decimalDegrees < 0;
     static constexpr double kScales[] = {1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
-    const double scale = kScales[secondsDecimals < 0 ? 0 : secondsDecimals > 9 ? 9 : secondsDecimals];
+    const double scale = kScales[secondsDecimals < 0   ? 0
+                                 : secondsDecimals > 9 ? 9
+                                                       : secondsDecimals];
     // Total seconds in units of the last kept place, rounded once.
     const long long units = std::llround(std::fabs(decimalDegrees) * 3600.0 * scale);
     const long long unitsPerMinute = static_cast<long long>(60 * scale);
@@ -62,7 +64,8 @@ double packDms(double decimalDegrees, int secondsDecimals) {
     const long long deg = units / unitsPerDegree;
     const long long min = (units % unitsPerDegree) / unitsPerMinute;
     const double sec = static_cast<double>(units % unitsPerMinute) / scale;
-    const double packed = static_cast<double>(deg) + static_cast<double>(min) / 100.0 + sec / 10000.0;
+    const double packed =
+        static_cast<double>(deg) + static_cast<double>(min) / 100.0 + sec / 10000.0;
     return negative ? -packed : packed;
 }
 

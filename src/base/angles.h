@@ -16,9 +16,13 @@ inline constexpr double kDegreesPerRadian = 57.29577951308232;
 inline constexpr double kSecondsPerRadian = 206264.8;
 
 /// Radians from decimal degrees.
-constexpr double radians(double degrees) { return degrees * kPi / 180.0; }
+constexpr double radians(double degrees) {
+    return degrees * kPi / 180.0;
+}
 /// Decimal degrees from radians.
-constexpr double degrees(double radians) { return radians * 180.0 / kPi; }
+constexpr double degrees(double radians) {
+    return radians * 180.0 / kPi;
+}
 
 /// Decimal degrees from a packed ddd.mmss value. No validity check: minutes
 /// or seconds above 59 simply add their worth (use isValidDms first).
@@ -46,8 +50,12 @@ DmsParts splitDms(double dms);
 bool isValidDms(double dms);
 
 /// Decimal gons from decimal degrees and back (0.9 degree a gon).
-constexpr double degreesToGons(double decimalDegrees) { return decimalDegrees / 0.9; }
-constexpr double gonsToDegrees(double gons) { return gons * 0.9; }
+constexpr double degreesToGons(double decimalDegrees) {
+    return decimalDegrees / 0.9;
+}
+constexpr double gonsToDegrees(double gons) {
+    return gons * 0.9;
+}
 
 /// Brings an angle in decimal degrees into [0, 360).
 double normalizeDegrees(double decimalDegrees);

@@ -71,7 +71,12 @@ bool saveAtomically(const std::filesystem::path &path,
     if (ok && ::stat(path.c_str(), &old) == 0)
         ::fchmod(fd, old.st_mode & 07777);
     else if (ok)
-        ::fchmod(fd, 0666 & ~[] { const mode_t m = ::umask(0); ::umask(m); return m; }());
+        ::fchmod(
+            fd, 0666 & ~[] {
+                const mode_t m = ::umask(0);
+                ::umask(m);
+                return m;
+            }());
     if (::close(fd) != 0 && ok) {
         ok = false;
         savedErrno = errno;
@@ -89,8 +94,8 @@ bool saveAtomically(const std::filesystem::path &path,
 
 bool saveTextAtomically(const std::filesystem::path &path, const std::string &text,
                         std::string *error) {
-    return saveAtomically(path, [&](std::ostream &out) { return static_cast<bool>(out << text); },
-                          error);
+    return saveAtomically(
+        path, [&](std::ostream &out) { return static_cast<bool>(out << text); }, error);
 }
 
 } // namespace tramline

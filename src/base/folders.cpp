@@ -28,6 +28,8 @@ std::filesystem::path settingsFolder() {
     return applicationDataFolder() / "Halvren Software" / "Halvren Tramline";
 }
 
-std::filesystem::path defaultWorkingFolder() { return documentsFolder() / "Halvren Tramline"; }
+std::filesystem::path defaultWorkingFolder() {
+    return documentsFolder() / "Halvren Tramline";
+}
 
 } // namespace tramline

@@ -42,7 +42,8 @@ void appendFormat(std::string &out, const char *pattern, ...) {
 
 void appendFixed(std::string &out, double value, int decimals, int width) {
     char buffer[400];
-    const auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, decimals);
+    const auto [end, ec] =
+        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, decimals);
     if (ec != std::errc()) {
         out += format("%*.*f", width, decimals, value);
         return;
@@ -77,7 +78,8 @@ bool parseNumber(std::string_view text, double &value) {
     // matters when a million records are read. It takes no "nan", "inf" or
     // hex without being asked to, and no survey value is any of those.
     double v = 0.0;
-    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), v, std::chars_format::general);
+    const auto [end, ec] =
+        std::from_chars(text.data(), text.data() + text.size(), v, std::chars_format::general);
     if (ec != std::errc() || end != text.data() + text.size())
         return false;
     if (!std::isfinite(v))

@@ -29,7 +29,8 @@ void appendFixed(std::string &out, double value, int decimals, int width = 0);
 
 /// Appends `text` padded with blanks to `width`; left-aligned unless
 /// `right`. Longer text is cut when `cut` (like "%-9.9s").
-void appendPadded(std::string &out, std::string_view text, size_t width, bool right = false, bool cut = false);
+void appendPadded(std::string &out, std::string_view text, size_t width, bool right = false,
+                  bool cut = false);
 
 /// Parses a whole text as a number (leading and trailing blanks allowed).
 /// False for empty text, trailing garbage, or a value out of range.

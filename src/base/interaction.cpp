@@ -6,7 +6,8 @@ void fillFieldsFrom(const std::string &answer, std::vector<FormField> &fields) {
     size_t start = 0;
     for (auto &field : fields) {
         const size_t bar = answer.find('|', start);
-        field.value = answer.substr(start, bar == std::string::npos ? std::string::npos : bar - start);
+        field.value =
+            answer.substr(start, bar == std::string::npos ? std::string::npos : bar - start);
         if (bar == std::string::npos)
             break;
         start = bar + 1;

@@ -48,7 +48,8 @@ public:
 /// For batch runs where no question is expected.
 class SilentInteraction : public Interaction {
 public:
-    int choose(const std::string &, const std::string &, const std::vector<std::string> &) override {
+    int choose(const std::string &, const std::string &,
+               const std::vector<std::string> &) override {
         return -1;
     }
     bool fillForm(const std::string &, std::vector<FormField> &) override { return false; }
@@ -63,7 +64,8 @@ public:
 /// Records every question and message, so that tests can check them.
 class ScriptedInteraction : public Interaction {
 public:
-    explicit ScriptedInteraction(std::deque<std::string> replies = {}) : m_replies(std::move(replies)) {}
+    explicit ScriptedInteraction(std::deque<std::string> replies = {})
+        : m_replies(std::move(replies)) {}
 
     void reply(std::string answer) { m_replies.push_back(std::move(answer)); }
 

@@ -8,9 +8,13 @@
 namespace tramline {
 
 namespace {
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
-char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+char upper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 unsigned char lower(char c) {
     return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
 }
@@ -51,7 +55,9 @@ double leadingDouble(std::string_view s) {
     return value;
 }
 
-template <typename T> int compareValues(T x, T y) { return x < y ? -1 : (x > y ? 1 : 0); }
+template <typename T> int compareValues(T x, T y) {
+    return x < y ? -1 : (x > y ? 1 : 0);
+}
 
 std::string_view trim(std::string_view s) {
     while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front())))
@@ -118,7 +124,8 @@ bool PointList::contains(std::string_view name) const {
         if (item.last.empty()) {
             if (comparePointNames(name, item.first) == 0)
                 return true;
-        } else if (comparePointNames(item.first, name) <= 0 && comparePointNames(name, item.last) <= 0) {
+        } else if (comparePointNames(item.first, name) <= 0 &&
+                   comparePointNames(name, item.last) <= 0) {
             return true;
         }
     }

@@ -1,9 +1,9 @@
 #include "base/translation.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <clocale>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <libintl.h>
 
 namespace tramline {
@@ -31,7 +31,8 @@ bool setTranslationLanguage(const std::string &catalogueFolder, const std::strin
     // machine without the user's locale installed falls back to; C.UTF-8
     // keeps every other behaviour of "C" and lets the catalogue speak.
     const char *messages = std::setlocale(LC_MESSAGES, nullptr);
-    if (messages == nullptr || std::strcmp(messages, "C") == 0 || std::strcmp(messages, "POSIX") == 0)
+    if (messages == nullptr || std::strcmp(messages, "C") == 0 ||
+        std::strcmp(messages, "POSIX") == 0)
         std::setlocale(LC_MESSAGES, "C.UTF-8");
     bindtextdomain(kTextDomain, catalogueFolder.c_str());
     bind_textdomain_codeset(kTextDomain, "UTF-8");

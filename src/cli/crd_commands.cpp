@@ -31,7 +31,8 @@ public:
 
 // Everything a command needs to work on one coordinate file.
 struct Store {
-    explicit Store(CommandContext &context) : ctx(context), ui(context.err), file(makeContext(ui)) {}
+    explicit Store(CommandContext &context)
+        : ctx(context), ui(context.err), file(makeContext(ui)) {}
 
     static crd::CrdContext makeContext(Interaction &ui) {
         crd::CrdContext c;
@@ -74,7 +75,8 @@ const char *formatName(int format) {
 }
 
 void addNew(CLI::App &crdApp, CommandContext &ctx) {
-    auto *cmd = crdApp.add_subcommand("new", "Create an empty coordinate file (an existing one is replaced)");
+    auto *cmd = crdApp.add_subcommand(
+        "new", "Create an empty coordinate file (an existing one is replaced)");
     struct Options {
         std::string file;
         bool alpha = false, numeric = false;
@@ -86,10 +88,13 @@ void addNew(CLI::App &crdApp, CommandContext &ctx) {
     alpha->excludes(numeric);
     cmd->callback([&ctx, o] {
         Store store(ctx);
-        const int layout = o->numeric ? crd::kFormatNumeric : o->alpha ? crd::kFormatAlphanumeric : -1;
+        const int layout = o->numeric ? crd::kFormatNumeric
+                           : o->alpha ? crd::kFormatAlphanumeric
+                                      : -1;
         if (!store.file.open(o->file, 1, layout))
             return store.failed();
-        ctx.out << format("Created %s (%s)", o->file.c_str(), formatName(store.file.format())) << '\n';
+        ctx.out << format("Created %s (%s)", o->file.c_str(), formatName(store.file.format()))
+                << '\n';
     });
 }
 
@@ -108,7 +113,8 @@ void addPut(CLI::App &crdApp, CommandContext &ctx) {
     cmd->add_option("EASTING", o->easting, "Easting")->required();
     cmd->add_option("ELEVATION", o->elevation, "Elevation (98765432.1: none)")->required();
     cmd->add_option("DESCRIPTION", o->description, "Description (31 characters are kept)");
-    cmd->add_flag("--history", o->history, "Record the change in the history file (always when it exists)");
+    cmd->add_flag("--history", o->history,
+                  "Record the change in the history file (always when it exists)");
     cmd->callback([&ctx, o] {
         Store store(ctx);
         if (!store.openForUpdate(o->file, o->history))
@@ -125,7 +131,8 @@ void addPut(CLI::App &crdApp, CommandContext &ctx) {
 }
 
 void addGet(CLI::App &crdApp, CommandContext &ctx) {
-    auto *cmd = crdApp.add_subcommand("get", "Print a point as name,northing,easting,elevation,description");
+    auto *cmd = crdApp.add_subcommand(
+        "get", "Print a point as name,northing,easting,elevation,description");
     struct Options {
         std::string file, name;
         bool next = false, previous = false;
@@ -194,7 +201,8 @@ void addDelete(CLI::App &crdApp, CommandContext &ctx) {
     auto o = std::make_shared<Options>();
     cmd->add_option("FILE", o->file, "Coordinate file")->required();
     cmd->add_option("LIST", o->list, "Points to delete, like 1-5,7,A10")->required();
-    cmd->add_flag("--history", o->history, "Record the change in the history file (always when it exists)");
+    cmd->add_flag("--history", o->history,
+                  "Record the change in the history file (always when it exists)");
     cmd->callback([&ctx, o] {
         PointList list;
         if (!list.parse(o->list))
@@ -203,8 +211,8 @@ void addDelete(CLI::App &crdApp, CommandContext &ctx) {
         if (!store.openForUpdate(o->file, o->history))
             return;
         std::vector<CrdPoint> removed;
-        const long count =
-            store.file.deletePoints([&](const CrdPoint &p) { return list.contains(p.name); }, &removed);
+        const long count = store.file.deletePoints(
+            [&](const CrdPoint &p) { return list.contains(p.name); }, &removed);
         if (count < 0)
             return store.failed();
         for (const auto &point : removed)
@@ -239,7 +247,8 @@ void addInfo(CLI::App &crdApp, CommandContext &ctx) {
 }
 
 void addHistory(CLI::App &crdApp, CommandContext &ctx) {
-    auto *cmd = crdApp.add_subcommand("history", "List the changes recorded in the file's history (.his)");
+    auto *cmd =
+        crdApp.add_subcommand("history", "List the changes recorded in the file's history (.his)");
     auto file = std::make_shared<std::string>();
     cmd->add_option("FILE", *file, "Coordinate file")->required();
     cmd->callback([&ctx, file] {
@@ -262,7 +271,8 @@ void addHistory(CLI::App &crdApp, CommandContext &ctx) {
 } // namespace
 
 void addCrdCommands(CLI::App &app, CommandContext &ctx) {
-    auto *crdApp = app.add_subcommand("crd", "Coordinate files (.crd): new, put, get, list, delete, info, history");
+    auto *crdApp = app.add_subcommand(
+        "crd", "Coordinate files (.crd): new, put, get, list, delete, info, history");
     crdApp->require_subcommand(1);
     addNew(*crdApp, ctx);
     addPut(*crdApp, ctx);

@@ -35,18 +35,25 @@ struct SystemOptions {
 };
 
 void addSystemOptions(CLI::App *cmd, SystemOptions &o) {
-    auto *family = cmd->add_option("--family", o.family, "Family of predefined systems (name or code)");
-    auto *zone = cmd->add_option("--zone", o.zone, "Zone of the family: its name, or its position in the list");
-    cmd->add_option("--grid-zone", o.gridZone,
-                    "Grid zone where the family's entry leaves it open: UTM/MGA/AMG number, ISG like 56/2");
+    auto *family =
+        cmd->add_option("--family", o.family, "Family of predefined systems (name or code)");
+    auto *zone = cmd->add_option("--zone", o.zone,
+                                 "Zone of the family: its name, or its position in the list");
+    cmd->add_option(
+        "--grid-zone", o.gridZone,
+        "Grid zone where the family's entry leaves it open: UTM/MGA/AMG number, ISG like 56/2");
     cmd->add_flag("--south", o.south, "UTM zone in the southern hemisphere");
-    auto *type = cmd->add_option("--type", o.type, "Projection type code (0-19)")->check(CLI::Range(0, 19));
+    auto *type =
+        cmd->add_option("--type", o.type, "Projection type code (0-19)")->check(CLI::Range(0, 19));
     cmd->add_option("--param", o.params,
                     "Projection parameter NAME=VALUE (well-known-text name; degrees, metres)");
     cmd->add_option("--ellipsoid", o.ellipsoid, "Ellipsoid name from the ellipsoid list");
-    cmd->add_option("--semi-major-axis", o.semiMajorAxis, "Semi-major axis of a User-Defined ellipsoid, metres");
-    cmd->add_option("--inverse-flattening", o.inverseFlattening, "Inverse flattening of a User-Defined ellipsoid");
-    cmd->add_option("--towgs84", o.towgs84, "Datum to WGS 84: DX,DY,DZ,RX,RY,RZ,PPM (metres, arc-seconds, ppm)");
+    cmd->add_option("--semi-major-axis", o.semiMajorAxis,
+                    "Semi-major axis of a User-Defined ellipsoid, metres");
+    cmd->add_option("--inverse-flattening", o.inverseFlattening,
+                    "Inverse flattening of a User-Defined ellipsoid");
+    cmd->add_option("--towgs84", o.towgs84,
+                    "Datum to WGS 84: DX,DY,DZ,RX,RY,RZ,PPM (metres, arc-seconds, ppm)");
     cmd->add_option("--name", o.name, "System name");
     cmd->add_option("--datum", o.datum, "Datum name");
     family->needs(zone);
@@ -75,8 +82,8 @@ bool parseCsvNumbers(const std::string &text, std::vector<double> &values) {
 
 // Builds the system the options name. Bad usage throws CLI's validation
 // error (exit code 2); a system that cannot be built is reported (1).
-bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &cs, double latitude = kUnset,
-                 double longitude = kUnset) {
+bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &cs,
+                 double latitude = kUnset, double longitude = kUnset) {
     if (!o.family.empty()) {
         const auto family = familyFromName(o.family);
         if (!family)
@@ -90,7 +97,8 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
         options.south = o.south;
         options.latitude = latitude;
         options.longitude = longitude;
-        if (Status status = zoneSystem(*family, zone.empty() ? o.zone : zone, options, cs); !status) {
+        if (Status status = zoneSystem(*family, zone.empty() ? o.zone : zone, options, cs);
+            !status) {
             fail(ctx, status);
             return false;
         }
@@ -100,14 +108,16 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
         for (const auto &param : o.params) {
             const auto eq = param.find('=');
             double value = 0;
-            if (eq == std::string::npos || !parseNumber(std::string_view(param).substr(eq + 1), value))
+            if (eq == std::string::npos ||
+                !parseNumber(std::string_view(param).substr(eq + 1), value))
                 throw CLI::ValidationError("--param", "give NAME=VALUE, not " + param);
             const std::string name = param.substr(0, eq);
             if (usesCoefficients(cs.type)) {
                 const auto names = coefficientNames(cs.type, 64);
                 const auto it = std::find(names.begin(), names.end(), name);
                 if (it == names.end())
-                    throw CLI::ValidationError("--param", "no coefficient " + name + " in this type");
+                    throw CLI::ValidationError("--param",
+                                               "no coefficient " + name + " in this type");
                 const auto index = static_cast<std::size_t>(it - names.begin());
                 if (cs.parameters.coefficients.size() <= index)
                     cs.parameters.coefficients.resize(index + 1, 0.0);
@@ -120,7 +130,8 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
             cs.parameters.setValue(*parameter, value);
         }
     } else {
-        throw CLI::ValidationError("SYSTEM", "name a system with --family and --zone, or --type and --param");
+        throw CLI::ValidationError("SYSTEM",
+                                   "name a system with --family and --zone, or --type and --param");
     }
     if (!o.ellipsoid.empty()) {
         const auto choices = ellipsoidChoices();
@@ -133,7 +144,8 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
             cs.ellipsoidIndex = index;
         } else {
             if (o.semiMajorAxis <= 0.0)
-                throw CLI::ValidationError("--semi-major-axis", "a User-Defined ellipsoid needs its axis");
+                throw CLI::ValidationError("--semi-major-axis",
+                                           "a User-Defined ellipsoid needs its axis");
             cs.ellipsoidIndex = kUserDefinedEllipsoid;
             cs.userSemiMajorAxis = o.semiMajorAxis;
             cs.userInverseFlattening = o.inverseFlattening;
@@ -160,8 +172,10 @@ std::string describe(const CoordinateSystem &cs) {
     appendFormat(out, "Name: %s\n", cs.name.c_str());
     appendFormat(out, "Datum: %s\n", cs.datum.c_str());
     appendFormat(out, "Ellipsoid: %s %.3f %.9f\n", e.name.c_str(), e.a, e.inverseFlattening);
-    appendFormat(out, tr("Translate (m) DX: %.4f DY: %.4f DZ: %.4f\n"), cs.shift.dx, cs.shift.dy, cs.shift.dz);
-    appendFormat(out, tr("Rotate (seconds) RX: %.6f RY: %.6f RZ: %.6f\n"), cs.shift.rx, cs.shift.ry, cs.shift.rz);
+    appendFormat(out, tr("Translate (m) DX: %.4f DY: %.4f DZ: %.4f\n"), cs.shift.dx, cs.shift.dy,
+                 cs.shift.dz);
+    appendFormat(out, tr("Rotate (seconds) RX: %.6f RY: %.6f RZ: %.6f\n"), cs.shift.rx, cs.shift.ry,
+                 cs.shift.rz);
     appendFormat(out, "%s: %.6f\n", tr("Scale (ppm)"), cs.shift.scalePpm);
     appendFormat(out, "Type: %d %s\n", static_cast<int>(cs.type), tr(projectionTypeName(cs.type)));
     if (usesCoefficients(cs.type)) {
@@ -197,10 +211,11 @@ void addLists(CLI::App &geo, CommandContext &ctx) {
         for (int code = 0; code < kProjectionTypeCount; ++code)
             ctx.out << tr(projectionTypeName(*projectionTypeFromCode(code))) << '\n';
     });
-    geo.add_subcommand("families", "Families of predefined systems in code order, one a line")->callback([&ctx] {
-        for (int code = 0; code < kFamilyCount; ++code)
-            ctx.out << tr(familyName(*familyFromCode(code))) << '\n';
-    });
+    geo.add_subcommand("families", "Families of predefined systems in code order, one a line")
+        ->callback([&ctx] {
+            for (int code = 0; code < kFamilyCount; ++code)
+                ctx.out << tr(familyName(*familyFromCode(code))) << '\n';
+        });
     geo.add_subcommand("ellipsoids", "The ellipsoid choice list, one a line")->callback([&ctx] {
         for (const auto &name : ellipsoidChoices())
             ctx.out << name << '\n';
@@ -218,7 +233,8 @@ void addLists(CLI::App &geo, CommandContext &ctx) {
 }
 
 void addWkt(CLI::App &geo, CommandContext &ctx) {
-    auto *cmd = geo.add_subcommand("wkt", "Write a system as compound well-known text, or read such a file");
+    auto *cmd = geo.add_subcommand(
+        "wkt", "Write a system as compound well-known text, or read such a file");
     struct Options {
         SystemOptions system;
         std::string out, read;
@@ -226,9 +242,11 @@ void addWkt(CLI::App &geo, CommandContext &ctx) {
     };
     auto o = std::make_shared<Options>();
     addSystemOptions(cmd, o->system);
-    auto *out = cmd->add_option("--out", o->out, "Write the line to this file instead of the output");
+    auto *out =
+        cmd->add_option("--out", o->out, "Write the line to this file instead of the output");
     cmd->add_flag("--append", o->append, "Add the line at the end of the file")->needs(out);
-    cmd->add_option("--read", o->read, "Read the systems of this file and print them")->excludes(out);
+    cmd->add_option("--read", o->read, "Read the systems of this file and print them")
+        ->excludes(out);
     cmd->callback([&ctx, o] {
         if (!o->read.empty()) {
             std::vector<CoordinateSystem> systems;
@@ -256,14 +274,16 @@ struct ConversionOptions {
 };
 
 void addForward(CLI::App &geo, CommandContext &ctx) {
-    auto *cmd = geo.add_subcommand("forward", "Latitude and longitude to northing and easting, with the grid scale "
-                                              "factor and convergence (tab-separated)");
+    auto *cmd = geo.add_subcommand(
+        "forward", "Latitude and longitude to northing and easting, with the grid scale "
+                   "factor and convergence (tab-separated)");
     auto o = std::make_shared<ConversionOptions>();
     addSystemOptions(cmd, o->system);
     cmd->add_option("LAT", o->first, "Latitude, decimal degrees, north positive")->required();
     cmd->add_option("LON", o->second, "Longitude, decimal degrees, east positive")->required();
     cmd->add_flag("--json", o->json, "Write a JSON object");
-    cmd->add_flag("--wgs84", o->wgs84, "LAT and LON are WGS 84: apply the system's datum shift first");
+    cmd->add_flag("--wgs84", o->wgs84,
+                  "LAT and LON are WGS 84: apply the system's datum shift first");
     cmd->callback([&ctx, o] {
         CoordinateSystem cs;
         if (!buildSystem(o->system, ctx, cs, o->first, o->second))
@@ -288,7 +308,9 @@ void addForward(CLI::App &geo, CommandContext &ctx) {
         if (!status)
             return fail(ctx, status);
         if (o->json)
-            ctx.out << nlohmann::json{{"northing", n}, {"easting", e}, {"scale_factor", f.scaleFactor},
+            ctx.out << nlohmann::json{{"northing", n},
+                                      {"easting", e},
+                                      {"scale_factor", f.scaleFactor},
                                       {"convergence", f.convergence}}
                            .dump()
                     << '\n';
@@ -298,14 +320,16 @@ void addForward(CLI::App &geo, CommandContext &ctx) {
 }
 
 void addInverse(CLI::App &geo, CommandContext &ctx) {
-    auto *cmd = geo.add_subcommand("inverse", "Northing and easting to latitude and longitude, with the grid "
-                                              "scale factor and convergence (tab-separated)");
+    auto *cmd = geo.add_subcommand("inverse",
+                                   "Northing and easting to latitude and longitude, with the grid "
+                                   "scale factor and convergence (tab-separated)");
     auto o = std::make_shared<ConversionOptions>();
     addSystemOptions(cmd, o->system);
     cmd->add_option("NORTHING", o->first, "Northing, metres")->required();
     cmd->add_option("EASTING", o->second, "Easting, metres")->required();
     cmd->add_flag("--json", o->json, "Write a JSON object");
-    cmd->add_flag("--wgs84", o->wgs84, "Give WGS 84 latitude and longitude: apply the system's datum shift");
+    cmd->add_flag("--wgs84", o->wgs84,
+                  "Give WGS 84 latitude and longitude: apply the system's datum shift");
     cmd->callback([&ctx, o] {
         CoordinateSystem cs;
         if (!buildSystem(o->system, ctx, cs))
@@ -327,7 +351,9 @@ void addInverse(CLI::App &geo, CommandContext &ctx) {
         if (!status)
             return fail(ctx, status);
         if (o->json)
-            ctx.out << nlohmann::json{{"latitude", lat}, {"longitude", lon}, {"scale_factor", f.scaleFactor},
+            ctx.out << nlohmann::json{{"latitude", lat},
+                                      {"longitude", lon},
+                                      {"scale_factor", f.scaleFactor},
                                       {"convergence", f.convergence}}
                            .dump()
                     << '\n';
@@ -348,14 +374,17 @@ struct GeoidLocation {
 };
 
 void addGeoidLocationOptions(CLI::App *cmd, GeoidLocation &location) {
-    cmd->add_option("--data", location.data, "The data folder holding the grids (default: the settings folder)");
-    cmd->add_option("--server", location.server, "The update server's base address (grids under GeoidGrids/)");
+    cmd->add_option("--data", location.data,
+                    "The data folder holding the grids (default: the settings folder)");
+    cmd->add_option("--server", location.server,
+                    "The update server's base address (grids under GeoidGrids/)");
     cmd->add_option("--timeout", location.timeout, "Seconds before a download is given up")
         ->check(CLI::PositiveNumber);
 }
 
 void addSeparation(CLI::App &geoid, CommandContext &ctx) {
-    auto *cmd = geoid.add_subcommand("separation", "Geoid separation of a model at a position, metres");
+    auto *cmd =
+        geoid.add_subcommand("separation", "Geoid separation of a model at a position, metres");
     struct Options {
         GeoidLocation location;
         int model = 0;
@@ -369,15 +398,17 @@ void addSeparation(CLI::App &geoid, CommandContext &ctx) {
     cmd->callback([&ctx, o] {
         GeoidModels models(o->location.folders());
         double separation = 0;
-        if (Status status = models.separation(o->model, o->latitude, o->longitude, separation); !status)
+        if (Status status = models.separation(o->model, o->latitude, o->longitude, separation);
+            !status)
             return fail(ctx, status);
         ctx.out << format("%.4f\n", separation);
     });
 }
 
 void addImport(CLI::App &geoid, CommandContext &ctx) {
-    auto *cmd = geoid.add_subcommand("import", "Convert a PROJ vertical grid (GTX, as proj-data installs) into a "
-                                               ".grd geoid grid");
+    auto *cmd = geoid.add_subcommand(
+        "import", "Convert a PROJ vertical grid (GTX, as proj-data installs) into a "
+                  ".grd geoid grid");
     auto source = std::make_shared<std::string>();
     auto destination = std::make_shared<std::string>();
     cmd->add_option("SRC", *source, "GTX file, e.g. /usr/share/proj/egm96_15.gtx")->required();
@@ -390,17 +421,21 @@ void addImport(CLI::App &geoid, CommandContext &ctx) {
 }
 
 void addArea(CLI::App &geoid, CommandContext &ctx) {
-    auto *cmd = geoid.add_subcommand("area", "Set Geoid Area: cut a square of a model around a position into a "
-                                             "geoid separation file; entries not given come from setgeoid.ini");
+    auto *cmd = geoid.add_subcommand(
+        "area", "Set Geoid Area: cut a square of a model around a position into a "
+                "geoid separation file; entries not given come from setgeoid.ini");
     struct Options {
         GeoidLocation location;
         GeoidAreaSettings settings;
         std::string out;
-        bool south = false, north = false, east = false, west = false, miles = false, degrees = false;
+        bool south = false, north = false, east = false, west = false, miles = false,
+             degrees = false;
     };
     auto o = std::make_shared<Options>();
-    auto *lat = cmd->add_option("--lat", o->settings.latitude, "Latitude of the job's centre, dd.mmss");
-    auto *lon = cmd->add_option("--lon", o->settings.longitude, "Longitude of the job's centre, dd.mmss");
+    auto *lat =
+        cmd->add_option("--lat", o->settings.latitude, "Latitude of the job's centre, dd.mmss");
+    auto *lon =
+        cmd->add_option("--lon", o->settings.longitude, "Longitude of the job's centre, dd.mmss");
     auto *north = cmd->add_flag("--north", o->north, "The latitude is north");
     cmd->add_flag("--south", o->south, "The latitude is south")->excludes(north);
     auto *east = cmd->add_flag("--east", o->east, "The longitude is east");
@@ -408,7 +443,8 @@ void addArea(CLI::App &geoid, CommandContext &ctx) {
     auto *size = cmd->add_option("--size", o->settings.size, "Geoid Size: side of the square");
     auto *degrees = cmd->add_flag("--degrees", o->degrees, "The size is in degrees");
     cmd->add_flag("--miles", o->miles, "The size is in miles")->excludes(degrees);
-    auto *model = cmd->add_option("--model", o->settings.model, "Geoid To Process: model code (1-78)");
+    auto *model =
+        cmd->add_option("--model", o->settings.model, "Geoid To Process: model code (1-78)");
     cmd->add_option("--out", o->out, "Geoid Separation File to Create (.grd or .gsf)")->required();
     addGeoidLocationOptions(cmd, o->location);
     cmd->callback([&ctx, o, lat, lon, size, model] {
@@ -444,14 +480,16 @@ void addArea(CLI::App &geoid, CommandContext &ctx) {
 } // namespace
 
 void addGeoCommands(CLI::App &app, CommandContext &ctx) {
-    auto *geoid = app.add_subcommand("geoid", "Geoid models: separations, Set Geoid Area, grid import");
+    auto *geoid =
+        app.add_subcommand("geoid", "Geoid models: separations, Set Geoid Area, grid import");
     geoid->require_subcommand(1);
     addSeparation(*geoid, ctx);
     addArea(*geoid, ctx);
     addImport(*geoid, ctx);
 
-    auto *geo = app.add_subcommand("geo", "Coordinate systems: types, families and zones, well-known text, "
-                                          "forward and inverse projection");
+    auto *geo =
+        app.add_subcommand("geo", "Coordinate systems: types, families and zones, well-known text, "
+                                  "forward and inverse projection");
     geo->require_subcommand(1);
     addLists(*geo, ctx);
     addWkt(*geo, ctx);

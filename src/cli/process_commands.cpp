@@ -20,12 +20,14 @@ namespace tramline::cli {
 namespace {
 
 struct ProcessCliOptions {
-    std::string file, crd, method = "none", start, end, closing, closingShot, referenceAzimuth, workdir;
+    std::string file, crd, method = "none", start, end, closing, closingShot, referenceAzimuth,
+                           workdir;
     std::string family, zone, geoidData;
     int geoidModel = 0;
     double scale = 1.0;
-    bool combinedScale = false, curvature = false, stadia = false, twoD = false, reportSideshots = false,
-         verticalAdjust = false, notes = false, json = false, angleBalance = false, reportUnadjusted = false;
+    bool combinedScale = false, curvature = false, stadia = false, twoD = false,
+         reportSideshots = false, verticalAdjust = false, notes = false, json = false,
+         angleBalance = false, reportUnadjusted = false;
     std::vector<std::string> answers;
 };
 
@@ -34,7 +36,8 @@ std::vector<std::string> split(const std::string &text, char sep) {
     size_t start = 0;
     for (;;) {
         const size_t at = text.find(sep, start);
-        parts.push_back(text.substr(start, at == std::string::npos ? std::string::npos : at - start));
+        parts.push_back(
+            text.substr(start, at == std::string::npos ? std::string::npos : at - start));
         if (at == std::string::npos)
             return parts;
         start = at + 1;
@@ -42,10 +45,14 @@ std::vector<std::string> split(const std::string &text, char sep) {
 }
 
 reduce::AdjustMethod methodOf(const std::string &name) {
-    if (name == "angle-balance") return reduce::AdjustMethod::AngleBalance;
-    if (name == "compass") return reduce::AdjustMethod::Compass;
-    if (name == "transit") return reduce::AdjustMethod::Transit;
-    if (name == "crandall") return reduce::AdjustMethod::Crandall;
+    if (name == "angle-balance")
+        return reduce::AdjustMethod::AngleBalance;
+    if (name == "compass")
+        return reduce::AdjustMethod::Compass;
+    if (name == "transit")
+        return reduce::AdjustMethod::Transit;
+    if (name == "crandall")
+        return reduce::AdjustMethod::Crandall;
     return reduce::AdjustMethod::None;
 }
 
@@ -63,13 +70,15 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
     options.reportUnadjusted = o.reportUnadjusted;
     options.startPoint = o.start;
     options.endPoint = o.end;
-    options.workingFolder = o.workdir.empty() ? defaultWorkingFolder() : std::filesystem::path(o.workdir);
+    options.workingFolder =
+        o.workdir.empty() ? defaultWorkingFolder() : std::filesystem::path(o.workdir);
     // The job's coordinate system and geoid, for the combined scale factor.
     geodesy::Projection projection;
     std::unique_ptr<geodesy::GeoidModels> geoid;
     if (o.combinedScale) {
         if (o.family.empty() || o.zone.empty())
-            throw CLI::ValidationError("--combined-scale", "name the job's system with --family and --zone");
+            throw CLI::ValidationError("--combined-scale",
+                                       "name the job's system with --family and --zone");
         const auto family = geodesy::familyFromName(o.family);
         if (!family)
             throw CLI::ValidationError("--family", "no family " + o.family);
@@ -92,7 +101,8 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
         options.geoidModel = o.geoidModel;
         if (o.geoidModel != 0) {
             geodesy::GeoidFolders folders;
-            folders.dataFolder = o.geoidData.empty() ? settingsFolder() : std::filesystem::path(o.geoidData);
+            folders.dataFolder =
+                o.geoidData.empty() ? settingsFolder() : std::filesystem::path(o.geoidData);
             geoid = std::make_unique<geodesy::GeoidModels>(folders);
             options.geoid = geoid.get();
         }
@@ -137,16 +147,18 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
     }
     if (!o.start.empty() && !o.end.empty())
         ui.prefilled.insert(tr("Traverse Points"));
-    ui.hints = {{tr("Traverse Points"), "--start P and --end P"},
-                {tr("Closing Shot Measurement"), "--closing-shot OCC,FS"},
-                {tr("Reference Closing Angle"), "--reference-azimuth DDD.MMSS"},
-                {tr("Occupy Point"), "--answer \"Occupy Point=NORTH|EAST|ELEV|DESCRIPTION\""},
-                {tr("Backsight Point"), "--answer \"Backsight Point=Enter Coordinates\" with --answer \"Backsight Point=...\""},
-                {tr("Store Point Check"), "--answer \"Store Point Check=Continue Processing\""},
-                {tr("Store Point Conflicts"), "--answer \"Store Point Conflicts=Continue Processing\""},
-                {tr("Point Protect"), "--answer \"Point Protect=Continue Processing\""},
-                {tr("SDR Horiz Adjustment"), "--answer \"SDR Horiz Adjustment=Yes\" (or No)"},
-                {tr("SDR Vertical Adjustment"), "--answer \"SDR Vertical Adjustment=Yes\" (or No)"}};
+    ui.hints = {
+        {tr("Traverse Points"), "--start P and --end P"},
+        {tr("Closing Shot Measurement"), "--closing-shot OCC,FS"},
+        {tr("Reference Closing Angle"), "--reference-azimuth DDD.MMSS"},
+        {tr("Occupy Point"), "--answer \"Occupy Point=NORTH|EAST|ELEV|DESCRIPTION\""},
+        {tr("Backsight Point"),
+         "--answer \"Backsight Point=Enter Coordinates\" with --answer \"Backsight Point=...\""},
+        {tr("Store Point Check"), "--answer \"Store Point Check=Continue Processing\""},
+        {tr("Store Point Conflicts"), "--answer \"Store Point Conflicts=Continue Processing\""},
+        {tr("Point Protect"), "--answer \"Point Protect=Continue Processing\""},
+        {tr("SDR Horiz Adjustment"), "--answer \"SDR Horiz Adjustment=Yes\" (or No)"},
+        {tr("SDR Vertical Adjustment"), "--answer \"SDR Vertical Adjustment=Yes\" (or No)"}};
 
     raw::RawFile file;
     std::string error;
@@ -189,35 +201,48 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
 
 void addProcessCommands(CLI::App &app, CommandContext &ctx) {
     auto o = std::make_shared<ProcessCliOptions>();
-    auto *cmd = app.add_subcommand("process", "Process a raw file into a coordinate file: no adjustment, angle "
-                                              "balance, compass, transit or Crandall; prints the Process Results");
+    auto *cmd = app.add_subcommand(
+        "process", "Process a raw file into a coordinate file: no adjustment, angle "
+                   "balance, compass, transit or Crandall; prints the Process Results");
     cmd->add_option("FILE", o->file, "RW5 raw file")->required();
-    cmd->add_option("--crd", o->crd, "Coordinate file to store the points in (created when missing)")->required();
+    cmd->add_option("--crd", o->crd,
+                    "Coordinate file to store the points in (created when missing)")
+        ->required();
     cmd->add_option("--method", o->method, "Adjustment method")
         ->check(CLI::IsMember({"none", "angle-balance", "compass", "transit", "crandall"}));
     cmd->add_option("--start", o->start, "Starting point of the traverse");
     cmd->add_option("--end", o->end, "Ending point of the traverse");
-    cmd->add_option("--closing", o->closing, "Closing reference point P, or P,N,E[,Z] with its coordinates");
-    cmd->add_option("--closing-shot", o->closingShot, "The closing shot OCC,FS when several reach the end");
-    cmd->add_option("--reference-azimuth", o->referenceAzimuth, "Reference closing azimuth for the angle balance, ddd.mmss");
+    cmd->add_option("--closing", o->closing,
+                    "Closing reference point P, or P,N,E[,Z] with its coordinates");
+    cmd->add_option("--closing-shot", o->closingShot,
+                    "The closing shot OCC,FS when several reach the end");
+    cmd->add_option("--reference-azimuth", o->referenceAzimuth,
+                    "Reference closing azimuth for the angle balance, ddd.mmss");
     auto *scale = cmd->add_option("--scale", o->scale, "Fixed scale factor (default 1)");
     cmd->add_flag("--combined-scale", o->combinedScale,
                   "Combined scale factor per measurement (needs --family and --zone)")
         ->excludes(scale);
-    cmd->add_option("--family", o->family, "The job's coordinate system family, for --combined-scale");
+    cmd->add_option("--family", o->family,
+                    "The job's coordinate system family, for --combined-scale");
     cmd->add_option("--zone", o->zone, "The job's zone of that family, for --combined-scale");
-    cmd->add_option("--geoid", o->geoidModel, "Geoid model code (1 to 78) for the ellipsoid heights; 0 none");
-    cmd->add_option("--geoid-data", o->geoidData, "Folder holding the geoid grids (default: the settings folder)");
+    cmd->add_option("--geoid", o->geoidModel,
+                    "Geoid model code (1 to 78) for the ellipsoid heights; 0 none");
+    cmd->add_option("--geoid-data", o->geoidData,
+                    "Folder holding the geoid grids (default: the settings folder)");
     cmd->add_flag("--curvature", o->curvature, "Correct for earth curvature and refraction");
     cmd->add_flag("--stadia", o->stadia, "Stadia reduction");
     cmd->add_flag("--2d", o->twoD, "No elevations");
-    cmd->add_flag("--angle-balance", o->angleBalance, "Balance the angles before the compass, transit or Crandall rule");
+    cmd->add_flag("--angle-balance", o->angleBalance,
+                  "Balance the angles before the compass, transit or Crandall rule");
     cmd->add_flag("--report-sideshots", o->reportSideshots, "List the sideshots in the report");
-    cmd->add_flag("--report-unadjusted", o->reportUnadjusted, "List the unadjusted points in the report");
+    cmd->add_flag("--report-unadjusted", o->reportUnadjusted,
+                  "List the unadjusted points in the report");
     cmd->add_flag("--vertical-adjust", o->verticalAdjust, "Spread the vertical closure error");
     cmd->add_flag("--notes", o->notes, "Give every stored point the note LINE:n,FILE:name");
-    cmd->add_option("--answer", o->answers, "Answer a dialog: DIALOG=BUTTON, or DIALOG=v1|v2|... for a form");
-    cmd->add_option("--workdir", o->workdir, "Working folder for the temporary files (default: Documents/Halvren Tramline)");
+    cmd->add_option("--answer", o->answers,
+                    "Answer a dialog: DIALOG=BUTTON, or DIALOG=v1|v2|... for a form");
+    cmd->add_option("--workdir", o->workdir,
+                    "Working folder for the temporary files (default: Documents/Halvren Tramline)");
     cmd->add_flag("--json", o->json, "Write the report as JSON");
     cmd->callback([&ctx, o] { runProcess(*o, ctx); });
 }

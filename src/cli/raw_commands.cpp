@@ -41,8 +41,9 @@ bool saveDocument(raw::RawDocument &doc, const std::string &output, CommandConte
 }
 
 void addClassify(CLI::App &raw, CommandContext &ctx) {
-    auto *cmd = raw.add_subcommand("classify", "Classify RW5 lines: the record kind, then the field values, "
-                                               "tab-separated, one line per input");
+    auto *cmd = raw.add_subcommand("classify",
+                                   "Classify RW5 lines: the record kind, then the field values, "
+                                   "tab-separated, one line per input");
     auto lines = std::make_shared<std::vector<std::string>>();
     auto job = std::make_shared<bool>(false);
     cmd->add_flag("--job", *job, "Recognise JB job records (the job flag)");
@@ -64,8 +65,9 @@ void addClassify(CLI::App &raw, CommandContext &ctx) {
 }
 
 void addShow(CLI::App &raw, CommandContext &ctx) {
-    auto *cmd = raw.add_subcommand("show", "Show the raw file as the grid shows it: row number, type and cells, "
-                                           "tab-separated (zenith angles, slope distances, ddd.mmss)");
+    auto *cmd = raw.add_subcommand(
+        "show", "Show the raw file as the grid shows it: row number, type and cells, "
+                "tab-separated (zenith angles, slope distances, ddd.mmss)");
     auto opts = std::make_shared<RawFileOptions>();
     auto json = std::make_shared<bool>(false);
     cmd->add_option("FILE", opts->file, "RW5 file")->required();
@@ -97,8 +99,9 @@ void addShow(CLI::App &raw, CommandContext &ctx) {
 }
 
 void addModify(CLI::App &raw, CommandContext &ctx) {
-    auto *cmd = raw.add_subcommand("modify", "Modify Measurements: add a delta to distances, angles or elevation "
-                                             "differences of the chosen observations");
+    auto *cmd = raw.add_subcommand(
+        "modify", "Modify Measurements: add a delta to distances, angles or elevation "
+                  "differences of the chosen observations");
     struct Options {
         std::string file, output, field, points, lines;
         double delta = 0.0;
@@ -108,9 +111,11 @@ void addModify(CLI::App &raw, CommandContext &ctx) {
     cmd->add_option("--field", o->field, "Field to modify")
         ->required()
         ->check(CLI::IsMember({"distance", "horizontal", "vertical", "elevdiff"}));
-    cmd->add_option("--delta", o->delta, "Delta: a length, or an angle in ddd.mmss (gons in a gon file)")
+    cmd->add_option("--delta", o->delta,
+                    "Delta: a length, or an angle in ddd.mmss (gons in a gon file)")
         ->required();
-    auto *points = cmd->add_option("--points", o->points, "Range of points, like 1-5,7,A10 (foresight points)");
+    auto *points = cmd->add_option("--points", o->points,
+                                   "Range of points, like 1-5,7,A10 (foresight points)");
     auto *lines = cmd->add_option("--lines", o->lines, "Start and end line, like 4-20 (grid rows)");
     points->excludes(lines);
     cmd->add_option("-o,--output", o->output, "Write here instead of over FILE");
@@ -122,9 +127,10 @@ void addModify(CLI::App &raw, CommandContext &ctx) {
         if (!o->lines.empty()) {
             unsigned long first = 0, last = 0;
             char dash = 0;
-            if (std::sscanf(o->lines.c_str(), "%lu%c%lu", &first, &dash, &last) != 3 || dash != '-' || first == 0 ||
-                last < first)
-                throw CLI::ValidationError("--lines", "give the start and end line as A-B, A from 1, B >= A");
+            if (std::sscanf(o->lines.c_str(), "%lu%c%lu", &first, &dash, &last) != 3 ||
+                dash != '-' || first == 0 || last < first)
+                throw CLI::ValidationError("--lines",
+                                           "give the start and end line as A-B, A from 1, B >= A");
             selection.firstLine = first;
             selection.lastLine = last;
         }
@@ -159,7 +165,8 @@ void addModify(CLI::App &raw, CommandContext &ctx) {
 }
 
 void addAppend(CLI::App &raw, CommandContext &ctx) {
-    auto *cmd = raw.add_subcommand("append", "Import Raw Data: add the records of another raw file at the end");
+    auto *cmd = raw.add_subcommand(
+        "append", "Import Raw Data: add the records of another raw file at the end");
     struct Options {
         std::string file, other, output;
         bool tds = false;
@@ -167,7 +174,8 @@ void addAppend(CLI::App &raw, CommandContext &ctx) {
     auto o = std::make_shared<Options>();
     cmd->add_option("FILE", o->file, "The open RW5 file")->required();
     cmd->add_option("OTHER", o->other, "The raw file to add")->required();
-    cmd->add_flag("--tds", o->tds, "OTHER is a TDS collector's raw file (its job and mode records are left out)");
+    cmd->add_flag("--tds", o->tds,
+                  "OTHER is a TDS collector's raw file (its job and mode records are left out)");
     cmd->add_option("-o,--output", o->output, "Write here instead of over FILE");
     cmd->callback([&ctx, o] {
         raw::RawDocument doc;
@@ -186,19 +194,22 @@ void addAppend(CLI::App &raw, CommandContext &ctx) {
 }
 
 void addPrint(CLI::App &raw, CommandContext &ctx) {
-    auto *cmd = raw.add_subcommand("print", "Print > Raw Data: the raw file report, also written to "
-                                            "morvrprt.tmp in the working folder");
+    auto *cmd =
+        raw.add_subcommand("print", "Print > Raw Data: the raw file report, also written to "
+                                    "morvrprt.tmp in the working folder");
     struct Options {
         std::string file, workdir;
     };
     auto o = std::make_shared<Options>();
     cmd->add_option("FILE", o->file, "RW5 file")->required();
-    cmd->add_option("--workdir", o->workdir, "Working folder (default: Documents/Halvren Tramline)");
+    cmd->add_option("--workdir", o->workdir,
+                    "Working folder (default: Documents/Halvren Tramline)");
     cmd->callback([&ctx, o] {
         raw::RawDocument doc;
         if (!openDocument(o->file, doc, ctx))
             return;
-        std::filesystem::path folder = o->workdir.empty() ? defaultWorkingFolder() : std::filesystem::path(o->workdir);
+        std::filesystem::path folder =
+            o->workdir.empty() ? defaultWorkingFolder() : std::filesystem::path(o->workdir);
         std::error_code ec;
         std::filesystem::create_directories(folder, ec);
         ConsoleInteraction ui(ctx.err);
@@ -212,16 +223,20 @@ void addPrint(CLI::App &raw, CommandContext &ctx) {
 
 const char *linearUnitText(LinearUnit unit) {
     switch (unit) {
-    case LinearUnit::InternationalFeet: return "international feet";
-    case LinearUnit::UsSurveyFeet: return "US survey feet";
-    case LinearUnit::Metres: break;
+    case LinearUnit::InternationalFeet:
+        return "international feet";
+    case LinearUnit::UsSurveyFeet:
+        return "US survey feet";
+    case LinearUnit::Metres:
+        break;
     }
     return "metres";
 }
 
 void addCheck(CLI::App &raw, CommandContext &ctx) {
-    auto *cmd = raw.add_subcommand("check", "Check a raw file: what it holds, lines that are not records, "
-                                            "angles that are not ddd.mmss");
+    auto *cmd =
+        raw.add_subcommand("check", "Check a raw file: what it holds, lines that are not records, "
+                                    "angles that are not ddd.mmss");
     auto file = std::make_shared<std::string>();
     cmd->add_option("FILE", *file, "RW5 file")->required();
     cmd->callback([&ctx, file] {
@@ -239,8 +254,10 @@ void addCheck(CLI::App &raw, CommandContext &ctx) {
         ctx.out << "File: " << *file << '\n';
         ctx.out << "Units: " << linearUnitText(records.units.linear)
                 << (records.units.linearDeclared ? "" : " (not declared; metres assumed)") << ", "
-                << (records.units.angle == AngleUnit::Gons ? "gons" : "degrees-minutes-seconds") << '\n';
-        ctx.out << format("Lines: %zu, records: %zu (set-ups %zu, observations %zu, store points %zu, notes %zu)\n",
+                << (records.units.angle == AngleUnit::Gons ? "gons" : "degrees-minutes-seconds")
+                << '\n';
+        ctx.out << format("Lines: %zu, records: %zu (set-ups %zu, observations %zu, store points "
+                          "%zu, notes %zu)\n",
                           summary.lines, summary.records, summary.setups, summary.observations,
                           summary.storePoints, summary.notes);
         ctx.out << "Unrecognised lines: " << (summary.unrecognised.empty() ? "none" : "") << '\n';
@@ -255,7 +272,8 @@ void addCheck(CLI::App &raw, CommandContext &ctx) {
 } // namespace
 
 void addRawCommands(CLI::App &app, CommandContext &ctx) {
-    auto *raw = app.add_subcommand("raw", "RW5 raw data files: check, classify, show, modify, append, print");
+    auto *raw = app.add_subcommand(
+        "raw", "RW5 raw data files: check, classify, show, modify, append, print");
     raw->require_subcommand(1);
     addCheck(*raw, ctx);
     addClassify(*raw, ctx);

@@ -176,7 +176,9 @@ bool FileStore::setPermissions(unsigned mode) {
     return ::fchmod(m_fd, static_cast<mode_t>(mode)) == 0;
 }
 
-bool FileStore::sync() { return ::fsync(m_fd) == 0; }
+bool FileStore::sync() {
+    return ::fsync(m_fd) == 0;
+}
 
 long long MemoryStore::readAt(std::uint64_t offset, void *data, std::size_t size) {
     if (offset >= m_bytes.size())

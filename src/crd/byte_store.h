@@ -36,9 +36,9 @@ public:
 /// The outcome of trying to open a file for update.
 enum class FileOpenResult {
     Opened,
-    Missing,  ///< no such file
-    Refused,  ///< write access refused: read-only, a folder, no permission
-    Locked,   ///< another writer holds the file (or a passing error worth retrying)
+    Missing, ///< no such file
+    Refused, ///< write access refused: read-only, a folder, no permission
+    Locked,  ///< another writer holds the file (or a passing error worth retrying)
 };
 
 /// A file on disk. Opened for update it holds an open-file-description

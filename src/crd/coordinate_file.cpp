@@ -40,7 +40,8 @@ std::filesystem::path freshPathBeside(const std::filesystem::path &path) {
     std::error_code ec;
     for (;;) {
         const auto candidate =
-            path.parent_path() / tramline::format("%s~%06x.tmp", base.c_str(), static_cast<unsigned>(random() & 0xffffffu));
+            path.parent_path() / tramline::format("%s~%06x.tmp", base.c_str(),
+                                                  static_cast<unsigned>(random() & 0xffffffu));
         if (!std::filesystem::exists(candidate, ec))
             return candidate;
     }
@@ -64,7 +65,8 @@ bool copyReplacing(const std::filesystem::path &from, const std::filesystem::pat
 }
 
 // Moves a side file along with its coordinate file, where it exists.
-void carrySideFile(const std::filesystem::path &from, const std::filesystem::path &to, bool keepOld) {
+void carrySideFile(const std::filesystem::path &from, const std::filesystem::path &to,
+                   bool keepOld) {
     std::error_code ec;
     if (from == to || !std::filesystem::exists(from, ec))
         return;
@@ -95,7 +97,9 @@ int detectCrdFormat(const std::filesystem::path &path) {
 CoordinateFile::CoordinateFile(CrdContext context)
     : m_context(std::move(context)), m_history(m_context.messages) {}
 
-CoordinateFile::~CoordinateFile() { close(); }
+CoordinateFile::~CoordinateFile() {
+    close();
+}
 
 bool CoordinateFile::fail(int code) {
     m_error = code;
@@ -118,14 +122,17 @@ bool CrdContext::waitFor(int milliseconds) const {
     using namespace std::chrono;
     const auto deadline = steady_clock::now() + milliseconds * 1ms;
     while (steady_clock::now() < deadline) {
-        std::this_thread::sleep_for(std::min<steady_clock::duration>(50ms, deadline - steady_clock::now()));
+        std::this_thread::sleep_for(
+            std::min<steady_clock::duration>(50ms, deadline - steady_clock::now()));
         if (messages && !messages->idle())
             return false;
     }
     return true;
 }
 
-std::string CoordinateFile::errorText(int code) { return crd::errorText(code); }
+std::string CoordinateFile::errorText(int code) {
+    return crd::errorText(code);
+}
 
 // Can a writer get at the file? A file held by another writer is tried
 // again after 1.5 s and 5 s; a file that refuses writing fails at once.
@@ -161,7 +168,7 @@ bool CoordinateFile::open(const std::filesystem::path &path, int create, int for
     if (detected == -2 && create == 0)
         return fail(kFileTypeNotSupported); // another kind of file: refused quietly
     const bool createNew = create != 0 || detected < 0;
-    const int chosen = !createNew ? detected
+    const int chosen = !createNew    ? detected
                        : format >= 0 ? format
                                      : formatFromExtension(path, m_defaultFormat);
     if (!isHandledFormat(chosen))
@@ -172,8 +179,8 @@ bool CoordinateFile::open(const std::filesystem::path &path, int create, int for
     if (!ok) {
         const int code = io->lastError();
         say(tramline::format(tr("\nError %d: Could not open file: %s\n%s\nIt might be read-only "
-                                  "or in use by another application or be invalid."),
-                               code, path.string().c_str(), crd::errorText(code).c_str()));
+                                "or in use by another application or be invalid."),
+                             code, path.string().c_str(), crd::errorText(code).c_str()));
         return fail(code);
     }
     m_io = std::move(io);
@@ -189,9 +196,10 @@ bool CoordinateFile::openForReading(const std::filesystem::path &path) {
     auto io = std::make_unique<CrdIOMorvane>(m_context);
     if (!io->open(path, CrdAccess::ReadOnly)) {
         const int code = io->lastError();
-        say(tramline::format(tr("\nError %d: Could not open file: %s\n%s\nIt might be read-only or in use by "
-                      "another application or be invalid."),
-                   code, path.string().c_str(), crd::errorText(code).c_str()));
+        say(tramline::format(
+            tr("\nError %d: Could not open file: %s\n%s\nIt might be read-only or in use by "
+               "another application or be invalid."),
+            code, path.string().c_str(), crd::errorText(code).c_str()));
         return fail(code);
     }
     m_io = std::move(io);
@@ -214,7 +222,8 @@ bool CoordinateFile::readPoint(std::string_view name, CrdPoint &point, int direc
     }
     const bool ok = takeResult(m_io->readPoint(name, point, direction, quiet));
     if (!ok && m_error == kPointNotFound && !quiet)
-        say(tramline::format(tr("\nRequested point# %s has no coordinate stored."), std::string(name).c_str()));
+        say(tramline::format(tr("\nRequested point# %s has no coordinate stored."),
+                             std::string(name).c_str()));
     return ok;
 }
 
@@ -253,21 +262,37 @@ bool CoordinateFile::readNext(CrdPoint &point, int step, bool quiet) {
     return readByIndex(currentIndex(), point, step, quiet);
 }
 
-long CoordinateFile::currentIndex() const { return m_io ? m_io->currentIndex() : -1; }
+long CoordinateFile::currentIndex() const {
+    return m_io ? m_io->currentIndex() : -1;
+}
 
 void CoordinateFile::setCurrentIndex(long index) {
     if (m_io)
         m_io->setCurrentIndex(index);
 }
 
-long CoordinateFile::recordCount() const { return m_io ? m_io->recordCount() : 0; }
+long CoordinateFile::recordCount() const {
+    return m_io ? m_io->recordCount() : 0;
+}
 
-std::string CoordinateFile::highestName() const { return m_io ? m_io->highestName() : std::string(); }
-std::string CoordinateFile::lowestName() const { return m_io ? m_io->lowestName() : std::string(); }
-int CoordinateFile::format() const { return m_io ? m_io->format() : -1; }
-int CoordinateFile::nameWidth() const { return m_io ? m_io->nameWidth() : 0; }
-std::filesystem::path CoordinateFile::path() const { return m_io ? m_io->path() : std::filesystem::path(); }
-CrdHeaderTexts CoordinateFile::headerTexts() const { return m_io ? m_io->headerTexts() : CrdHeaderTexts{}; }
+std::string CoordinateFile::highestName() const {
+    return m_io ? m_io->highestName() : std::string();
+}
+std::string CoordinateFile::lowestName() const {
+    return m_io ? m_io->lowestName() : std::string();
+}
+int CoordinateFile::format() const {
+    return m_io ? m_io->format() : -1;
+}
+int CoordinateFile::nameWidth() const {
+    return m_io ? m_io->nameWidth() : 0;
+}
+std::filesystem::path CoordinateFile::path() const {
+    return m_io ? m_io->path() : std::filesystem::path();
+}
+CrdHeaderTexts CoordinateFile::headerTexts() const {
+    return m_io ? m_io->headerTexts() : CrdHeaderTexts{};
+}
 
 bool CoordinateFile::setHeaderTexts(const CrdHeaderTexts &texts) {
     m_error = kNoError;

@@ -112,7 +112,8 @@ public:
     /// Appends the history entry of one change (see HistoryFile::append);
     /// does nothing while history keeping is off. `time` defaults to now.
     bool addHistory(const CrdPoint *before, const CrdPoint *after, int operation,
-                    std::string_view text = {}, std::optional<std::time_t> time = {}, int mask = -1);
+                    std::string_view text = {}, std::optional<std::time_t> time = {},
+                    int mask = -1);
     std::filesystem::path historyPath() const { return historyPathFor(path()); }
 
     /// Notes attached to points, kept in the notes file beside this one.

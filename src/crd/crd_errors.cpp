@@ -31,7 +31,8 @@ constexpr ErrorEntry kErrorTexts[] = {
     {8, "Description contains too many characters."},
     {9, "Point Code contains too many characters."},
     {10, "The specified point was not found."},
-    {11, "The point could not be added to the Land Desktop coordinate file for some unknown reason."},
+    {11,
+     "The point could not be added to the Land Desktop coordinate file for some unknown reason."},
     {12, "The point could not be added to the Simplicity \"Sight\" Survey file for some unknown "
          "reason."},
     {13, "Simplicity \"Sight\" Survey requires point names to be 7 digits or less."},

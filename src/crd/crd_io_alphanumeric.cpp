@@ -78,8 +78,8 @@ bool CrdIOMorvane::sortFirstRevision(long long size) {
     std::vector<unsigned char> sorted(records.size());
     for (long i = 0; i < count; ++i)
         std::memcpy(sorted.data() + static_cast<std::size_t>(i) * kAlphaRecordSize,
-                    records.data() +
-                        static_cast<std::size_t>(order[static_cast<std::size_t>(i)]) * kAlphaRecordSize,
+                    records.data() + static_cast<std::size_t>(order[static_cast<std::size_t>(i)]) *
+                                         kAlphaRecordSize,
                     kAlphaRecordSize);
 
     if (m_access == CrdAccess::ReadOnly) {
@@ -172,7 +172,8 @@ CrdIOMorvane::Search CrdIOMorvane::searchAlphanumeric(const std::string &name) {
                 if (!m_store->readExactly(alphaOffset(blockStart), block.data(), block.size()))
                     return {false, false, 0};
             }
-            probe = alphaName(block.data() + static_cast<std::size_t>(middle - blockStart) * kAlphaRecordSize);
+            probe = alphaName(block.data() +
+                              static_cast<std::size_t>(middle - blockStart) * kAlphaRecordSize);
         }
         c = comparePointNames(name, probe);
         if (c == 0)
@@ -245,7 +246,8 @@ bool CrdIOMorvane::writeAlphanumeric(const CrdPoint &point, bool quiet, CrdPoint
 bool CrdIOMorvane::reserveTail(std::uint64_t end, std::uint64_t bytes, long long oldSize) {
     static const std::array<unsigned char, kMaxMoveRecords * kAlphaRecordSize> zeros{};
     while (bytes > 0) {
-        const std::size_t n = static_cast<std::size_t>(std::min<std::uint64_t>(bytes, zeros.size()));
+        const std::size_t n =
+            static_cast<std::size_t>(std::min<std::uint64_t>(bytes, zeros.size()));
         if (!m_store->writeAt(end, zeros.data(), n)) {
             m_store->resize(static_cast<std::uint64_t>(oldSize));
             return fail(kReadWriteFailed);

@@ -76,7 +76,8 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
         Item item{std::move(name), {}};
         putDouble(item.record.data() + kNorthing, point.northing);
         putDouble(item.record.data() + kEasting, point.easting);
-        putDouble(item.record.data() + kElevation, isUnset(point.elevation) ? 0.0 : point.elevation);
+        putDouble(item.record.data() + kElevation,
+                  isUnset(point.elevation) ? 0.0 : point.elevation);
         putText(item.record.data() + kDescription, kTextField, description);
         putText(item.record.data() + kName, kNameField, item.name);
         consistent = consistent && !hasDot(item.name);
@@ -95,7 +96,8 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     std::vector<Item> unique;
     unique.reserve(items.size());
     for (std::size_t i = 0; i < order.size(); ++i)
-        if (i + 1 == order.size() || comparePointNames(items[order[i]].name, items[order[i + 1]].name) != 0)
+        if (i + 1 == order.size() ||
+            comparePointNames(items[order[i]].name, items[order[i + 1]].name) != 0)
             unique.push_back(std::move(items[order[i]]));
 
     // One pass over the file: is it strictly in order, and which names exist?
@@ -114,7 +116,8 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
             return 0;
         }
         for (long i = 0; consistent && i < n; ++i) {
-            std::string name = alphaName(chunk.data() + static_cast<std::size_t>(i) * kAlphaRecordSize);
+            std::string name =
+                alphaName(chunk.data() + static_cast<std::size_t>(i) * kAlphaRecordSize);
             consistent = !hasDot(name) && (start + i == 0 || comparePointNames(previous, name) < 0);
             while (cursor < unique.size() && comparePointNames(unique[cursor].name, name) < 0)
                 ++cursor;
@@ -161,8 +164,8 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     // been read.
     std::vector<unsigned char> in(kMaxMoveRecords * kAlphaRecordSize);
     std::vector<unsigned char> out(kMaxMoveRecords * kAlphaRecordSize);
-    long old = m_count - 1;      // next old record to merge
-    long inLow = m_count;        // old records [inLow, inLow + inFill) are in `in`
+    long old = m_count - 1; // next old record to merge
+    long inLow = m_count;   // old records [inLow, inLow + inFill) are in `in`
     long k = static_cast<long>(unique.size()) - 1;
     long outTop = finalCount - 1; // slot of the last record in `out`
     long outFill = 0;
@@ -171,10 +174,11 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
         if (outFill == 0)
             return;
         const long low = outTop - outFill + 1;
-        ok = ok && m_store->writeAt(alphaOffset(low),
-                                    out.data() + static_cast<std::size_t>(kMaxMoveRecords - outFill) *
-                                                     kAlphaRecordSize,
-                                    static_cast<std::size_t>(outFill) * kAlphaRecordSize);
+        ok = ok &&
+             m_store->writeAt(alphaOffset(low),
+                              out.data() + static_cast<std::size_t>(kMaxMoveRecords - outFill) *
+                                               kAlphaRecordSize,
+                              static_cast<std::size_t>(outFill) * kAlphaRecordSize);
         outTop = low - 1;
         outFill = 0;
     };
@@ -187,7 +191,8 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
                 break;
         }
         const unsigned char *oldRecord =
-            old >= 0 ? in.data() + static_cast<std::size_t>(old - inLow) * kAlphaRecordSize : nullptr;
+            old >= 0 ? in.data() + static_cast<std::size_t>(old - inLow) * kAlphaRecordSize
+                     : nullptr;
         const int c = oldRecord ? comparePointNames(unique[static_cast<std::size_t>(k)].name,
                                                     alphaName(oldRecord))
                                 : 1;
@@ -201,7 +206,8 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
             source = oldRecord;
             --old;
         }
-        std::memcpy(out.data() + static_cast<std::size_t>(kMaxMoveRecords - 1 - outFill) * kAlphaRecordSize,
+        std::memcpy(out.data() +
+                        static_cast<std::size_t>(kMaxMoveRecords - 1 - outFill) * kAlphaRecordSize,
                     source, kAlphaRecordSize);
         if (++outFill == kMaxMoveRecords)
             flush();
@@ -212,9 +218,8 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     if (!ok || !loadEnds())
         return failAll();
     return static_cast<long>(points.size()) -
-           static_cast<long>(std::count_if(errors.begin(), errors.end(), [](int e) { return e != 0; }));
+           static_cast<long>(
+               std::count_if(errors.begin(), errors.end(), [](int e) { return e != 0; }));
 }
-
-
 
 } // namespace tramline::crd

@@ -48,7 +48,8 @@ double numericDate(std::time_t t) {
 // "%2d/%2d/%4d" (month, day, year) with blanks at 0 and 3 made zeros.
 std::string alphanumericDate(std::time_t t) {
     const std::tm tm = utcTime(t);
-    std::string text = tramline::format("%2d/%2d/%4d", tm.tm_mon + 1, tm.tm_mday, tm.tm_year + 1900);
+    std::string text =
+        tramline::format("%2d/%2d/%4d", tm.tm_mon + 1, tm.tm_mday, tm.tm_year + 1900);
     if (text[0] == ' ')
         text[0] = '0';
     if (text.size() > 3 && text[3] == ' ')
@@ -111,18 +112,20 @@ bool CrdIOMorvane::open(const std::filesystem::path &path, CrdAccess access) {
         }
     }
     if (!file) {
-        say(false, tramline::format(tr("Failed to open coordinate file:\n  %s\nFile may be read-only or "
-                             "already opened by another.\nRead-only files cannot be used. Use "
-                             "Windows\nExplorer to make sure file is not read-only."),
-                          path.string().c_str()));
+        say(false,
+            tramline::format(tr("Failed to open coordinate file:\n  %s\nFile may be read-only or "
+                                "already opened by another.\nRead-only files cannot be used. Use "
+                                "Windows\nExplorer to make sure file is not read-only."),
+                             path.string().c_str()));
         return fail(kCannotOpen);
     }
     if (file->size() == 0) {
         // An empty file counts as missing: it holds no header to go by.
-        say(false, tramline::format(tr("Failed to open coordinate file:\n  %s\nFile may be read-only or "
-                             "already opened by another.\nRead-only files cannot be used. Use "
-                             "Windows\nExplorer to make sure file is not read-only."),
-                          path.string().c_str()));
+        say(false,
+            tramline::format(tr("Failed to open coordinate file:\n  %s\nFile may be read-only or "
+                                "already opened by another.\nRead-only files cannot be used. Use "
+                                "Windows\nExplorer to make sure file is not read-only."),
+                             path.string().c_str()));
         return fail(kCannotOpen);
     }
     m_path = path;
@@ -294,7 +297,8 @@ bool CrdIOMorvane::readByIndex(long index, CrdPoint &point, int step) {
     while (true) {
         if (next < 0)
             return fail(kPointNotFound);
-        const long long got = m_store->readAt(numericOffset(next + 1), record.data(), record.size());
+        const long long got =
+            m_store->readAt(numericOffset(next + 1), record.data(), record.size());
         if (got == 0)
             return fail(kPointNotFound);
         if (got != static_cast<long long>(record.size()))

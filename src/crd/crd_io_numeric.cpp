@@ -79,14 +79,15 @@ bool CrdIOMorvane::writeNumeric(const CrdPoint &point, bool quiet, CrdPoint *pre
     long number = 0;
     const int nameError = parseNumericName(point.name, number);
     if (nameError == kNameNotNumeric)
-        say(quiet, tramline::format(tr("\nError: pt# %s invalid for current CRD format of numeric only "
-                             "point numbers."),
-                          point.name.c_str()));
+        say(quiet,
+            tramline::format(tr("\nError: pt# %s invalid for current CRD format of numeric only "
+                                "point numbers."),
+                             point.name.c_str()));
     else if (nameError == kNameTooLow)
         say(quiet, tr("\nError: Point number must be greater than 0."));
     else if (nameError == kNameTooHigh)
         say(quiet, tramline::format(tr("\nError: Point number must be less than %d."),
-                          static_cast<int>(kNumericNameLimit)));
+                                    static_cast<int>(kNumericNameLimit)));
     if (nameError != kNoError)
         return fail(nameError);
 

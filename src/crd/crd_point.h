@@ -9,9 +9,9 @@
 namespace tramline::crd {
 
 struct CrdPoint {
-    double easting = 0.0;   ///< second double of a record
-    double northing = 0.0;  ///< first double of a record
-    double elevation = 0.0; ///< third double; unset (98765432.1) means none
+    double easting = 0.0;    ///< second double of a record
+    double northing = 0.0;   ///< first double of a record
+    double elevation = 0.0;  ///< third double; unset (98765432.1) means none
     std::string name;        ///< the point name ("point number"), up to 255 characters
     std::string description; ///< up to 255 characters; the file keeps 31
     std::string code;        ///< point code; not kept in coordinate files

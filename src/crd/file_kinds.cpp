@@ -13,8 +13,12 @@ struct KindEntry {
 };
 
 constexpr KindEntry kKinds[] = {
-    {"crd", -2}, {"cgc", kFormatCandG}, {"zak", kFormatSight}, {"mdb", kFormatLandDesktop},
-    {"dwg", kFormatDrawing}, {"crdb", kFormatSqlite},
+    {"crd", -2},
+    {"cgc", kFormatCandG},
+    {"zak", kFormatSight},
+    {"mdb", kFormatLandDesktop},
+    {"dwg", kFormatDrawing},
+    {"crdb", kFormatSqlite},
 };
 
 } // namespace

@@ -85,7 +85,9 @@ private:
     std::size_t m_pos = 0;
 };
 
-bool named(const CrdPoint *point) { return point && !point->name.empty(); }
+bool named(const CrdPoint *point) {
+    return point && !point->name.empty();
+}
 
 } // namespace
 
@@ -144,7 +146,8 @@ bool HistoryFile::openForAppend(const std::filesystem::path &path) {
     }
     if (std::fseek(m_file, 0, SEEK_END) != 0) {
         if (m_messages)
-            m_messages->message(tr("\nPROBLEM READING CRD HISTORY FILE. SEEK FAILED. TRY AGAIN.\n"));
+            m_messages->message(
+                tr("\nPROBLEM READING CRD HISTORY FILE. SEEK FAILED. TRY AGAIN.\n"));
         close();
         return false;
     }
@@ -169,8 +172,8 @@ bool HistoryFile::append(const CrdPoint *before, const CrdPoint *after, int oper
         return false;
 
     unsigned flags = change;
-    const bool stamp = operation == kHistoryOperationUndo ? m_lastStamp == 0
-                                                          : time - m_lastStamp > kStampInterval;
+    const bool stamp =
+        operation == kHistoryOperationUndo ? m_lastStamp == 0 : time - m_lastStamp > kStampInterval;
     if (stamp)
         flags |= kHistoryTime;
     if (operation > 0)
@@ -323,7 +326,8 @@ bool readHistoryFile(const std::filesystem::path &path, std::vector<HistoryEntry
     // Unreadable, not a history file, or damaged: the entries up to the
     // damage are kept, but the file is not valid.
     if (messages)
-        messages->message(format(tr("\nCRD HISTORY FAILED: %s not valid.\n"), path.string().c_str()));
+        messages->message(
+            format(tr("\nCRD HISTORY FAILED: %s not valid.\n"), path.string().c_str()));
     return false;
 }
 

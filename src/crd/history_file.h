@@ -73,8 +73,8 @@ struct HistoryEntry {
     int operation = 0; ///< 0 when the entry holds none
     std::string text;
     std::string secondText;
-    bool stamped = false;     ///< the entry carries its own time stamp
-    std::uint32_t time = 0;   ///< its stamp, or the last one before it (0: none yet)
+    bool stamped = false;   ///< the entry carries its own time stamp
+    std::uint32_t time = 0; ///< its stamp, or the last one before it (0: none yet)
     std::string newName;
     std::string newDescription;
     std::string newCode;
@@ -116,8 +116,8 @@ public:
     /// is stamped into the entry only when more than 5 seconds have passed
     /// since the last stamp (for "History Undo" only when none was written
     /// yet).
-    bool append(const CrdPoint *before, const CrdPoint *after, int operation,
-                std::string_view text, std::time_t time, int mask = -1);
+    bool append(const CrdPoint *before, const CrdPoint *after, int operation, std::string_view text,
+                std::time_t time, int mask = -1);
 
     /// The time of the last stamp written to this file (0: none).
     std::time_t lastStamp() const { return m_lastStamp; }

@@ -24,8 +24,8 @@ inline constexpr std::size_t kNumericRecordSize = 56;
 inline constexpr std::size_t kAlphaHeaderSize = 104;
 inline constexpr std::size_t kAlphaRecordSize = 66;
 
-inline constexpr std::size_t kTextField = 32;     // title, date, description, mark
-inline constexpr std::size_t kNameField = 10;     // alphanumeric point name
+inline constexpr std::size_t kTextField = 32;      // title, date, description, mark
+inline constexpr std::size_t kNameField = 10;      // alphanumeric point name
 inline constexpr std::size_t kMaxDescription = 31; // characters that reach the file
 inline constexpr std::size_t kMaxAlphaName = 9;
 
@@ -88,6 +88,8 @@ inline std::string_view fileDescription(const std::string &description) {
 }
 /// Names holding '.' may compare inconsistently (their digits are read as
 /// decimals), so sorting shortcuts do not apply to them.
-inline bool hasDot(const std::string &name) { return name.find('.') != std::string::npos; }
+inline bool hasDot(const std::string &name) {
+    return name.find('.') != std::string::npos;
+}
 
 } // namespace tramline::crd::layout

@@ -2,7 +2,9 @@
 
 namespace tramline::geodesy {
 
-double invertScalePpm(double scalePpm) { return (1.0 / (scalePpm / 1e6 + 1.0) - 1.0) * 1e6; }
+double invertScalePpm(double scalePpm) {
+    return (1.0 / (scalePpm / 1e6 + 1.0) - 1.0) * 1e6;
+}
 
 double ProjectionParameters::value(ProjectionParameter parameter) const {
     switch (parameter) {

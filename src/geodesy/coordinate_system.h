@@ -16,16 +16,17 @@ namespace tramline::geodesy {
 /// TOWGS84 carries them (position-vector rotations, datum to WGS 84). The
 /// written form inverts translations and scale only; see wkt.h.
 struct DatumShift {
-    double dx = 0.0; ///< metres
-    double dy = 0.0; ///< metres
-    double dz = 0.0; ///< metres
-    double rx = 0.0; ///< arc-seconds
-    double ry = 0.0; ///< arc-seconds
-    double rz = 0.0; ///< arc-seconds
+    double dx = 0.0;       ///< metres
+    double dy = 0.0;       ///< metres
+    double dz = 0.0;       ///< metres
+    double rx = 0.0;       ///< arc-seconds
+    double ry = 0.0;       ///< arc-seconds
+    double rz = 0.0;       ///< arc-seconds
     double scalePpm = 0.0; ///< scale difference, parts per million
 
     bool isZero() const {
-        return dx == 0.0 && dy == 0.0 && dz == 0.0 && rx == 0.0 && ry == 0.0 && rz == 0.0 && scalePpm == 0.0;
+        return dx == 0.0 && dy == 0.0 && dz == 0.0 && rx == 0.0 && ry == 0.0 && rz == 0.0 &&
+               scalePpm == 0.0;
     }
 };
 
@@ -48,8 +49,8 @@ struct ProjectionParameters {
     double azimuth = 0.0;            ///< of the initial line, clockwise from north
     double rectifiedGridAngle = 0.0; ///< from the rectified to the skew grid
     double pseudoStandardParallel = 0.0;
-    int denmarkArea = 0;             ///< the "Denmark" area number of type 6
-    double zoneWidth = 0.0;          ///< degrees, type 8
+    int denmarkArea = 0;    ///< the "Denmark" area number of type 6
+    double zoneWidth = 0.0; ///< degrees, type 8
     /// The coefficients of the 1927 state plane types (14, 16, 17, 18), in
     /// their written order.
     std::vector<double> coefficients;
@@ -67,8 +68,8 @@ struct CoordinateSystem {
     /// Index into the ellipsoid table; any other value means the system's
     /// own ellipsoid below.
     int ellipsoidIndex = kWgs84;
-    double userSemiMajorAxis = 0.0;      ///< metres, for an ellipsoid of its own
-    double userInverseFlattening = 0.0;  ///< for an ellipsoid of its own, 0 for a sphere
+    double userSemiMajorAxis = 0.0;     ///< metres, for an ellipsoid of its own
+    double userInverseFlattening = 0.0; ///< for an ellipsoid of its own, 0 for a sphere
     ProjectionParameters parameters;
 
     /// The ellipsoid the system uses.

@@ -43,7 +43,9 @@ std::optional<CoordinateSystemFamily> familyFromCode(int code) {
     return static_cast<CoordinateSystemFamily>(code);
 }
 
-const char *familyName(CoordinateSystemFamily family) { return kFamilies[static_cast<int>(family)].name; }
+const char *familyName(CoordinateSystemFamily family) {
+    return kFamilies[static_cast<int>(family)].name;
+}
 
 std::optional<CoordinateSystemFamily> familyFromName(std::string_view name) {
     for (int i = 0; i < kFamilyCount; ++i)

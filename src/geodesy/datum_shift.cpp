@@ -22,8 +22,8 @@ struct SevenParameterShift::Impl {
         if (!std::isfinite(latitude) || !std::isfinite(longitude) || !std::isfinite(height) ||
             std::fabs(latitude) > 90.0)
             return Status::failure(StatusCode::InvalidInput, tr(messages::kLatitudeBeyondPoles));
-        const PJ_COORD out =
-            proj_trans(pj.get(), direction, proj_coord(radians(longitude), radians(latitude), height, 0));
+        const PJ_COORD out = proj_trans(
+            pj.get(), direction, proj_coord(radians(longitude), radians(latitude), height, 0));
         if (!std::isfinite(out.lpz.phi) || !std::isfinite(out.lpz.lam) || out.lpz.lam == HUGE_VAL) {
             proj_errno_reset(pj.get());
             return Status::failure(StatusCode::OutOfRange, tr(messages::kDatumShiftFailed));
@@ -47,10 +47,12 @@ Status SevenParameterShift::open(const CoordinateSystem &system) {
     const std::string ellipsoid =
         e.f == 0.0 ? format("+R=%.17g", e.a) : format("+a=%.17g +f=%.17g", e.a, e.f);
     const std::string definition =
-        format("+proj=pipeline +step +proj=cart %s +step +proj=helmert +x=%.17g +y=%.17g +z=%.17g +rx=%.17g "
-               "+ry=%.17g +rz=%.17g +s=%.17g +convention=position_vector +step +inv +proj=cart +ellps=WGS84",
-               ellipsoid.c_str(), t.values[0], t.values[1], t.values[2], t.values[3], t.values[4], t.values[5],
-               t.values[6]);
+        format("+proj=pipeline +step +proj=cart %s +step +proj=helmert +x=%.17g +y=%.17g +z=%.17g "
+               "+rx=%.17g "
+               "+ry=%.17g +rz=%.17g +s=%.17g +convention=position_vector +step +inv +proj=cart "
+               "+ellps=WGS84",
+               ellipsoid.c_str(), t.values[0], t.values[1], t.values[2], t.values[3], t.values[4],
+               t.values[5], t.values[6]);
     auto impl = std::make_unique<Impl>();
     if (Status status = detail::createOperation(definition, impl->ctx, impl->pj); !status)
         return status;

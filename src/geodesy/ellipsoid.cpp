@@ -92,7 +92,8 @@ Ellipsoid Ellipsoid::fromFlattening(std::string name, double a, double f) {
 }
 
 Ellipsoid Ellipsoid::fromInverseFlattening(std::string name, double a, double inverseFlattening) {
-    return fromFlattening(std::move(name), a, inverseFlattening == 0.0 ? 0.0 : 1.0 / inverseFlattening);
+    return fromFlattening(std::move(name), a,
+                          inverseFlattening == 0.0 ? 0.0 : 1.0 / inverseFlattening);
 }
 
 double Ellipsoid::primeVerticalRadius(double latitudeRadians) const {
@@ -124,7 +125,8 @@ int findEllipsoidByName(std::string_view name) {
     if (wanted.empty())
         return -1;
     for (int i = 0; i < kEllipsoidCount; ++i)
-        if (simplified(kTable[i].name) == wanted || simplified(wktEllipsoidName(kTable[i].name)) == wanted)
+        if (simplified(kTable[i].name) == wanted ||
+            simplified(wktEllipsoidName(kTable[i].name)) == wanted)
             return i;
     // Written names that stand for a table entry under another shown name.
     for (const auto &s : kWktSpellings)

@@ -144,8 +144,8 @@ bool shiftToWgs84(PJ_CONTEXT *ctx, PJ *crs, PJ *geodetic, double values[7]) {
     }
     proj_operation_factory_context_set_grid_availability_use(
         ctx, factory, PROJ_GRID_AVAILABILITY_DISCARD_OPERATION_IF_MISSING_GRID);
-    proj_operation_factory_context_set_spatial_criterion(ctx, factory,
-                                                         PROJ_SPATIAL_CRITERION_PARTIAL_INTERSECTION);
+    proj_operation_factory_context_set_spatial_criterion(
+        ctx, factory, PROJ_SPATIAL_CRITERION_PARTIAL_INTERSECTION);
     double west = 0, south = 0, east = 0, north = 0;
     if (proj_get_area_of_use(ctx, crs, &west, &south, &east, &north, nullptr) && west > -1000)
         proj_operation_factory_context_set_area_of_interest(ctx, factory, west, south, east, north);
@@ -166,7 +166,8 @@ bool shiftToWgs84(PJ_CONTEXT *ctx, PJ *crs, PJ *geodetic, double values[7]) {
 
 std::string epsgName(int code) {
     auto db = detail::database();
-    PjPtr crs(proj_create_from_database(db.ctx, "EPSG", std::to_string(code).c_str(), PJ_CATEGORY_CRS, 0, nullptr));
+    PjPtr crs(proj_create_from_database(db.ctx, "EPSG", std::to_string(code).c_str(),
+                                        PJ_CATEGORY_CRS, 0, nullptr));
     const char *name = crs ? proj_get_name(crs.get()) : nullptr;
     return name ? name : "";
 }
@@ -185,7 +186,8 @@ Status systemFromEpsg(int code, CoordinateSystem &system) {
 
     auto db = detail::database();
     PJ_CONTEXT *ctx = db.ctx;
-    PjPtr crs(proj_create_from_database(ctx, "EPSG", std::to_string(code).c_str(), PJ_CATEGORY_CRS, 0, nullptr));
+    PjPtr crs(proj_create_from_database(ctx, "EPSG", std::to_string(code).c_str(), PJ_CATEGORY_CRS,
+                                        0, nullptr));
     if (!crs || proj_get_type(crs.get()) != PJ_TYPE_PROJECTED_CRS)
         return databaseError(code);
     PjPtr conversion(proj_crs_get_coordoperation(ctx, crs.get()));
@@ -200,8 +202,8 @@ Status systemFromEpsg(int code, CoordinateSystem &system) {
     proj_coordoperation_get_method_info(ctx, conversion.get(), &methodName, nullptr, &methodCode);
     const auto type = methodCode ? typeForMethod(std::atoi(methodCode)) : std::nullopt;
     if (!type)
-        return Status::failure(StatusCode::NotSupported,
-                               format(tr(messages::kTypeNotSupported), methodName ? methodName : "?"));
+        return Status::failure(StatusCode::NotSupported, format(tr(messages::kTypeNotSupported),
+                                                                methodName ? methodName : "?"));
 
     CoordinateSystem cs;
     cs.type = *type;
@@ -214,7 +216,8 @@ Status systemFromEpsg(int code, CoordinateSystem &system) {
     const double f = inverseF > 0 ? 1.0 / inverseF : (a - b) / a;
     const char *ellipsoidName = proj_get_name(ellipsoid.get());
     int index = findEllipsoidByName(ellipsoidName ? ellipsoidName : "");
-    if (index >= 0 && (std::fabs(ellipsoidAt(index).a - a) > 1e-3 || std::fabs(ellipsoidAt(index).f - f) > 1e-11))
+    if (index >= 0 &&
+        (std::fabs(ellipsoidAt(index).a - a) > 1e-3 || std::fabs(ellipsoidAt(index).f - f) > 1e-11))
         index = -1;
     if (index < 0)
         index = findEllipsoidByParameters(a, f);
@@ -225,7 +228,8 @@ Status systemFromEpsg(int code, CoordinateSystem &system) {
     }
 
     double meridianLongitude = 0, meridianFactor = 1;
-    proj_prime_meridian_get_parameters(ctx, meridian.get(), &meridianLongitude, &meridianFactor, nullptr);
+    proj_prime_meridian_get_parameters(ctx, meridian.get(), &meridianLongitude, &meridianFactor,
+                                       nullptr);
     const double greenwichOffset = degrees(meridianLongitude * meridianFactor);
 
     ProjectionParameters &p = cs.parameters;
@@ -235,15 +239,17 @@ Status systemFromEpsg(int code, CoordinateSystem &system) {
         const char *paramCode = nullptr;
         const char *category = nullptr;
         double value = 0, factor = 1;
-        if (!proj_coordoperation_get_param(ctx, conversion.get(), i, nullptr, nullptr, &paramCode, &value, nullptr,
-                                           &factor, nullptr, nullptr, nullptr, &category) ||
+        if (!proj_coordoperation_get_param(ctx, conversion.get(), i, nullptr, nullptr, &paramCode,
+                                           &value, nullptr, &factor, nullptr, nullptr, nullptr,
+                                           &category) ||
             !paramCode)
             return databaseError(code);
         value *= factor; // metres, radians or unity
         if (category && std::strcmp(category, "angular") == 0)
             value = degrees(value);
         const int epsgParameter = std::atoi(paramCode);
-        if (epsgParameter == 8802 || epsgParameter == 8822 || epsgParameter == 8812 || epsgParameter == 8833)
+        if (epsgParameter == 8802 || epsgParameter == 8822 || epsgParameter == 8812 ||
+            epsgParameter == 8833)
             value += greenwichOffset;
         assignParameter(epsgParameter, value, p);
     }
@@ -259,8 +265,8 @@ Status systemFromEpsg(int code, CoordinateSystem &system) {
     if (shiftToWgs84(ctx, crs.get(), geodetic.get(), towgs84)) {
         // The record keeps the translations from WGS 84 to the datum and the
         // rotations as TOWGS84 has them.
-        cs.shift = {0.0 - towgs84[0], 0.0 - towgs84[1], 0.0 - towgs84[2], towgs84[3], towgs84[4], towgs84[5],
-                    invertScalePpm(towgs84[6])};
+        cs.shift = {0.0 - towgs84[0], 0.0 - towgs84[1], 0.0 - towgs84[2],          towgs84[3],
+                    towgs84[4],       towgs84[5],       invertScalePpm(towgs84[6])};
     }
 
     std::lock_guard<std::mutex> guard(cacheMutex);

@@ -79,13 +79,15 @@ int downloadFile(const std::string &url, const std::filesystem::path &target, lo
             return 1;
         resultCode = CURLE_WRITE_ERROR;
     } else {
-        resultCode = code != CURLE_OK ? static_cast<long>(code) : (written ? status : static_cast<long>(CURLE_WRITE_ERROR));
+        resultCode = code != CURLE_OK ? static_cast<long>(code)
+                                      : (written ? status : static_cast<long>(CURLE_WRITE_ERROR));
     }
     std::filesystem::remove(partial, ec);
     return 0;
 }
 
-Status ensureGridPresent(const GeoidFolders &folders, const std::string &fileName, std::filesystem::path &path) {
+Status ensureGridPresent(const GeoidFolders &folders, const std::string &fileName,
+                         std::filesystem::path &path) {
     path = folders.dataFolder / fileName;
     if (canOpen(path))
         return Status::success();
@@ -93,7 +95,8 @@ Status ensureGridPresent(const GeoidFolders &folders, const std::string &fileNam
     std::error_code ec;
     const auto bundled = folders.dataFolder / "geoids" / fileName;
     if (canOpen(bundled)) {
-        std::filesystem::copy_file(bundled, path, std::filesystem::copy_options::overwrite_existing, ec);
+        std::filesystem::copy_file(bundled, path, std::filesystem::copy_options::overwrite_existing,
+                                   ec);
         if (!ec && canOpen(path))
             return Status::success();
     }
@@ -102,8 +105,8 @@ Status ensureGridPresent(const GeoidFolders &folders, const std::string &fileNam
     long resultCode = 0;
     if (downloadFile(url, path, folders.downloadTimeoutSeconds, resultCode) == 1 && canOpen(path))
         return Status::success();
-    return Status::failure(StatusCode::Download,
-                           format(tr(messages::kDownloadFailed), static_cast<int>(resultCode), url.c_str()));
+    return Status::failure(StatusCode::Download, format(tr(messages::kDownloadFailed),
+                                                        static_cast<int>(resultCode), url.c_str()));
 }
 
 } // namespace tramline::geodesy

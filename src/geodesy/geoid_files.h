@@ -39,6 +39,7 @@ int downloadFile(const std::string &url, const std::filesystem::path &target, lo
 /// Makes sure `fileName` is present in the data folder and gives its
 /// path. Fails with "Error %d: failed to download geoid from\n%s" (result
 /// code and URL) when it is missing everywhere and cannot be fetched.
-Status ensureGridPresent(const GeoidFolders &folders, const std::string &fileName, std::filesystem::path &path);
+Status ensureGridPresent(const GeoidFolders &folders, const std::string &fileName,
+                         std::filesystem::path &path);
 
 } // namespace tramline::geodesy

@@ -28,7 +28,9 @@ bool nextNumber(LineReader &reader, double &value) {
     return reader.next(line) && parseNumber(line, value) && std::isfinite(value);
 }
 
-bool isNoData(double v) { return std::fabs(v - GeoidGrid::kNoData) < 1e-3; }
+bool isNoData(double v) {
+    return std::fabs(v - GeoidGrid::kNoData) < 1e-3;
+}
 
 } // namespace
 
@@ -44,8 +46,9 @@ bool GridBounds::contains(double latitude, double longitude) const {
 Status readGridBounds(std::istream &in, GridBounds &bounds) {
     LineReader reader(in, kHeaderLine);
     GridBounds b;
-    if (!nextNumber(reader, b.south) || !nextNumber(reader, b.west) || !nextNumber(reader, b.north) ||
-        !nextNumber(reader, b.east) || !(b.north > b.south) || !(b.east > b.west))
+    if (!nextNumber(reader, b.south) || !nextNumber(reader, b.west) ||
+        !nextNumber(reader, b.north) || !nextNumber(reader, b.east) || !(b.north > b.south) ||
+        !(b.east > b.west))
         return Status::failure(StatusCode::Format, tr(messages::kGridFileBad));
     bounds = b;
     return Status::success();
@@ -61,13 +64,15 @@ Status GeoidGrid::read(std::istream &in, const std::string &name, GeoidGrid &gri
     LineReader reader(in, kHeaderLine);
     GridBounds b;
     double latitudeIntervals = 0, longitudeIntervals = 0;
-    if (!nextNumber(reader, b.south) || !nextNumber(reader, b.west) || !nextNumber(reader, b.north) ||
-        !nextNumber(reader, b.east) || !nextNumber(reader, latitudeIntervals) ||
-        !nextNumber(reader, longitudeIntervals))
+    if (!nextNumber(reader, b.south) || !nextNumber(reader, b.west) ||
+        !nextNumber(reader, b.north) || !nextNumber(reader, b.east) ||
+        !nextNumber(reader, latitudeIntervals) || !nextNumber(reader, longitudeIntervals))
         return badGrid(name);
-    const double rows = std::round(latitudeIntervals) + 1, columns = std::round(longitudeIntervals) + 1;
-    if (!(b.north > b.south) || !(b.east > b.west) || rows < 2 || columns < 2 || rows * columns > kMostNodes ||
-        std::fabs(latitudeIntervals + 1 - rows) > 1e-6 || std::fabs(longitudeIntervals + 1 - columns) > 1e-6)
+    const double rows = std::round(latitudeIntervals) + 1,
+                 columns = std::round(longitudeIntervals) + 1;
+    if (!(b.north > b.south) || !(b.east > b.west) || rows < 2 || columns < 2 ||
+        rows * columns > kMostNodes || std::fabs(latitudeIntervals + 1 - rows) > 1e-6 ||
+        std::fabs(longitudeIntervals + 1 - columns) > 1e-6)
         return badGrid(name);
     // Nodes are kept as they come, so that a header promising more than
     // the file holds costs no more memory than the file does.
@@ -77,7 +82,8 @@ Status GeoidGrid::read(std::istream &in, const std::string &name, GeoidGrid &gri
     std::string line;
     while (nodes.size() < count) {
         if (!reader.next(line))
-            return Status::failure(StatusCode::Format, format(tr(messages::kGridFileTruncated), name.c_str()));
+            return Status::failure(StatusCode::Format,
+                                   format(tr(messages::kGridFileTruncated), name.c_str()));
         double v = 0;
         if (!parseNumber(line, v) || !std::isfinite(v))
             return badGrid(name);
@@ -92,14 +98,17 @@ Status GeoidGrid::read(std::istream &in, const std::string &name, GeoidGrid &gri
 Status GeoidGrid::load(const std::filesystem::path &path, GeoidGrid &grid) {
     std::ifstream in(path, std::ios::binary);
     if (!in)
-        return Status::failure(StatusCode::Io, format(tr(messages::kCannotOpen), path.string().c_str()));
+        return Status::failure(StatusCode::Io,
+                               format(tr(messages::kCannotOpen), path.string().c_str()));
     return read(in, path.filename().string(), grid);
 }
 
 bool GeoidGrid::write(std::ostream &out) const {
     std::string text;
-    appendFormat(text, "%.4f\n%.4f\n%.4f\n%.4f\n", m_bounds.south, m_bounds.west, m_bounds.north, m_bounds.east);
-    appendFormat(text, "%.1f\n%.1f\n", static_cast<double>(m_rows - 1), static_cast<double>(m_columns - 1));
+    appendFormat(text, "%.4f\n%.4f\n%.4f\n%.4f\n", m_bounds.south, m_bounds.west, m_bounds.north,
+                 m_bounds.east);
+    appendFormat(text, "%.1f\n%.1f\n", static_cast<double>(m_rows - 1),
+                 static_cast<double>(m_columns - 1));
     out << text;
     char buffer[64];
     for (float node : m_nodes) {
@@ -111,9 +120,11 @@ bool GeoidGrid::write(std::ostream &out) const {
 
 Status GeoidGrid::save(const std::filesystem::path &path) const {
     std::string error;
-    if (saveAtomically(path, [this](std::ostream &out) { return write(out); }, &error))
+    if (saveAtomically(
+            path, [this](std::ostream &out) { return write(out); }, &error))
         return Status::success();
-    return Status::failure(StatusCode::Io, format(tr(messages::kCannotWrite), path.string().c_str()));
+    return Status::failure(StatusCode::Io,
+                           format(tr(messages::kCannotWrite), path.string().c_str()));
 }
 
 double GeoidGrid::node(int row, int column) const {
@@ -122,8 +133,8 @@ double GeoidGrid::node(int row, int column) const {
 }
 
 void GeoidGrid::setNode(int row, int column, double value) {
-    m_nodes[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_columns) + static_cast<std::size_t>(column)] =
-        static_cast<float>(value);
+    m_nodes[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_columns) +
+            static_cast<std::size_t>(column)] = static_cast<float>(value);
 }
 
 bool GeoidGrid::separation(double latitude, double longitude, double &separation) const {

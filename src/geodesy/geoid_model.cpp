@@ -13,18 +13,79 @@ namespace {
 // Files of the one-file models 6 to 78 (code 7 has two hemispheres, code
 // 10 is searched, code 21 has two halves found by their headers).
 const char *const kSingleFiles[] = {
-    /* 6 */ "egm96.grd", nullptr, "osu91a.grd", "albuquerque08.grd", nullptr, "aus09.grd", "coconima.grd",
-    "hBG03.grd", "mapgeo2010_minas.grd", "cgg2013.grd", "cgg2010.grd", "cngeoid.grd", "ht2_0.grd", "ht1_01.grd",
-    "gsd95.grd", nullptr, "hrg2009.grd", "trst.grd", "fin2000.grd", "fin2005.grd", "fprngd16.grd", "france.grd",
-    "raf09.grd", "fr_guy00.grd", "qm2012.grd", "bayern.grd", "nn07_by.grd", "nhn07_by.grd", "gcg05.grd",
-    "gcg05_kueste.grd", "osgm02.grd", "iceland_2011v1.grd", "osgm_roi.grd", "osgm_ni.grd", "israel.grd",
-    "korea13.grd", "lv98.grd", "lv14.grd", "lv15.grd", "ltu_gmatas.grd", "emgg05a.grd", "mexico97.grd",
-    "nl2004.grd", "nl2008.grd", "newcaldn.grd", "newcal08.grd", "newz05.grd", "newz09.grd", "norway07.grd",
-    "norway08.grd", "norwayN2000.grd", "Norway15B.grd", "Norway16A.grd", "png08.grd", "poland.grd",
-    "poland2011.grd", "portgl08.grd", "romanian_ETRS89v102.grd", "RUSSIA_NWRF.grd", "sgeoid09.grd",
-    "slovakian.grd", "slovenia.grd", "sa2010.grd", "cat10060.grd", "cat70260.grd", "egm08_rednap.grd",
-    "egm08_rednap_canarias.grd", "swen08_rh00fs.grd", "swen08_rh70.grd", "swen08_rh2000.grd", "swen05_rh70.grd",
-    "swen05_rh2000.grd", "swiss04.grd"};
+    /* 6 */ "egm96.grd",
+    nullptr,
+    "osu91a.grd",
+    "albuquerque08.grd",
+    nullptr,
+    "aus09.grd",
+    "coconima.grd",
+    "hBG03.grd",
+    "mapgeo2010_minas.grd",
+    "cgg2013.grd",
+    "cgg2010.grd",
+    "cngeoid.grd",
+    "ht2_0.grd",
+    "ht1_01.grd",
+    "gsd95.grd",
+    nullptr,
+    "hrg2009.grd",
+    "trst.grd",
+    "fin2000.grd",
+    "fin2005.grd",
+    "fprngd16.grd",
+    "france.grd",
+    "raf09.grd",
+    "fr_guy00.grd",
+    "qm2012.grd",
+    "bayern.grd",
+    "nn07_by.grd",
+    "nhn07_by.grd",
+    "gcg05.grd",
+    "gcg05_kueste.grd",
+    "osgm02.grd",
+    "iceland_2011v1.grd",
+    "osgm_roi.grd",
+    "osgm_ni.grd",
+    "israel.grd",
+    "korea13.grd",
+    "lv98.grd",
+    "lv14.grd",
+    "lv15.grd",
+    "ltu_gmatas.grd",
+    "emgg05a.grd",
+    "mexico97.grd",
+    "nl2004.grd",
+    "nl2008.grd",
+    "newcaldn.grd",
+    "newcal08.grd",
+    "newz05.grd",
+    "newz09.grd",
+    "norway07.grd",
+    "norway08.grd",
+    "norwayN2000.grd",
+    "Norway15B.grd",
+    "Norway16A.grd",
+    "png08.grd",
+    "poland.grd",
+    "poland2011.grd",
+    "portgl08.grd",
+    "romanian_ETRS89v102.grd",
+    "RUSSIA_NWRF.grd",
+    "sgeoid09.grd",
+    "slovakian.grd",
+    "slovenia.grd",
+    "sa2010.grd",
+    "cat10060.grd",
+    "cat70260.grd",
+    "egm08_rednap.grd",
+    "egm08_rednap_canarias.grd",
+    "swen08_rh00fs.grd",
+    "swen08_rh70.grd",
+    "swen08_rh2000.grd",
+    "swen05_rh70.grd",
+    "swen05_rh2000.grd",
+    "swiss04.grd"};
 static_assert(sizeof kSingleFiles / sizeof kSingleFiles[0] == kLastGeoidModel - 5);
 
 // A tile of a tiled model and the area it answers for (degrees, longitudes
@@ -42,13 +103,15 @@ std::vector<Band> conterminousBands() {
     std::vector<Band> bands;
     for (int row = 0; row < 2; ++row)
         for (int column = 0; column < 4; ++column)
-            bands.push_back({row == 0 ? 41.0 : 24.0, row == 0 ? 58.0 : 41.0, west[column], west[column + 1],
-                             nullptr});
+            bands.push_back({row == 0 ? 41.0 : 24.0, row == 0 ? 58.0 : 41.0, west[column],
+                             west[column + 1], nullptr});
     return bands;
 }
 
 // Alaska from 60 north, four bands of 15 degrees; the islands' own bands.
-const Band kAlaska[] = {{60, 72, 172, 187, "a01"}, {60, 72, 187, 202, "a02"}, {60, 72, 202, 217, "a03"},
+const Band kAlaska[] = {{60, 72, 172, 187, "a01"},
+                        {60, 72, 187, 202, "a02"},
+                        {60, 72, 202, 217, "a03"},
                         {60, 72, 217, 232, "a04"}};
 const Band kHawaii = {18, 23, 199, 206, "h"};
 const Band kPuertoRico = {17, 19, 291, 296, "p"};
@@ -57,8 +120,8 @@ const Band kSamoa = {-16, -12, 186, 192, "s"};
 
 struct TiledModel {
     const char *name;
-    const char *prefix;          // "g1999"
-    const char *conterminous;    // "u0%d", "au%d" or nullptr
+    const char *prefix;       // "g1999"
+    const char *conterminous; // "u0%d", "au%d" or nullptr
     bool alaska;
     const char *hawaii, *puertoRico, *guam, *samoa; // file stems, nullptr when absent
 };
@@ -77,13 +140,19 @@ bool inBand(const Band &b, double latitude, double longitude) {
     return latitude >= b.south && latitude <= b.north && longitude >= b.west && longitude <= b.east;
 }
 
-Status notFound() { return Status::failure(StatusCode::NotFound, tr(messages::kModelNotFound)); }
+Status notFound() {
+    return Status::failure(StatusCode::NotFound, tr(messages::kModelNotFound));
+}
 
-std::string tileFile(const TiledModel &m, const std::string &stem) { return std::string(m.prefix) + stem + ".grd"; }
+std::string tileFile(const TiledModel &m, const std::string &stem) {
+    return std::string(m.prefix) + stem + ".grd";
+}
 
 } // namespace
 
-bool isGeoidModel(int code) { return code >= kFirstGeoidModel && code <= kLastGeoidModel; }
+bool isGeoidModel(int code) {
+    return code >= kFirstGeoidModel && code <= kLastGeoidModel;
+}
 
 std::string geoidModelName(int code) {
     if (code >= 1 && code <= 5)
@@ -136,10 +205,12 @@ std::vector<std::string> geoidModelFiles(int code) {
     return files;
 }
 
-std::string beyondAreaMessage(int code) { return std::string(tr(messages::kBeyondArea)) + " " + geoidModelName(code); }
+std::string beyondAreaMessage(int code) {
+    return std::string(tr(messages::kBeyondArea)) + " " + geoidModelName(code);
+}
 
-Status chooseGeoidFile(int code, double latitude, double longitude, const GridBoundsReader &readBounds,
-                       GeoidFileChoice &choice) {
+Status chooseGeoidFile(int code, double latitude, double longitude,
+                       const GridBoundsReader &readBounds, GeoidFileChoice &choice) {
     if (!isGeoidModel(code))
         return notFound();
     // Grids count longitudes east from 0 to 360, but for the two French

@@ -48,8 +48,8 @@ struct GeoidFileChoice {
 /// unknown code or a search that cannot open a file, and OutOfRange ("Error:
 /// beyond area covered by" and the model's name) when no file covers the
 /// point.
-Status chooseGeoidFile(int code, double latitude, double longitude, const GridBoundsReader &readBounds,
-                       GeoidFileChoice &choice);
+Status chooseGeoidFile(int code, double latitude, double longitude,
+                       const GridBoundsReader &readBounds, GeoidFileChoice &choice);
 
 /// The message for a point outside every file of a model.
 std::string beyondAreaMessage(int code);

@@ -59,7 +59,8 @@ Status GeoidModels::separation(int code, double latitude, double longitude, doub
     return Status::success();
 }
 
-Status gpsSeparation(GeoidModels &models, int code, double latitude, double longitude, double &separation) {
+Status gpsSeparation(GeoidModels &models, int code, double latitude, double longitude,
+                     double &separation) {
     if (!isGeoidModel(code))
         return Status::failure(StatusCode::NotFound, tr(messages::kGeoidNotSetGps));
     Status status = models.separation(code, latitude, longitude, separation);

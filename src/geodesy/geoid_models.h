@@ -24,7 +24,8 @@ public:
     /// calls. Fails with the messages of chooseGeoidFile(), the download's,
     /// a grid that cannot be read, or OutOfRange ("Error: beyond area
     /// covered by" and the model) when the file does not cover the point.
-    Status gridAt(int code, double latitude, double longitude, const GeoidGrid *&grid, double &lookupLongitude);
+    Status gridAt(int code, double latitude, double longitude, const GeoidGrid *&grid,
+                  double &lookupLongitude);
 
     /// The geoid separation (metres, geoid above the ellipsoid positive) of
     /// model `code` at a point.
@@ -41,6 +42,7 @@ private:
 /// no model (code 0) gives "Warning: Geoid model not set...", a point
 /// outside the model "Warning: Beyond set Geoid model area...", and
 /// AUSGeoid98 its own two messages (not installed, not defined here).
-Status gpsSeparation(GeoidModels &models, int code, double latitude, double longitude, double &separation);
+Status gpsSeparation(GeoidModels &models, int code, double latitude, double longitude,
+                     double &separation);
 
 } // namespace tramline::geodesy

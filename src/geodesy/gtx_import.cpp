@@ -34,7 +34,9 @@ float readFloat(const unsigned char *p) {
     return v;
 }
 
-std::int32_t readInt(const unsigned char *p) { return static_cast<std::int32_t>(bigEndian(p, 4)); }
+std::int32_t readInt(const unsigned char *p) {
+    return static_cast<std::int32_t>(bigEndian(p, 4));
+}
 
 Status bad(const std::string &name) {
     return Status::failure(StatusCode::Format, format(tr(messages::kGridFileBad), name.c_str()));
@@ -49,8 +51,9 @@ Status readGtx(std::istream &in, const std::string &name, GeoidGrid &grid) {
     double south = readDouble(header), west = readDouble(header + 8);
     const double latitudeStep = readDouble(header + 16), longitudeStep = readDouble(header + 24);
     const std::int32_t rows = readInt(header + 32), columns = readInt(header + 36);
-    if (!std::isfinite(south) || !std::isfinite(west) || !(latitudeStep > 0) || !(longitudeStep > 0) || rows < 2 ||
-        columns < 2 || columns > 1 << 24 || static_cast<double>(rows) * columns > 3e8)
+    if (!std::isfinite(south) || !std::isfinite(west) || !(latitudeStep > 0) ||
+        !(longitudeStep > 0) || rows < 2 || columns < 2 || columns > 1 << 24 ||
+        static_cast<double>(rows) * columns > 3e8)
         return bad(name);
 
     // Row by row, so that a header promising more than the file holds
@@ -58,8 +61,10 @@ Status readGtx(std::istream &in, const std::string &name, GeoidGrid &grid) {
     std::vector<float> values;
     std::vector<unsigned char> row(static_cast<std::size_t>(columns) * 4);
     for (std::int32_t r = 0; r < rows; ++r) {
-        if (!in.read(reinterpret_cast<char *>(row.data()), static_cast<std::streamsize>(row.size())))
-            return Status::failure(StatusCode::Format, format(tr(messages::kGridFileTruncated), name.c_str()));
+        if (!in.read(reinterpret_cast<char *>(row.data()),
+                     static_cast<std::streamsize>(row.size())))
+            return Status::failure(StatusCode::Format,
+                                   format(tr(messages::kGridFileTruncated), name.c_str()));
         for (std::int32_t c = 0; c < columns; ++c)
             values.push_back(readFloat(&row[static_cast<std::size_t>(c) * 4]));
     }
@@ -93,8 +98,10 @@ Status readGtx(std::istream &in, const std::string &name, GeoidGrid &grid) {
             if (global) {
                 // Output column c lies at longitude c * step east; find it in
                 // the source, whose first column lies at `west`.
-                const double offset = std::fmod((c * longitudeStep - west) / longitudeStep, columns);
-                source = static_cast<int>(std::lround(offset < 0 ? offset + columns : offset)) % columns;
+                const double offset =
+                    std::fmod((c * longitudeStep - west) / longitudeStep, columns);
+                source =
+                    static_cast<int>(std::lround(offset < 0 ? offset + columns : offset)) % columns;
             }
             const float v = values[static_cast<std::size_t>(r) * static_cast<std::size_t>(columns) +
                                    static_cast<std::size_t>(source)];
@@ -108,7 +115,8 @@ Status readGtx(std::istream &in, const std::string &name, GeoidGrid &grid) {
 Status importGtx(const std::filesystem::path &source, const std::filesystem::path &destination) {
     std::ifstream in(source, std::ios::binary);
     if (!in)
-        return Status::failure(StatusCode::Io, format(tr(messages::kCannotOpen), source.string().c_str()));
+        return Status::failure(StatusCode::Io,
+                               format(tr(messages::kCannotOpen), source.string().c_str()));
     GeoidGrid grid;
     if (Status status = readGtx(in, source.filename().string(), grid); !status)
         return status;

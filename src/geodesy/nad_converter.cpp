@@ -39,7 +39,8 @@ Status NadConverter::open(const std::filesystem::path &dataFolder, const std::st
     std::vector<const char *> pointers;
     for (const auto &p : paths)
         pointers.push_back(p.c_str());
-    proj_context_set_search_paths(impl->ctx.get(), static_cast<int>(pointers.size()), pointers.data());
+    proj_context_set_search_paths(impl->ctx.get(), static_cast<int>(pointers.size()),
+                                  pointers.data());
     proj_context_set_enable_network(impl->ctx.get(), 0);
     impl->pj.reset(proj_create(impl->ctx.get(), ("+proj=hgridshift +grids=" + grid).c_str()));
     if (!impl->pj)

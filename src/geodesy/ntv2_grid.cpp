@@ -15,7 +15,9 @@ namespace {
 
 constexpr int kHeaderRecords = 11;
 
-Status fail(const char *message) { return Status::failure(StatusCode::Format, tr(message)); }
+Status fail(const char *message) {
+    return Status::failure(StatusCode::Format, tr(message));
+}
 
 std::string trimmed(std::string s) {
     while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r'))
@@ -64,8 +66,8 @@ Status Ntv2Grid::read(std::istream &in, Ntv2Grid &grid) {
     if (numberOf(overview, "NUM_FILE", files) && files != 1)
         return fail(messages::kMultipleGrids);
     double subRecords = 0;
-    if (!numberOf(overview, "NUM_SREC", subRecords) || subRecords < kHeaderRecords || subRecords > 64 ||
-        subRecords != std::floor(subRecords))
+    if (!numberOf(overview, "NUM_SREC", subRecords) || subRecords < kHeaderRecords ||
+        subRecords > 64 || subRecords != std::floor(subRecords))
         return fail(messages::kInvalidNumSrec);
 
     std::map<std::string, std::string> sub;
@@ -83,8 +85,8 @@ Status Ntv2Grid::read(std::istream &in, Ntv2Grid &grid) {
     if (!numberOf(sub, "LONG_INC", g.m_longitudeStep) || !(g.m_longitudeStep > 0))
         return fail(messages::kInvalidLongInc);
     if (!numberOf(sub, "S_LAT", g.m_south) || !numberOf(sub, "N_LAT", g.m_north) ||
-        !numberOf(sub, "E_LONG", g.m_east) || !numberOf(sub, "W_LONG", g.m_west) || !(g.m_north > g.m_south) ||
-        !(g.m_west > g.m_east))
+        !numberOf(sub, "E_LONG", g.m_east) || !numberOf(sub, "W_LONG", g.m_west) ||
+        !(g.m_north > g.m_south) || !(g.m_west > g.m_east))
         return fail(messages::kInvalidExtent);
     const double rows = std::round((g.m_north - g.m_south) / g.m_latitudeStep) + 1;
     const double columns = std::round((g.m_west - g.m_east) / g.m_longitudeStep) + 1;
@@ -112,14 +114,17 @@ Status Ntv2Grid::read(std::istream &in, Ntv2Grid &grid) {
 Status Ntv2Grid::shiftAt(double latitude, double longitude, double &latitudeSeconds,
                          double &longitudeSeconds) const {
     const double lat = latitude * 3600.0, west = -longitude * 3600.0;
-    if (m_rows < 2 || m_columns < 2 || !(lat >= m_south && lat <= m_north) || !(west >= m_east && west <= m_west))
+    if (m_rows < 2 || m_columns < 2 || !(lat >= m_south && lat <= m_north) ||
+        !(west >= m_east && west <= m_west))
         return Status::failure(StatusCode::OutOfRange, tr(messages::kOutsideShiftGrid));
     const double y = (lat - m_south) / m_latitudeStep, x = (west - m_east) / m_longitudeStep;
-    const int row = std::min(static_cast<int>(y), m_rows - 2), column = std::min(static_cast<int>(x), m_columns - 2);
+    const int row = std::min(static_cast<int>(y), m_rows - 2),
+              column = std::min(static_cast<int>(x), m_columns - 2);
     const double fy = y - row, fx = x - column;
     auto at = [this](const std::vector<float> &v, int r, int c) {
-        return static_cast<double>(v[static_cast<std::size_t>(r) * static_cast<std::size_t>(m_columns) +
-                                     static_cast<std::size_t>(c)]);
+        return static_cast<double>(
+            v[static_cast<std::size_t>(r) * static_cast<std::size_t>(m_columns) +
+              static_cast<std::size_t>(c)]);
     };
     auto interpolate = [&](const std::vector<float> &v) {
         return (1 - fy) * ((1 - fx) * at(v, row, column) + fx * at(v, row, column + 1)) +

@@ -29,7 +29,8 @@ public:
     /// positive (the file counts longitude west; this turns it round).
     /// Bilinear between the four nodes around the point. Fails with "Point
     /// is outside the range of the grid".
-    Status shiftAt(double latitude, double longitude, double &latitudeSeconds, double &longitudeSeconds) const;
+    Status shiftAt(double latitude, double longitude, double &latitudeSeconds,
+                   double &longitudeSeconds) const;
 
     /// Applies the shift to a position in decimal degrees.
     Status apply(double &latitude, double &longitude) const;
@@ -43,9 +44,11 @@ public:
 
 private:
     std::string m_name;
-    double m_south = 0, m_north = 0, m_east = 0, m_west = 0, m_latitudeStep = 0, m_longitudeStep = 0;
+    double m_south = 0, m_north = 0, m_east = 0, m_west = 0, m_latitudeStep = 0,
+           m_longitudeStep = 0;
     int m_rows = 0, m_columns = 0;
-    std::vector<float> m_latitudeShift, m_longitudeShift; // rows south to north, columns east to west
+    std::vector<float> m_latitudeShift,
+        m_longitudeShift; // rows south to north, columns east to west
 };
 
 } // namespace tramline::geodesy

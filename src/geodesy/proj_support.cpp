@@ -29,8 +29,8 @@ Status createOperation(const std::string &definition, ContextPtr &ctx, PjPtr &pj
     ContextPtr context = newContext();
     PjPtr operation(proj_create(context.get(), definition.c_str()));
     if (!operation)
-        return Status::failure(StatusCode::InvalidInput,
-                               format(tr(messages::kInvalidParameters), lastError(context.get()).c_str()));
+        return Status::failure(StatusCode::InvalidInput, format(tr(messages::kInvalidParameters),
+                                                                lastError(context.get()).c_str()));
     ctx = std::move(context);
     pj = std::move(operation);
     return Status::success();

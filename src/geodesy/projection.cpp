@@ -19,7 +19,9 @@ namespace {
 
 using detail::PjPtr;
 
-std::string number(double v) { return format("%.17g", v); }
+std::string number(double v) {
+    return format("%.17g", v);
+}
 
 std::string ellipsoidDefinition(const Ellipsoid &e) {
     if (e.f == 0.0)
@@ -39,9 +41,11 @@ Status eovDefinition(std::string &definition) {
     auto db = detail::database();
     PjPtr crs(proj_create_from_database(db.ctx, "EPSG", "23700", PJ_CATEGORY_CRS, 0, nullptr));
     PjPtr conversion(crs ? proj_crs_get_coordoperation(db.ctx, crs.get()) : nullptr);
-    const char *text = conversion ? proj_as_proj_string(db.ctx, conversion.get(), PJ_PROJ_5, nullptr) : nullptr;
+    const char *text =
+        conversion ? proj_as_proj_string(db.ctx, conversion.get(), PJ_PROJ_5, nullptr) : nullptr;
     if (!text)
-        return Status::failure(StatusCode::NotFound, format(tr(messages::kNoZoneDatabase), "EPSG:23700"));
+        return Status::failure(StatusCode::NotFound,
+                               format(tr(messages::kNoZoneDatabase), "EPSG:23700"));
     // "+proj=pipeline +step +proj=..." or a single step: keep the step,
     // without its false origin.
     std::string step = text;
@@ -67,26 +71,29 @@ Status eovDefinition(std::string &definition) {
 
 Status projDefinition(const CoordinateSystem &cs, std::string &out) {
     const ProjectionParameters &p = cs.parameters;
-    const std::string origin = " +x_0=" + number(p.falseEasting) + " +y_0=" + number(p.falseNorthing);
+    const std::string origin =
+        " +x_0=" + number(p.falseEasting) + " +y_0=" + number(p.falseNorthing);
     std::string d;
     switch (cs.type) {
     case ProjectionType::TransverseMercator:
     case ProjectionType::TransverseMercatorGgrs87:
     case ProjectionType::TransverseMercatorOstn02:
-        d = "+proj=tmerc +lat_0=" + number(p.latitudeOfOrigin) + " +lon_0=" + number(p.centralMeridian) +
-            " +k_0=" + number(p.scaleFactor) + origin;
+        d = "+proj=tmerc +lat_0=" + number(p.latitudeOfOrigin) +
+            " +lon_0=" + number(p.centralMeridian) + " +k_0=" + number(p.scaleFactor) + origin;
         break;
     case ProjectionType::LambertConformalConic1SP: {
         // One standard parallel: the latitude of origin (or, when only the
         // parallel was given, that parallel).
-        const double parallel = p.latitudeOfOrigin != 0.0 ? p.latitudeOfOrigin : p.standardParallel1;
-        d = "+proj=lcc +lat_1=" + number(parallel) + " +lat_0=" + number(parallel) + " +lon_0=" +
-            number(p.centralMeridian) + " +k_0=" + number(p.scaleFactor) + origin;
+        const double parallel =
+            p.latitudeOfOrigin != 0.0 ? p.latitudeOfOrigin : p.standardParallel1;
+        d = "+proj=lcc +lat_1=" + number(parallel) + " +lat_0=" + number(parallel) +
+            " +lon_0=" + number(p.centralMeridian) + " +k_0=" + number(p.scaleFactor) + origin;
         break;
     }
     case ProjectionType::LambertConformalConic2SP:
-        d = "+proj=lcc +lat_0=" + number(p.latitudeOfOrigin) + " +lon_0=" + number(p.centralMeridian) +
-            " +lat_1=" + number(p.standardParallel1) + " +lat_2=" + number(p.standardParallel2) + origin;
+        d = "+proj=lcc +lat_0=" + number(p.latitudeOfOrigin) +
+            " +lon_0=" + number(p.centralMeridian) + " +lat_1=" + number(p.standardParallel1) +
+            " +lat_2=" + number(p.standardParallel2) + origin;
         // The Michigan zones of 1927 scale the ellipsoid; a plain two-
         // parallel cone leaves the factor at 1.
         if (p.scaleFactor != 1.0 && p.scaleFactor > 0.0)
@@ -95,30 +102,30 @@ Status projDefinition(const CoordinateSystem &cs, std::string &out) {
     case ProjectionType::DoubleStereographic:
     case ProjectionType::ObliqueStereographicRd2000:
     case ProjectionType::ObliqueStereographicRd2004:
-        d = "+proj=sterea +lat_0=" + number(p.latitudeOfOrigin) + " +lon_0=" + number(p.centralMeridian) +
-            " +k=" + number(p.scaleFactor) + origin;
+        d = "+proj=sterea +lat_0=" + number(p.latitudeOfOrigin) +
+            " +lon_0=" + number(p.centralMeridian) + " +k=" + number(p.scaleFactor) + origin;
         break;
     case ProjectionType::ObliqueStereographic:
-        d = "+proj=stere +lat_0=" + number(p.latitudeOfOrigin) + " +lon_0=" + number(p.centralMeridian) +
-            " +k=" + number(p.scaleFactor) + origin;
+        d = "+proj=stere +lat_0=" + number(p.latitudeOfOrigin) +
+            " +lon_0=" + number(p.centralMeridian) + " +k=" + number(p.scaleFactor) + origin;
         break;
     case ProjectionType::ObliqueMercator:
         // False origin at the projection centre.
-        d = "+proj=omerc +lat_0=" + number(p.latitudeOfCenter) + " +lonc=" + number(p.longitudeOfCenter) +
-            " +alpha=" + number(p.azimuth) + " +gamma=" + number(p.rectifiedGridAngle) + " +k=" +
-            number(p.scaleFactor) + origin;
+        d = "+proj=omerc +lat_0=" + number(p.latitudeOfCenter) +
+            " +lonc=" + number(p.longitudeOfCenter) + " +alpha=" + number(p.azimuth) +
+            " +gamma=" + number(p.rectifiedGridAngle) + " +k=" + number(p.scaleFactor) + origin;
         break;
     case ProjectionType::HotineObliqueMercator:
         // False origin at the natural origin.
-        d = "+proj=omerc +no_uoff +lat_0=" + number(p.latitudeOfCenter) + " +lonc=" + number(p.longitudeOfCenter) +
-            " +alpha=" + number(p.azimuth) + " +gamma=" + number(p.rectifiedGridAngle) + " +k=" +
-            number(p.scaleFactor) + origin;
+        d = "+proj=omerc +no_uoff +lat_0=" + number(p.latitudeOfCenter) +
+            " +lonc=" + number(p.longitudeOfCenter) + " +alpha=" + number(p.azimuth) +
+            " +gamma=" + number(p.rectifiedGridAngle) + " +k=" + number(p.scaleFactor) + origin;
         break;
     case ProjectionType::ObliqueMercator83:
         // The Alaska zone 1 form: the grid is rectified by the azimuth itself.
-        d = "+proj=omerc +no_uoff +lat_0=" + number(p.latitudeOfCenter) + " +lonc=" + number(p.longitudeOfCenter) +
-            " +alpha=" + number(p.azimuth) + " +gamma=" + number(p.azimuth) + " +k=" + number(p.scaleFactor) +
-            origin;
+        d = "+proj=omerc +no_uoff +lat_0=" + number(p.latitudeOfCenter) +
+            " +lonc=" + number(p.longitudeOfCenter) + " +alpha=" + number(p.azimuth) +
+            " +gamma=" + number(p.azimuth) + " +k=" + number(p.scaleFactor) + origin;
         break;
     case ProjectionType::ObliqueMercatorEov: {
         std::string eov;
@@ -130,12 +137,14 @@ Status projDefinition(const CoordinateSystem &cs, std::string &out) {
     case ProjectionType::Krovak:
         // Grid axes east and north (negative over the Czech and Slovak
         // republics), like the written AXIS["East",East],AXIS["North",North].
-        d = "+proj=krovak +lat_0=" + number(p.latitudeOfCenter) + " +lon_0=" + number(p.longitudeOfCenter) +
-            " +alpha=" + number(p.azimuth) + " +k=" + number(p.scaleFactor) + " +lat_ts=" +
-            number(p.pseudoStandardParallel) + origin;
+        d = "+proj=krovak +lat_0=" + number(p.latitudeOfCenter) +
+            " +lon_0=" + number(p.longitudeOfCenter) + " +alpha=" + number(p.azimuth) +
+            " +k=" + number(p.scaleFactor) + " +lat_ts=" + number(p.pseudoStandardParallel) +
+            origin;
         break;
     case ProjectionType::CassiniSoldner:
-        d = "+proj=cass +lat_0=" + number(p.latitudeOfOrigin) + " +lon_0=" + number(p.centralMeridian) + origin;
+        d = "+proj=cass +lat_0=" + number(p.latitudeOfOrigin) +
+            " +lon_0=" + number(p.centralMeridian) + origin;
         break;
     case ProjectionType::TransverseMercator34:
     case ProjectionType::ObliqueMercator27:
@@ -175,7 +184,9 @@ Status Projection::open(const CoordinateSystem &system) {
     return Status::success();
 }
 
-bool Projection::isOpen() const { return m_impl != nullptr; }
+bool Projection::isOpen() const {
+    return m_impl != nullptr;
+}
 
 namespace {
 
@@ -189,12 +200,14 @@ Status checkGeographic(double latitude, double longitude) {
 
 } // namespace
 
-Status Projection::forward(double latitude, double longitude, double &northing, double &easting) const {
+Status Projection::forward(double latitude, double longitude, double &northing,
+                           double &easting) const {
     if (!m_impl)
         return Status::failure(StatusCode::InvalidInput, tr(messages::kOutsideProjection));
     if (Status status = checkGeographic(latitude, longitude); !status)
         return status;
-    const PJ_COORD out = proj_trans(m_impl->pj.get(), PJ_FWD, proj_coord(radians(longitude), radians(latitude), 0, 0));
+    const PJ_COORD out = proj_trans(m_impl->pj.get(), PJ_FWD,
+                                    proj_coord(radians(longitude), radians(latitude), 0, 0));
     if (!std::isfinite(out.xy.x) || !std::isfinite(out.xy.y) || out.xy.x == HUGE_VAL)
         return m_impl->failure();
     easting = out.xy.x;
@@ -202,7 +215,8 @@ Status Projection::forward(double latitude, double longitude, double &northing, 
     return Status::success();
 }
 
-Status Projection::inverse(double northing, double easting, double &latitude, double &longitude) const {
+Status Projection::inverse(double northing, double easting, double &latitude,
+                           double &longitude) const {
     if (!m_impl || !std::isfinite(northing) || !std::isfinite(easting))
         return Status::failure(StatusCode::InvalidInput, tr(messages::kOutsideProjection));
     const PJ_COORD out = proj_trans(m_impl->pj.get(), PJ_INV, proj_coord(easting, northing, 0, 0));

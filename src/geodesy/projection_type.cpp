@@ -61,7 +61,8 @@ bool equalNoCase(std::string_view a, std::string_view b) {
     if (a.size() != b.size())
         return false;
     for (std::size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
+        if (std::tolower(static_cast<unsigned char>(a[i])) !=
+            std::tolower(static_cast<unsigned char>(b[i])))
             return false;
     return true;
 }
@@ -76,9 +77,13 @@ std::optional<ProjectionType> projectionTypeFromCode(int code) {
     return static_cast<ProjectionType>(code);
 }
 
-const char *projectionTypeName(ProjectionType type) { return kTypeNames[static_cast<int>(type)].shown; }
+const char *projectionTypeName(ProjectionType type) {
+    return kTypeNames[static_cast<int>(type)].shown;
+}
 
-const char *projectionTypeWktName(ProjectionType type) { return kTypeNames[static_cast<int>(type)].written; }
+const char *projectionTypeWktName(ProjectionType type) {
+    return kTypeNames[static_cast<int>(type)].written;
+}
 
 std::optional<ProjectionType> projectionTypeFromWktName(std::string_view name) {
     for (int i = 0; i < kProjectionTypeCount; ++i)
@@ -91,7 +96,9 @@ ParameterKind parameterKind(ProjectionParameter parameter) {
     return kParameters[static_cast<int>(parameter)].kind;
 }
 
-const char *parameterLabel(ProjectionParameter parameter) { return kParameters[static_cast<int>(parameter)].label; }
+const char *parameterLabel(ProjectionParameter parameter) {
+    return kParameters[static_cast<int>(parameter)].label;
+}
 
 const std::vector<WrittenParameter> &writtenParameters(ProjectionType type) {
     static const std::vector<WrittenParameter> tm = {{"false_easting", P::FalseEasting},
@@ -99,31 +106,32 @@ const std::vector<WrittenParameter> &writtenParameters(ProjectionType type) {
                                                      {"central_meridian", P::CentralMeridian},
                                                      {"scale_factor", P::ScaleFactor},
                                                      {"latitude_of_origin", P::LatitudeOfOrigin}};
-    static const std::vector<WrittenParameter> lcc1 = {{"latitude_of_origin", P::LatitudeOfOrigin},
-                                                       {"standard_parallel_1", P::StandardParallel1},
-                                                       {"central_meridian", P::CentralMeridian},
-                                                       {"scale_factor", P::ScaleFactor},
-                                                       {"false_easting", P::FalseEasting},
-                                                       {"false_northing", P::FalseNorthing}};
-    static const std::vector<WrittenParameter> lcc2 = {{"latitude_of_origin", P::LatitudeOfOrigin},
-                                                       {"central_meridian", P::CentralMeridian},
-                                                       {"standard_parallel_1", P::StandardParallel1},
-                                                       {"standard_parallel_2", P::StandardParallel2},
-                                                       {"false_easting", P::FalseEasting},
-                                                       {"false_northing", P::FalseNorthing}};
-    static const std::vector<WrittenParameter> stereo = {{"latitude_of_origin", P::LatitudeOfOrigin},
-                                                         {"central_meridian", P::CentralMeridian},
-                                                         {"scale_factor", P::ScaleFactor},
-                                                         {"false_easting", P::FalseEasting},
-                                                         {"false_northing", P::FalseNorthing}};
-    static const std::vector<WrittenParameter> om = {{"latitude_of_center", P::LatitudeOfCenter},
-                                                     {"longitude_of_center", P::LongitudeOfCenter},
-                                                     {"azimuth", P::Azimuth},
-                                                     {"rectified_grid_angle", P::RectifiedGridAngle},
-                                                     {"XY_Plane_Rotation", P::RectifiedGridAngle},
-                                                     {"scale_factor", P::ScaleFactor},
-                                                     {"false_easting", P::FalseEasting},
-                                                     {"false_northing", P::FalseNorthing}};
+    static const std::vector<WrittenParameter> lcc1 = {
+        {"latitude_of_origin", P::LatitudeOfOrigin}, {"standard_parallel_1", P::StandardParallel1},
+        {"central_meridian", P::CentralMeridian},    {"scale_factor", P::ScaleFactor},
+        {"false_easting", P::FalseEasting},          {"false_northing", P::FalseNorthing}};
+    static const std::vector<WrittenParameter> lcc2 = {
+        {"latitude_of_origin", P::LatitudeOfOrigin},
+        {"central_meridian", P::CentralMeridian},
+        {"standard_parallel_1", P::StandardParallel1},
+        {"standard_parallel_2", P::StandardParallel2},
+        {"false_easting", P::FalseEasting},
+        {"false_northing", P::FalseNorthing}};
+    static const std::vector<WrittenParameter> stereo = {
+        {"latitude_of_origin", P::LatitudeOfOrigin},
+        {"central_meridian", P::CentralMeridian},
+        {"scale_factor", P::ScaleFactor},
+        {"false_easting", P::FalseEasting},
+        {"false_northing", P::FalseNorthing}};
+    static const std::vector<WrittenParameter> om = {
+        {"latitude_of_center", P::LatitudeOfCenter},
+        {"longitude_of_center", P::LongitudeOfCenter},
+        {"azimuth", P::Azimuth},
+        {"rectified_grid_angle", P::RectifiedGridAngle},
+        {"XY_Plane_Rotation", P::RectifiedGridAngle},
+        {"scale_factor", P::ScaleFactor},
+        {"false_easting", P::FalseEasting},
+        {"false_northing", P::FalseNorthing}};
     static const std::vector<WrittenParameter> tm34 = {{"latitude_of_origin", P::LatitudeOfOrigin},
                                                        {"central_meridian", P::CentralMeridian},
                                                        {"scale_factor", P::ScaleFactor},
@@ -138,30 +146,34 @@ const std::vector<WrittenParameter> &writtenParameters(ProjectionType type) {
                                                        {"zone_width", P::ZoneWidth}};
     static const std::vector<WrittenParameter> eov = {{"false_easting", P::FalseEasting},
                                                       {"false_northing", P::FalseNorthing}};
-    static const std::vector<WrittenParameter> hotine = {{"latitude_of_center", P::LatitudeOfCenter},
-                                                         {"longitude_of_center", P::LongitudeOfCenter},
-                                                         {"azimuth", P::Azimuth},
-                                                         {"rectified_grid_angle", P::RectifiedGridAngle},
-                                                         {"scale_factor", P::ScaleFactor},
-                                                         {"false_easting", P::FalseEasting},
-                                                         {"false_northing", P::FalseNorthing}};
-    static const std::vector<WrittenParameter> krovak = {{"latitude_of_center", P::LatitudeOfCenter},
-                                                         {"longitude_of_center", P::LongitudeOfCenter},
-                                                         {"azimuth", P::Azimuth},
-                                                         {"scale_factor", P::ScaleFactor},
-                                                         {"pseudo_standard_parallel_1", P::PseudoStandardParallel},
-                                                         {"false_easting", P::FalseEasting},
-                                                         {"false_northing", P::FalseNorthing}};
-    static const std::vector<WrittenParameter> om83 = {{"latitude_of_center", P::LatitudeOfCenter},
-                                                       {"longitude_of_center", P::LongitudeOfCenter},
-                                                       {"azimuth", P::Azimuth},
-                                                       {"scale_factor", P::ScaleFactor},
-                                                       {"false_easting", P::FalseEasting},
-                                                       {"false_northing", P::FalseNorthing}};
-    static const std::vector<WrittenParameter> cassini = {{"latitude_of_origin", P::LatitudeOfOrigin},
-                                                          {"central_meridian", P::CentralMeridian},
-                                                          {"false_easting", P::FalseEasting},
-                                                          {"false_northing", P::FalseNorthing}};
+    static const std::vector<WrittenParameter> hotine = {
+        {"latitude_of_center", P::LatitudeOfCenter},
+        {"longitude_of_center", P::LongitudeOfCenter},
+        {"azimuth", P::Azimuth},
+        {"rectified_grid_angle", P::RectifiedGridAngle},
+        {"scale_factor", P::ScaleFactor},
+        {"false_easting", P::FalseEasting},
+        {"false_northing", P::FalseNorthing}};
+    static const std::vector<WrittenParameter> krovak = {
+        {"latitude_of_center", P::LatitudeOfCenter},
+        {"longitude_of_center", P::LongitudeOfCenter},
+        {"azimuth", P::Azimuth},
+        {"scale_factor", P::ScaleFactor},
+        {"pseudo_standard_parallel_1", P::PseudoStandardParallel},
+        {"false_easting", P::FalseEasting},
+        {"false_northing", P::FalseNorthing}};
+    static const std::vector<WrittenParameter> om83 = {
+        {"latitude_of_center", P::LatitudeOfCenter},
+        {"longitude_of_center", P::LongitudeOfCenter},
+        {"azimuth", P::Azimuth},
+        {"scale_factor", P::ScaleFactor},
+        {"false_easting", P::FalseEasting},
+        {"false_northing", P::FalseNorthing}};
+    static const std::vector<WrittenParameter> cassini = {
+        {"latitude_of_origin", P::LatitudeOfOrigin},
+        {"central_meridian", P::CentralMeridian},
+        {"false_easting", P::FalseEasting},
+        {"false_northing", P::FalseNorthing}};
     static const std::vector<WrittenParameter> none;
 
     switch (type) {
@@ -212,8 +224,10 @@ std::optional<ProjectionParameter> parameterFromWktName(std::string_view name) {
 }
 
 bool usesCoefficients(ProjectionType type) {
-    return type == ProjectionType::ObliqueMercator27 || type == ProjectionType::LambertConformalConic27 ||
-           type == ProjectionType::TransverseMercator27 || type == ProjectionType::TransverseMercatorAlaska27;
+    return type == ProjectionType::ObliqueMercator27 ||
+           type == ProjectionType::LambertConformalConic27 ||
+           type == ProjectionType::TransverseMercator27 ||
+           type == ProjectionType::TransverseMercatorAlaska27;
 }
 
 std::vector<std::string> coefficientNames(ProjectionType type, std::size_t count) {

@@ -108,8 +108,8 @@ bool askGeoidArea(Interaction &ui, GeoidAreaSettings &settings) {
     return true;
 }
 
-Status setGeoidArea(GeoidModels &models, const GeoidAreaSettings &s, const std::filesystem::path &output,
-                    Interaction &ui) {
+Status setGeoidArea(GeoidModels &models, const GeoidAreaSettings &s,
+                    const std::filesystem::path &output, Interaction &ui) {
     if (!isGeoidModel(s.model))
         return report(ui, StatusCode::InvalidInput, tr(messages::kGeoidNotSet));
     const double latitude = unpackDms(std::fabs(s.latitude)) * (s.north ? 1 : -1);
@@ -145,14 +145,19 @@ Status setGeoidArea(GeoidModels &models, const GeoidAreaSettings &s, const std::
 
     const double halfLatitude = sizeDegrees / 2.0;
     const double halfLongitude =
-        s.degrees ? halfLatitude : std::min(180.0, halfLatitude / std::max(std::cos(radians(latitude)), 1e-3));
+        s.degrees ? halfLatitude
+                  : std::min(180.0, halfLatitude / std::max(std::cos(radians(latitude)), 1e-3));
     const double dLat = model->latitudeSpacing(), dLon = model->longitudeSpacing();
-    const int firstRow = std::max(0, static_cast<int>(std::floor((latitude - halfLatitude - b.south) / dLat + 1e-9)));
+    const int firstRow = std::max(
+        0, static_cast<int>(std::floor((latitude - halfLatitude - b.south) / dLat + 1e-9)));
     const int lastRow =
-        std::min(model->rows() - 1, static_cast<int>(std::ceil((latitude + halfLatitude - b.south) / dLat - 1e-9)));
-    const int firstColumn = std::max(0, static_cast<int>(std::floor((lon - halfLongitude - b.west) / dLon + 1e-9)));
+        std::min(model->rows() - 1,
+                 static_cast<int>(std::ceil((latitude + halfLatitude - b.south) / dLat - 1e-9)));
+    const int firstColumn =
+        std::max(0, static_cast<int>(std::floor((lon - halfLongitude - b.west) / dLon + 1e-9)));
     const int lastColumn =
-        std::min(model->columns() - 1, static_cast<int>(std::ceil((lon + halfLongitude - b.west) / dLon - 1e-9)));
+        std::min(model->columns() - 1,
+                 static_cast<int>(std::ceil((lon + halfLongitude - b.west) / dLon - 1e-9)));
     if (lastRow <= firstRow || lastColumn <= firstColumn)
         return report(ui, StatusCode::OutOfRange, tr(messages::kNotWithinCoverage));
 

@@ -44,7 +44,7 @@ bool askGeoidArea(Interaction &ui, GeoidAreaSettings &settings);
 /// Cuts the square and writes it to `output` in the ".grd" layout. Every
 /// outcome is also shown through `ui` ("Done", or the tool's error and
 /// warning messages).
-Status setGeoidArea(GeoidModels &models, const GeoidAreaSettings &settings, const std::filesystem::path &output,
-                    Interaction &ui);
+Status setGeoidArea(GeoidModels &models, const GeoidAreaSettings &settings,
+                    const std::filesystem::path &output, Interaction &ui);
 
 } // namespace tramline::geodesy

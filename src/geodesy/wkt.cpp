@@ -22,9 +22,12 @@ std::string quoteSafe(std::string text) {
 }
 
 // Negation that never yields -0.0, which printf would show as "-0.00000".
-double negated(double v) { return 0.0 - v; }
+double negated(double v) {
+    return 0.0 - v;
+}
 
-std::string formatParameter(const char *name, ProjectionParameter parameter, const ProjectionParameters &p) {
+std::string formatParameter(const char *name, ProjectionParameter parameter,
+                            const ProjectionParameters &p) {
     switch (parameterKind(parameter)) {
     case ParameterKind::Angle:
         return format(",PARAMETER[\"%s\",%.11f]", name, radians(p.value(parameter)));
@@ -75,7 +78,8 @@ bool numberAt(std::string_view text, std::size_t pos, double &value, std::size_t
 }
 
 // The quoted text that starts at `pos` (just after the opening quote).
-bool quotedAt(std::string_view text, std::size_t pos, std::string &value, std::size_t *end = nullptr) {
+bool quotedAt(std::string_view text, std::size_t pos, std::string &value,
+              std::size_t *end = nullptr) {
     const std::size_t close = text.find('"', pos);
     if (close == std::string_view::npos)
         return false;
@@ -94,15 +98,17 @@ Status badValue(const std::string &what) {
 std::string writeWkt(const CoordinateSystem &system) {
     const Ellipsoid ellipsoid = system.ellipsoid();
     const DatumShift &s = system.shift;
-    std::string out = format("COMPD_CS[\"%s\",PROJCS[\"\",GEOGCS[\"\",DATUM[\"%s\",SPHEROID[\"%s\",%.3f,%.11f],"
-                             "TOWGS84[%.5f,%.5f,%.5f,%.6f,%.6f,%.6f,%.8f]],",
-                             quoteSafe(system.name).c_str(), quoteSafe(system.datum).c_str(),
-                             quoteSafe(std::string(wktEllipsoidName(ellipsoid.name))).c_str(), ellipsoid.a,
-                             ellipsoid.inverseFlattening, negated(s.dx), negated(s.dy), negated(s.dz), s.rx, s.ry,
-                             s.rz, invertScalePpm(s.scalePpm));
-    out += format("PRIMEM[\"Greenwich\",0],UNIT[\"Radians\",1],AXIS[\"Long\",East],AXIS[\"Lat\",North]],"
-                  "PROJECTION[\"%s\"]",
-                  projectionTypeWktName(system.type));
+    std::string out =
+        format("COMPD_CS[\"%s\",PROJCS[\"\",GEOGCS[\"\",DATUM[\"%s\",SPHEROID[\"%s\",%.3f,%.11f],"
+               "TOWGS84[%.5f,%.5f,%.5f,%.6f,%.6f,%.6f,%.8f]],",
+               quoteSafe(system.name).c_str(), quoteSafe(system.datum).c_str(),
+               quoteSafe(std::string(wktEllipsoidName(ellipsoid.name))).c_str(), ellipsoid.a,
+               ellipsoid.inverseFlattening, negated(s.dx), negated(s.dy), negated(s.dz), s.rx, s.ry,
+               s.rz, invertScalePpm(s.scalePpm));
+    out += format(
+        "PRIMEM[\"Greenwich\",0],UNIT[\"Radians\",1],AXIS[\"Long\",East],AXIS[\"Lat\",North]],"
+        "PROJECTION[\"%s\"]",
+        projectionTypeWktName(system.type));
     if (usesCoefficients(system.type)) {
         const auto &values = system.parameters.coefficients;
         const auto names = coefficientNames(system.type, values.size());
@@ -112,7 +118,8 @@ std::string writeWkt(const CoordinateSystem &system) {
         for (const auto &written : writtenParameters(system.type))
             out += formatParameter(written.wktName, written.parameter, system.parameters);
     }
-    out += ",UNIT[\"Meters\",1],AXIS[\"East\",East],AXIS[\"North\",North]],VERT_CS[\"\",VERT_DATUM[\"Ellipsoid\",2002],"
+    out += ",UNIT[\"Meters\",1],AXIS[\"East\",East],AXIS[\"North\",North]],VERT_CS[\"\",VERT_DATUM["
+           "\"Ellipsoid\",2002],"
            "UNIT[\"Meters\",1],AXIS[\"Ellips height\",Up]]];\n";
     return out;
 }
@@ -126,7 +133,8 @@ Status saveWkt(const CoordinateSystem &system, const std::filesystem::path &path
     } else if (saveTextAtomically(path, line)) {
         return Status::success();
     }
-    return Status::failure(StatusCode::Io, format(tr(messages::kCannotWrite), path.string().c_str()));
+    return Status::failure(StatusCode::Io,
+                           format(tr(messages::kCannotWrite), path.string().c_str()));
 }
 
 Status readWkt(std::string_view line, CoordinateSystem &system) {
@@ -146,7 +154,8 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
         return badValue("DATUM");
 
     // A description without its ellipsoid or projection is not one of ours.
-    if (low.find(",spheroid[\"") == std::string::npos || low.find(",projection[\"") == std::string::npos)
+    if (low.find(",spheroid[\"") == std::string::npos ||
+        low.find(",projection[\"") == std::string::npos)
         return Status::failure(StatusCode::Format, tr(messages::kNotWkt));
     if ((pos = low.find(",spheroid[\"")) != std::string::npos) {
         std::string name;
@@ -178,7 +187,8 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
                 return badValue("TOWGS84");
             at = end + 1;
         }
-        cs.shift = {negated(v[0]), negated(v[1]), negated(v[2]), v[3], v[4], v[5], invertScalePpm(v[6])};
+        cs.shift = {negated(v[0]), negated(v[1]), negated(v[2]),       v[3],
+                    v[4],          v[5],          invertScalePpm(v[6])};
     }
 
     std::optional<ProjectionType> type;
@@ -201,14 +211,16 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
             angleToDegrees = factor * kDegreesPerRadian;
     }
     bool usFeet = false;
-    for (pos = low.find(",unit[\""); pos != std::string::npos; pos = low.find(",unit[\"", pos + 1)) {
+    for (pos = low.find(",unit[\""); pos != std::string::npos;
+         pos = low.find(",unit[\"", pos + 1)) {
         std::string unit;
         if (quotedAt(line, pos + 7, unit) && lowered(unit) == "foot_us")
             usFeet = true;
     }
 
     const auto coefficientNamesOfType = coefficientNames(cs.type, 64);
-    for (pos = low.find("parameter[\""); pos != std::string::npos; pos = low.find("parameter[\"", pos + 1)) {
+    for (pos = low.find("parameter[\""); pos != std::string::npos;
+         pos = low.find("parameter[\"", pos + 1)) {
         std::string name;
         std::size_t end = 0;
         double value = 0.0;
@@ -216,7 +228,8 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
             !numberAt(line, end + 1, value) || !std::isfinite(value))
             return badValue(name.empty() ? "PARAMETER" : name);
         if (usesCoefficients(cs.type)) {
-            const auto it = std::find(coefficientNamesOfType.begin(), coefficientNamesOfType.end(), lowered(name));
+            const auto it = std::find(coefficientNamesOfType.begin(), coefficientNamesOfType.end(),
+                                      lowered(name));
             if (it == coefficientNamesOfType.end())
                 continue;
             const auto index = static_cast<std::size_t>(it - coefficientNamesOfType.begin());
@@ -249,7 +262,8 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
 Status loadWkt(const std::filesystem::path &path, std::vector<CoordinateSystem> &systems) {
     std::ifstream in(path, std::ios::binary);
     if (!in)
-        return Status::failure(StatusCode::Io, format(tr(messages::kCannotOpen), path.string().c_str()));
+        return Status::failure(StatusCode::Io,
+                               format(tr(messages::kCannotOpen), path.string().c_str()));
     std::vector<CoordinateSystem> found;
     std::string line;
     // A description is one line of a few hundred characters; anything far

@@ -163,13 +163,16 @@ struct Circuit {
     int nzgd2000;
 };
 constexpr Circuit kCircuits[] = {
-    {"Amuri", 2119},        {"Bay of Plenty", 2106},     {"Bluff", 2132},          {"Buller", 2117},
-    {"Collingwood", 2114},  {"Gawler", 2125},            {"Grey", 2118},           {"Hawkes Bay", 2108},
-    {"Hokitika", 2121},     {"Jacksons Bay", 2123},      {"Karamea", 2116},        {"Lindis Peak", 2127},
-    {"Marlborough", 2120},  {"Mount Eden", 2105},        {"Mount Nicholas", 2128}, {"Mount Pleasant", 2124},
-    {"Mount York", 2129},   {"Nelson", 2115},            {"North Taieri", 2131},   {"Observation Point", 2130},
-    {"Okarito", 2122},      {"Poverty Bay", 2107},       {"Taranaki", 2109},       {"Timaru", 2126},
-    {"Tuhirangi", 2110},    {"Wairarapa", 2112},         {"Wanganui", 2111},       {"Wellington", 2113},
+    {"Amuri", 2119},          {"Bay of Plenty", 2106},     {"Bluff", 2132},
+    {"Buller", 2117},         {"Collingwood", 2114},       {"Gawler", 2125},
+    {"Grey", 2118},           {"Hawkes Bay", 2108},        {"Hokitika", 2121},
+    {"Jacksons Bay", 2123},   {"Karamea", 2116},           {"Lindis Peak", 2127},
+    {"Marlborough", 2120},    {"Mount Eden", 2105},        {"Mount Nicholas", 2128},
+    {"Mount Pleasant", 2124}, {"Mount York", 2129},        {"Nelson", 2115},
+    {"North Taieri", 2131},   {"Observation Point", 2130}, {"Okarito", 2122},
+    {"Poverty Bay", 2107},    {"Taranaki", 2109},          {"Timaru", 2126},
+    {"Tuhirangi", 2110},      {"Wairarapa", 2112},         {"Wanganui", 2111},
+    {"Wellington", 2113},
 };
 constexpr int kNzgd49Offset = 25100;
 
@@ -186,14 +189,15 @@ constexpr NamedCode kFrance[] = {
 // base + zone, for zones first to last.
 struct AustralianGrid {
     const char *name;
-    int base;  // 0 for the Integrated Survey Grid, which EPSG does not hold
+    int base;      // 0 for the Integrated Survey Grid, which EPSG does not hold
     int datumBase; // the AMG definitions whose datum an ISG zone shares
     int first;
     int last;
 };
 constexpr AustralianGrid kAustralianGrids[] = {
-    {"GDA-MGA", 28300, 28300, 48, 58}, {"AGD84-AMG", 20300, 20300, 49, 56}, {"AGD84-ISG", 0, 20300, 49, 56},
-    {"AGD66-AMG", 20200, 20200, 49, 58}, {"AGD66-ISG", 0, 20200, 49, 58},
+    {"GDA-MGA", 28300, 28300, 48, 58}, {"AGD84-AMG", 20300, 20300, 49, 56},
+    {"AGD84-ISG", 0, 20300, 49, 56},   {"AGD66-AMG", 20200, 20200, 49, 58},
+    {"AGD66-ISG", 0, 20200, 49, 58},
 };
 
 const AustralianGrid *australianGrid(const std::string &name) {
@@ -211,10 +215,13 @@ std::string utmZoneLabel(int zone) {
     return format("%d: E %d-%d deg", zone, west, east);
 }
 
-bool knownPosition(const ZoneOptions &o) { return !isUnset(o.latitude) && !isUnset(o.longitude); }
+bool knownPosition(const ZoneOptions &o) {
+    return !isUnset(o.latitude) && !isUnset(o.longitude);
+}
 
 Status needsGridZone(const std::string &zone) {
-    return Status::failure(StatusCode::InvalidInput, format(tr(messages::kZoneNeedsGridZone), zone.c_str()));
+    return Status::failure(StatusCode::InvalidInput,
+                           format(tr(messages::kZoneNeedsGridZone), zone.c_str()));
 }
 
 Status badGridZone(const std::string &gridZone, const std::string &zone) {
@@ -224,12 +231,14 @@ Status badGridZone(const std::string &gridZone, const std::string &zone) {
 
 bool parseZoneNumber(const std::string &text, int &zone, int *sub = nullptr) {
     int n = 0, s = 0, used = 0;
-    if (sub && std::sscanf(text.c_str(), "%d/%d%n", &n, &s, &used) == 2 && used == static_cast<int>(text.size())) {
+    if (sub && std::sscanf(text.c_str(), "%d/%d%n", &n, &s, &used) == 2 &&
+        used == static_cast<int>(text.size())) {
         zone = n;
         *sub = s;
         return true;
     }
-    if (std::sscanf(text.c_str(), "%d%n", &n, &used) == 1 && used == static_cast<int>(text.size())) {
+    if (std::sscanf(text.c_str(), "%d%n", &n, &used) == 1 &&
+        used == static_cast<int>(text.size())) {
         zone = n;
         if (sub)
             *sub = 0;
@@ -254,7 +263,8 @@ Status isgSystem(const AustralianGrid &grid, const ZoneOptions &options, Coordin
         return needsGridZone(grid.name);
     }
     if (zone < grid.first || zone > grid.last)
-        return badGridZone(options.gridZone.empty() ? std::to_string(zone) : options.gridZone, grid.name);
+        return badGridZone(options.gridZone.empty() ? std::to_string(zone) : options.gridZone,
+                           grid.name);
     CoordinateSystem datumSource;
     if (Status status = systemFromEpsg(grid.datumBase + zone, datumSource); !status)
         return status;
@@ -270,7 +280,8 @@ Status isgSystem(const AustralianGrid &grid, const ZoneOptions &options, Coordin
     return Status::success();
 }
 
-Status australianSystem(const AustralianGrid &grid, const ZoneOptions &options, CoordinateSystem &system) {
+Status australianSystem(const AustralianGrid &grid, const ZoneOptions &options,
+                        CoordinateSystem &system) {
     if (grid.base == 0)
         return isgSystem(grid, options, system);
     int zone = 0;
@@ -283,14 +294,16 @@ Status australianSystem(const AustralianGrid &grid, const ZoneOptions &options, 
         return needsGridZone(grid.name);
     }
     if (zone < grid.first || zone > grid.last)
-        return badGridZone(options.gridZone.empty() ? std::to_string(zone) : options.gridZone, grid.name);
+        return badGridZone(options.gridZone.empty() ? std::to_string(zone) : options.gridZone,
+                           grid.name);
     if (Status status = systemFromEpsg(grid.base + zone, system); !status)
         return status;
     system.name = format("%s %d", grid.name, zone);
     return Status::success();
 }
 
-Status utmSystem(const std::string &zoneName, const ZoneOptions &options, CoordinateSystem &system) {
+Status utmSystem(const std::string &zoneName, const ZoneOptions &options,
+                 CoordinateSystem &system) {
     int zone = 0;
     bool south = options.south;
     if (zoneName == "Automatic") {
@@ -314,7 +327,9 @@ Status utmSystem(const std::string &zoneName, const ZoneOptions &options, Coordi
 
 } // namespace
 
-const std::vector<StatePlaneZone> &statePlaneZones() { return kStatePlane; }
+const std::vector<StatePlaneZone> &statePlaneZones() {
+    return kStatePlane;
+}
 
 int utmZoneForLongitude(double longitude) {
     double lon = std::fmod(longitude + 180.0, 360.0);
@@ -352,8 +367,9 @@ std::vector<std::string> zoneNames(CoordinateSystemFamily family) {
         break;
     case CoordinateSystemFamily::NewZealandNzgd2000:
     case CoordinateSystemFamily::NewZealandNzgd49:
-        names.emplace_back(family == CoordinateSystemFamily::NewZealandNzgd2000 ? "NZ Transverse Mercator"
-                                                                               : "NZ Map Grid");
+        names.emplace_back(family == CoordinateSystemFamily::NewZealandNzgd2000
+                               ? "NZ Transverse Mercator"
+                               : "NZ Map Grid");
         for (const auto &circuit : kCircuits)
             names.emplace_back(circuit.name);
         break;
@@ -384,11 +400,11 @@ int zonePosition(CoordinateSystemFamily family, const std::string &name) {
     return it == names.end() ? -1 : static_cast<int>(it - names.begin());
 }
 
-Status zoneSystem(CoordinateSystemFamily family, const std::string &zone, const ZoneOptions &options,
-                  CoordinateSystem &system) {
+Status zoneSystem(CoordinateSystemFamily family, const std::string &zone,
+                  const ZoneOptions &options, CoordinateSystem &system) {
     if (zonePosition(family, zone) < 0)
-        return Status::failure(StatusCode::NotFound,
-                               format(tr(messages::kUnknownZone), zone.c_str(), tr(familyName(family))));
+        return Status::failure(StatusCode::NotFound, format(tr(messages::kUnknownZone),
+                                                            zone.c_str(), tr(familyName(family))));
     int code = 0;
     switch (family) {
     case CoordinateSystemFamily::StatePlane83:

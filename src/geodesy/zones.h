@@ -46,8 +46,8 @@ struct ZoneOptions {
 /// NotSupported for a zone whose projection has no type here ("NZ Map
 /// Grid"), and InvalidInput when an open grid zone is neither given nor
 /// follows from a position.
-Status zoneSystem(CoordinateSystemFamily family, const std::string &zone, const ZoneOptions &options,
-                  CoordinateSystem &system);
+Status zoneSystem(CoordinateSystemFamily family, const std::string &zone,
+                  const ZoneOptions &options, CoordinateSystem &system);
 
 /// The UTM zone (1 to 60) of a longitude in decimal degrees east.
 int utmZoneForLongitude(double longitude);

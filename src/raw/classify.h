@@ -12,25 +12,25 @@ namespace tramline::raw {
 
 /// Record kinds returned by ClassifyRawLine.
 enum RawLineKind : int {
-    kEmptyNote = -1,      ///< "--" with nothing after it
-    kUnrecognised = 0,    ///< anything else, or a known record not complete in order
-    kNote = 1,            ///< "--" and text
-    kJob = 2,             ///< JB with NM, DT, TM (only looked for with the job flag)
-    kHeightsHi = 3,       ///< LS with HI only
-    kHeightsHiHr = 4,     ///< LS with HI and HR
-    kHeightsHr = 5,       ///< LS with HR only
-    kOccupy = 6,          ///< OC (first code OP or PN)
-    kBacksight = 7,       ///< BK
-    kStorePoint = 8,      ///< SP
-    kObservation = 9,     ///< TR, SS, CL, AB, CL+AB, FD, FR, BD, BR
-    kBasePointNote = 10,  ///< BP ending in a note
-    kBasePointSr = 11,    ///< BP ending in SR
-    kGps = 12,            ///< GPS
-    kGps1 = 13,           ///< G1
-    kGps2 = 14,           ///< G2
-    kGps3 = 15,           ///< G3
-    kGps0 = 16,           ///< G0
-    kMode = 17,           ///< MO
+    kEmptyNote = -1,     ///< "--" with nothing after it
+    kUnrecognised = 0,   ///< anything else, or a known record not complete in order
+    kNote = 1,           ///< "--" and text
+    kJob = 2,            ///< JB with NM, DT, TM (only looked for with the job flag)
+    kHeightsHi = 3,      ///< LS with HI only
+    kHeightsHiHr = 4,    ///< LS with HI and HR
+    kHeightsHr = 5,      ///< LS with HR only
+    kOccupy = 6,         ///< OC (first code OP or PN)
+    kBacksight = 7,      ///< BK
+    kStorePoint = 8,     ///< SP
+    kObservation = 9,    ///< TR, SS, CL, AB, CL+AB, FD, FR, BD, BR
+    kBasePointNote = 10, ///< BP ending in a note
+    kBasePointSr = 11,   ///< BP ending in SR
+    kGps = 12,           ///< GPS
+    kGps1 = 13,          ///< G1
+    kGps2 = 14,          ///< G2
+    kGps3 = 15,          ///< G3
+    kGps0 = 16,          ///< G0
+    kMode = 17,          ///< MO
 };
 
 using RawFields = std::array<std::string, 10>;

@@ -24,7 +24,8 @@ std::optional<double> number(const std::string &text) {
 }
 
 std::string formatAngle(double decimalDegrees, AngleUnit unit) {
-    return unit == AngleUnit::Gons ? format("%.4f", degreesToGons(decimalDegrees)) : formatDms(decimalDegrees, 4);
+    return unit == AngleUnit::Gons ? format("%.4f", degreesToGons(decimalDegrees))
+                                   : formatDms(decimalDegrees, 4);
 }
 
 // An observation row's vertical angle (decimal degrees) and slope distance
@@ -41,8 +42,12 @@ Shot readShot(const RawRow &row, VerticalMode vertical, DistanceMode distance, A
     if (v) {
         switch (vertical) {
         case VerticalMode::VerticalAngle:
-        case VerticalMode::None: shot.verticalAngle = angleToDegrees(*v, unit); break;
-        case VerticalMode::Zenith: shot.verticalAngle = 90.0 - angleToDegrees(*v, unit); break;
+        case VerticalMode::None:
+            shot.verticalAngle = angleToDegrees(*v, unit);
+            break;
+        case VerticalMode::Zenith:
+            shot.verticalAngle = 90.0 - angleToDegrees(*v, unit);
+            break;
         case VerticalMode::ElevationDifference:
             // An elevation difference says nothing without its distance.
             if (d) {
@@ -66,9 +71,13 @@ Shot readShot(const RawRow &row, VerticalMode vertical, DistanceMode distance, A
     return shot;
 }
 
-bool isAngleRecordRow(const std::string &type) { return type == "BK" || type == "AZ"; }
+bool isAngleRecordRow(const std::string &type) {
+    return type == "BK" || type == "AZ";
+}
 
-bool startsWith(const std::string &s, const char *prefix) { return s.rfind(prefix, 0) == 0; }
+bool startsWith(const std::string &s, const char *prefix) {
+    return s.rfind(prefix, 0) == 0;
+}
 
 bool isGonsNote(const RawRow &row) {
     if (!row.type.empty() || row.cells.empty())
@@ -95,15 +104,20 @@ int RawDocument::changeVerticalMode(int mode) {
     const AngleUnit unit = m_units.angle;
     int count = 0;
     for (RawRow &row : m_rows) {
-        if (!isObservationType(row.type) || row.cells.size() < 7 || row.cells[kVerticalCell].empty())
+        if (!isObservationType(row.type) || row.cells.size() < 7 ||
+            row.cells[kVerticalCell].empty())
             continue;
         const Shot shot = readShot(row, from, distance, unit);
         std::string text;
         if (shot.verticalAngle) {
             switch (to) {
             case VerticalMode::VerticalAngle:
-            case VerticalMode::None: text = formatAngle(*shot.verticalAngle, unit); break;
-            case VerticalMode::Zenith: text = formatAngle(90.0 - *shot.verticalAngle, unit); break;
+            case VerticalMode::None:
+                text = formatAngle(*shot.verticalAngle, unit);
+                break;
+            case VerticalMode::Zenith:
+                text = formatAngle(90.0 - *shot.verticalAngle, unit);
+                break;
             case VerticalMode::ElevationDifference:
                 if (shot.slope)
                     text = format("%.4f", *shot.slope * std::sin(radians(*shot.verticalAngle)));
@@ -127,13 +141,15 @@ int RawDocument::changeDistanceMode(int mode) {
     const AngleUnit unit = m_units.angle;
     int count = 0;
     for (RawRow &row : m_rows) {
-        if (!isObservationType(row.type) || row.cells.size() < 7 || !number(row.cells[kDistanceCell]))
+        if (!isObservationType(row.type) || row.cells.size() < 7 ||
+            !number(row.cells[kDistanceCell]))
             continue;
         const Shot shot = readShot(row, vertical, from, unit);
         if (!shot.slope)
             continue; // a horizontal distance straight up or down has no slope
         const double va = radians(shot.verticalAngle.value_or(0.0));
-        const double value = to == DistanceMode::Slope ? *shot.slope : std::fabs(*shot.slope * std::cos(va));
+        const double value =
+            to == DistanceMode::Slope ? *shot.slope : std::fabs(*shot.slope * std::cos(va));
         row.cells[kDistanceCell] = format("%.3f", value);
         ++count;
     }

@@ -15,16 +15,20 @@ namespace tramline::raw {
 
 namespace {
 
-const std::vector<std::string> kRowTypes = {"TR", "SS",  "HI",  "BK",   "PT",  "DS", "CL",
-                                            "AB", "CL+AB", "FD", "FR",  "BD",  "BR", "EL",
-                                            "AZ", "CSE", "SSE", "MSE",  "NAME", "GPS", "BP",
-                                            "G0", "G1",  "G2",  "G3",   "DO"};
+const std::vector<std::string> kRowTypes = {
+    "TR", "SS", "HI",  "BK",  "PT",  "DS",   "CL",  "AB", "CL+AB", "FD", "FR", "BD", "BR",
+    "EL", "AZ", "CSE", "SSE", "MSE", "NAME", "GPS", "BP", "G0",    "G1", "G2", "G3", "DO"};
 
-const std::vector<std::string> kAngleCodes = {"NE", "SE", "SW", "NW", "AZ", "AR", "AL", "DR", "DL", "GN"};
+const std::vector<std::string> kAngleCodes = {"NE", "SE", "SW", "NW", "AZ",
+                                              "AR", "AL", "DR", "DL", "GN"};
 
-bool isObservationRow(const std::string &type) { return isObservationType(type); }
+bool isObservationRow(const std::string &type) {
+    return isObservationType(type);
+}
 
-std::string fixed(double value, int decimals) { return format("%.*f", decimals, value); }
+std::string fixed(double value, int decimals) {
+    return format("%.*f", decimals, value);
+}
 
 // A cell's number, or nothing when the text is empty or not a number.
 std::optional<double> cellNumber(const std::string &text) {
@@ -41,7 +45,8 @@ std::string reformat(const std::string &text, int decimals) {
 }
 
 std::string formatAngle(double decimalDegrees, AngleUnit unit) {
-    return unit == AngleUnit::Gons ? fixed(degreesToGons(decimalDegrees), 4) : formatDms(decimalDegrees, 4);
+    return unit == AngleUnit::Gons ? fixed(degreesToGons(decimalDegrees), 4)
+                                   : formatDms(decimalDegrees, 4);
 }
 
 // An angle cell as the grid shows it: rounded to the second with carry.
@@ -50,12 +55,18 @@ std::string reformatAngle(const std::string &text, AngleUnit unit) {
     return v ? formatAngle(angleToDegrees(*v, unit), unit) : text;
 }
 
-bool startsWith(const std::string &s, const char *prefix) { return s.rfind(prefix, 0) == 0; }
+bool startsWith(const std::string &s, const char *prefix) {
+    return s.rfind(prefix, 0) == 0;
+}
 
 } // namespace
 
-const std::vector<std::string> &rowTypes() { return kRowTypes; }
-const std::vector<std::string> &angleCodes() { return kAngleCodes; }
+const std::vector<std::string> &rowTypes() {
+    return kRowTypes;
+}
+const std::vector<std::string> &angleCodes() {
+    return kAngleCodes;
+}
 
 RawDocument::RawDocument() = default;
 
@@ -66,33 +77,54 @@ void RawDocument::clear() {
     m_modified = false;
 }
 
-std::string RawDocument::fileName() const { return m_path.empty() ? "NONE" : m_path.string(); }
+std::string RawDocument::fileName() const {
+    return m_path.empty() ? "NONE" : m_path.string();
+}
 
 std::vector<std::string> RawDocument::captions(const std::string &type) const {
     if (isObservationRow(type)) {
         const char *vertical = "VertAng";
         switch (m_modes.verticalMode()) {
-        case VerticalMode::Zenith: vertical = "ZenithAng"; break;
-        case VerticalMode::ElevationDifference: vertical = "ElevDiff"; break;
+        case VerticalMode::Zenith:
+            vertical = "ZenithAng";
+            break;
+        case VerticalMode::ElevationDifference:
+            vertical = "ElevDiff";
+            break;
         case VerticalMode::VerticalAngle:
-        case VerticalMode::None: break;
+        case VerticalMode::None:
+            break;
         }
-        const char *distance = m_modes.distanceMode() == DistanceMode::Horizontal ? "HorzDist" : "SlopeDist";
+        const char *distance =
+            m_modes.distanceMode() == DistanceMode::Horizontal ? "HorzDist" : "SlopeDist";
         return {"OcPt", "FsPt", "Code", "HorzAngle", vertical, distance, "Description"};
     }
-    if (type == "HI") return {"InstHt", "RodHt"};
-    if (type == "BK") return {"OcPt", "BsPt", "SetAzi", "BsCircle"};
-    if (type == "PT") return {"PntNo", "Northing", "Easting", "Elevation", "Description"};
-    if (type == "GPS" || type == "BP") return {"PntNo", "Latitude", "Longitude", "Elevation", "Description"};
-    if (type == "EL") return {"PntNo", "Elevation"};
-    if (type == "AZ") return {"OcPt", "FsPt", "SetAzi"};
-    if (type == "CSE") return {"Northing", "Easting", "Elevation", "Azimuth(sec)"};
-    if (type == "SSE") return {"Rod Ctr", "Inst Ctr", "Inst Hgt", "Rod Hgt"};
-    if (type == "MSE") return {"HA Pt(sec)", "HA Rd(sec)", "VA Pt(sec)", "VA Rd(sec)", "Distance", "Dist PPM"};
-    if (type == "NAME") return {"Traverse Name"};
-    if (type == "DO") return {"Data On/Off"};
-    if (type == "G0" || type == "G1" || type == "G2" || type == "G3") return {"GPS Vector"};
-    if (type == "DS") return {"Record"};
+    if (type == "HI")
+        return {"InstHt", "RodHt"};
+    if (type == "BK")
+        return {"OcPt", "BsPt", "SetAzi", "BsCircle"};
+    if (type == "PT")
+        return {"PntNo", "Northing", "Easting", "Elevation", "Description"};
+    if (type == "GPS" || type == "BP")
+        return {"PntNo", "Latitude", "Longitude", "Elevation", "Description"};
+    if (type == "EL")
+        return {"PntNo", "Elevation"};
+    if (type == "AZ")
+        return {"OcPt", "FsPt", "SetAzi"};
+    if (type == "CSE")
+        return {"Northing", "Easting", "Elevation", "Azimuth(sec)"};
+    if (type == "SSE")
+        return {"Rod Ctr", "Inst Ctr", "Inst Hgt", "Rod Hgt"};
+    if (type == "MSE")
+        return {"HA Pt(sec)", "HA Rd(sec)", "VA Pt(sec)", "VA Rd(sec)", "Distance", "Dist PPM"};
+    if (type == "NAME")
+        return {"Traverse Name"};
+    if (type == "DO")
+        return {"Data On/Off"};
+    if (type == "G0" || type == "G1" || type == "G2" || type == "G3")
+        return {"GPS Vector"};
+    if (type == "DS")
+        return {"Record"};
     return {"Note"};
 }
 
@@ -101,7 +133,9 @@ std::vector<std::string> RawDocument::captions(const std::string &type) const {
 RawRow RawDocument::rowFromNode(const RawNode &node) const {
     RawRow row;
     const AngleUnit unit = m_units.angle;
-    auto field = [&](size_t i) -> std::string { return i < node.fields.size() ? node.fields[i] : std::string{}; };
+    auto field = [&](size_t i) -> std::string {
+        return i < node.fields.size() ? node.fields[i] : std::string{};
+    };
     switch (node.type) {
     case RecordType::Observation: {
         const Observation &o = node.observation;
@@ -112,25 +146,32 @@ RawRow RawDocument::rowFromNode(const RawNode &node) const {
         row.cells[kCodeCell] = horizontalKindName(o.horizontalKind);
         if (row.cells[kCodeCell].empty())
             row.cells[kCodeCell] = "AR";
-        row.cells[kHorizontalCell] = o.hasHorizontal ? formatAngle(angleToDegrees(o.horizontal, unit), unit) : field(2);
+        row.cells[kHorizontalCell] =
+            o.hasHorizontal ? formatAngle(angleToDegrees(o.horizontal, unit), unit) : field(2);
         const double vaDegrees = angleToDegrees(o.verticalAngle, unit);
         if (o.hasVertical) {
             switch (m_modes.verticalMode()) {
-            case VerticalMode::Zenith: row.cells[kVerticalCell] = formatAngle(90.0 - vaDegrees, unit); break;
+            case VerticalMode::Zenith:
+                row.cells[kVerticalCell] = formatAngle(90.0 - vaDegrees, unit);
+                break;
             case VerticalMode::ElevationDifference:
                 row.cells[kVerticalCell] =
-                    o.hasDistance ? fixed(o.slopeDistance * std::sin(radians(vaDegrees)), 4) : std::string{};
+                    o.hasDistance ? fixed(o.slopeDistance * std::sin(radians(vaDegrees)), 4)
+                                  : std::string{};
                 break;
             case VerticalMode::VerticalAngle:
-            case VerticalMode::None: row.cells[kVerticalCell] = formatAngle(vaDegrees, unit); break;
+            case VerticalMode::None:
+                row.cells[kVerticalCell] = formatAngle(vaDegrees, unit);
+                break;
             }
         } else {
             row.cells[kVerticalCell] = field(3);
         }
         if (o.hasDistance) {
-            const double d = m_modes.distanceMode() == DistanceMode::Horizontal
-                                 ? o.slopeDistance * std::cos(radians(o.hasVertical ? vaDegrees : 0.0))
-                                 : o.slopeDistance;
+            const double d =
+                m_modes.distanceMode() == DistanceMode::Horizontal
+                    ? o.slopeDistance * std::cos(radians(o.hasVertical ? vaDegrees : 0.0))
+                    : o.slopeDistance;
             row.cells[kDistanceCell] = fixed(std::fabs(d), 3);
         } else {
             row.cells[kDistanceCell] = field(4);
@@ -140,11 +181,13 @@ RawRow RawDocument::rowFromNode(const RawNode &node) const {
     }
     case RecordType::StorePoint:
         row.type = "PT";
-        row.cells = {field(0), reformat(field(1), 4), reformat(field(2), 4), reformat(field(3), 4), field(4)};
+        row.cells = {field(0), reformat(field(1), 4), reformat(field(2), 4), reformat(field(3), 4),
+                     field(4)};
         break;
     case RecordType::Backsight:
         row.type = "BK";
-        row.cells = {field(0), field(1), reformatAngle(field(2), unit), reformatAngle(field(3), unit)};
+        row.cells = {field(0), field(1), reformatAngle(field(2), unit),
+                     reformatAngle(field(3), unit)};
         break;
     case RecordType::Heights:
         row.type = "HI";
@@ -158,7 +201,8 @@ RawRow RawDocument::rowFromNode(const RawNode &node) const {
     case RecordType::GpsPosition:
     case RecordType::BasePoint:
         row.type = node.type == RecordType::GpsPosition ? "GPS" : "BP";
-        row.cells = {field(0), reformat(field(1), 9), reformat(field(2), 9), reformat(field(3), 4), field(4)};
+        row.cells = {field(0), reformat(field(1), 9), reformat(field(2), 9), reformat(field(3), 4),
+                     field(4)};
         break;
     case RecordType::ControlErrors:
         row.type = "CSE";
@@ -205,7 +249,8 @@ std::vector<RawRow> RawDocument::rowsFromFile(const RawFile &file, bool tds) con
     std::vector<RawRow> rows;
     rows.reserve(file.nodes.size());
     for (const auto &node : file.nodes) {
-        if (tds && node.type == RecordType::Text && (startsWith(node.text, "JB,") || startsWith(node.text, "MO,")))
+        if (tds && node.type == RecordType::Text &&
+            (startsWith(node.text, "JB,") || startsWith(node.text, "MO,")))
             continue;
         rows.push_back(rowFromNode(node));
     }
@@ -239,27 +284,39 @@ std::string RawDocument::lineFor(const RawRow &row) const {
     if (isObservationRow(t)) {
         VerticalKind v = VerticalKind::VA;
         switch (m_modes.verticalMode()) {
-        case VerticalMode::Zenith: v = VerticalKind::ZE; break;
-        case VerticalMode::ElevationDifference: v = VerticalKind::CE; break;
+        case VerticalMode::Zenith:
+            v = VerticalKind::ZE;
+            break;
+        case VerticalMode::ElevationDifference:
+            v = VerticalKind::CE;
+            break;
         case VerticalMode::VerticalAngle:
-        case VerticalMode::None: break;
+        case VerticalMode::None:
+            break;
         }
-        const DistanceKind d =
-            m_modes.distanceMode() == DistanceMode::Horizontal ? DistanceKind::Horizontal : DistanceKind::Slope;
+        const DistanceKind d = m_modes.distanceMode() == DistanceMode::Horizontal
+                                   ? DistanceKind::Horizontal
+                                   : DistanceKind::Slope;
         HorizontalKind h = horizontalKindFromName(cell(kCodeCell));
         if (h == HorizontalKind::None)
             h = HorizontalKind::AR;
-        return writeObservation(t, cell(kOccupiedCell), cell(kForesightCell), h, cell(kHorizontalCell), v,
-                                cell(kVerticalCell), d, cell(kDistanceCell), cell(kDescriptionCell));
+        return writeObservation(t, cell(kOccupiedCell), cell(kForesightCell), h,
+                                cell(kHorizontalCell), v, cell(kVerticalCell), d,
+                                cell(kDistanceCell), cell(kDescriptionCell));
     }
-    if (t == "BK") return writeBacksight(cell(0), cell(1), cell(2), cell(3));
+    if (t == "BK")
+        return writeBacksight(cell(0), cell(1), cell(2), cell(3));
     if (t == "HI") {
-        if (!cell(0).empty() && cell(1).empty()) return writeInstrumentHeight(cell(0));
-        if (cell(0).empty() && !cell(1).empty()) return writeRodHeight(cell(1));
+        if (!cell(0).empty() && cell(1).empty())
+            return writeInstrumentHeight(cell(0));
+        if (cell(0).empty() && !cell(1).empty())
+            return writeRodHeight(cell(1));
         return writeHeights(cell(0), cell(1));
     }
-    if (t == "PT") return writeStorePoint(cell(0), cell(1), cell(2), cell(3), cell(4));
-    if (t == "GPS") return writeGps(cell(0), cell(1), cell(2), cell(3), cell(4));
+    if (t == "PT")
+        return writeStorePoint(cell(0), cell(1), cell(2), cell(3), cell(4));
+    if (t == "GPS")
+        return writeGps(cell(0), cell(1), cell(2), cell(3), cell(4));
     if (t == "BP") {
         // A base point read with its extra fields holds them, from "AG" on,
         // in its last cell.
@@ -267,16 +324,25 @@ std::string RawDocument::lineFor(const RawRow &row) const {
             return writeBasePointExtra(cell(0), cell(1), cell(2), cell(3), cell(4));
         return writeBasePoint(cell(0), cell(1), cell(2), cell(3), cell(4));
     }
-    if (t == "NAME") return writeTraverseName(cell(0));
-    if (t == "EL") return writeElevation(cell(0), cell(1));
-    if (t == "AZ") return writeReferenceAzimuth(cell(0), cell(1), cell(2));
-    if (t == "DO") return writeDataOnOff();
-    if (t == "CSE") return writeControlErrors(cell(0), cell(1), cell(2), cell(3));
-    if (t == "SSE") return writeSetupErrors(cell(0), cell(1), cell(2), cell(3));
-    if (t == "MSE") return writeMeasurementErrors(cell(0), cell(1), cell(2), cell(3), cell(4), cell(5));
-    if (t == "G0" || t == "G1" || t == "G2" || t == "G3") return writeGpsVector(t, cell(0));
+    if (t == "NAME")
+        return writeTraverseName(cell(0));
+    if (t == "EL")
+        return writeElevation(cell(0), cell(1));
+    if (t == "AZ")
+        return writeReferenceAzimuth(cell(0), cell(1), cell(2));
+    if (t == "DO")
+        return writeDataOnOff();
+    if (t == "CSE")
+        return writeControlErrors(cell(0), cell(1), cell(2), cell(3));
+    if (t == "SSE")
+        return writeSetupErrors(cell(0), cell(1), cell(2), cell(3));
+    if (t == "MSE")
+        return writeMeasurementErrors(cell(0), cell(1), cell(2), cell(3), cell(4), cell(5));
+    if (t == "G0" || t == "G1" || t == "G2" || t == "G3")
+        return writeGpsVector(t, cell(0));
     const std::string text(cell(0));
-    if (t == "DS") return text + "\n";
+    if (t == "DS")
+        return text + "\n";
     // A note; record texts typed as notes become those records again.
     if (startsWith(text, "--OC,") || startsWith(text, "--MO,") || startsWith(text, "--JB,"))
         return text.substr(2) + "\n";
@@ -371,7 +437,8 @@ bool RawDocument::deleteRow(size_t row) {
 
 // --- edit commands -------------------------------------------------------------
 
-int RawDocument::modifyMeasurements(ModifyField field, double delta, const ModifySelection &selection) {
+int RawDocument::modifyMeasurements(ModifyField field, double delta,
+                                    const ModifySelection &selection) {
     const bool elevationDisplay = m_modes.verticalMode() == VerticalMode::ElevationDifference;
     if (field == ModifyField::VerticalAngle && elevationDisplay)
         field = ModifyField::ElevationDifference;
@@ -391,19 +458,23 @@ int RawDocument::modifyMeasurements(ModifyField field, double delta, const Modif
         if (byPoint ? !points.contains(row.cells[kForesightCell])
                     : (i + 1 < selection.firstLine || i + 1 > selection.lastLine))
             continue;
-        const size_t column = field == ModifyField::Distance ? kDistanceCell
+        const size_t column = field == ModifyField::Distance          ? kDistanceCell
                               : field == ModifyField::HorizontalAngle ? kHorizontalCell
                                                                       : kVerticalCell;
         const auto value = cellNumber(row.cells[column]);
         if (!value)
             continue;
         switch (field) {
-        case ModifyField::Distance: row.cells[column] = fixed(*value + delta, 3); break;
-        case ModifyField::ElevationDifference: row.cells[column] = fixed(*value + delta, 4); break;
+        case ModifyField::Distance:
+            row.cells[column] = fixed(*value + delta, 3);
+            break;
+        case ModifyField::ElevationDifference:
+            row.cells[column] = fixed(*value + delta, 4);
+            break;
         case ModifyField::HorizontalAngle:
         case ModifyField::VerticalAngle: {
-            double a = unit == AngleUnit::Gons ? *value + delta
-                                               : unpackDms(*value) + unpackDms(delta);
+            double a =
+                unit == AngleUnit::Gons ? *value + delta : unpackDms(*value) + unpackDms(delta);
             while (a < 0.0)
                 a += circle;
             while (a >= circle)
@@ -430,7 +501,8 @@ std::optional<CellPosition> RawDocument::find(const std::string &what, CellPosit
         const size_t r = (startRow + step) % rows;
         const RawRow &row = m_rows[r];
         const size_t first = step == 0 ? from.column + 1 : 0;
-        const size_t end = step == rows ? std::min(from.column + 1, row.cells.size() + 1) : row.cells.size() + 1;
+        const size_t end =
+            step == rows ? std::min(from.column + 1, row.cells.size() + 1) : row.cells.size() + 1;
         for (size_t c = first; c < end; ++c) {
             const std::string &text = c == 0 ? row.type : row.cells[c - 1];
             if (text.find(what) != std::string::npos)
@@ -440,7 +512,8 @@ std::optional<CellPosition> RawDocument::find(const std::string &what, CellPosit
     return std::nullopt;
 }
 
-int RawDocument::replace(const std::string &what, const std::string &with, bool all, Interaction &ui) {
+int RawDocument::replace(const std::string &what, const std::string &with, bool all,
+                         Interaction &ui) {
     if (what.empty())
         return 0;
     int count = 0;
@@ -450,16 +523,18 @@ int RawDocument::replace(const std::string &what, const std::string &with, bool 
             if (text.find(what) == std::string::npos)
                 continue;
             if (!all) {
-                const int answer = ui.choose(tr("Search and Replace"),
-                                             format(tr("Replace in row %ld column %ld?"),
-                                                    static_cast<long>(r + 1), static_cast<long>(c + 2)),
-                                             {tr("Yes"), tr("No"), tr("Cancel")});
+                const int answer =
+                    ui.choose(tr("Search and Replace"),
+                              format(tr("Replace in row %ld column %ld?"), static_cast<long>(r + 1),
+                                     static_cast<long>(c + 2)),
+                              {tr("Yes"), tr("No"), tr("Cancel")});
                 if (answer == 1)
                     continue;
                 if (answer != 0)
                     return count;
             }
-            for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size())) {
+            for (size_t at = text.find(what); at != std::string::npos;
+                 at = text.find(what, at + with.size())) {
                 text.replace(at, what.size(), with);
                 ++count;
             }
@@ -481,7 +556,8 @@ bool RawDocument::append(const std::filesystem::path &path, bool tds, Interactio
     other.m_modes = m_modes;
     other.m_units = file.units;
     auto rows = other.rowsFromFile(file, tds);
-    m_rows.insert(m_rows.end(), std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
+    m_rows.insert(m_rows.end(), std::make_move_iterator(rows.begin()),
+                  std::make_move_iterator(rows.end()));
     if (!rows.empty())
         m_modified = true;
     return true;

@@ -61,7 +61,7 @@ enum class ModifyField { Distance, HorizontalAngle, VerticalAngle, ElevationDiff
 /// Which rows Modify Measurements touches: those whose foresight point is
 /// in the point list, or the rows (1-based, inclusive) of a line range.
 struct ModifySelection {
-    std::string points;         ///< a list like "1-5,7,A10"; used when not empty
+    std::string points; ///< a list like "1-5,7,A10"; used when not empty
     size_t firstLine = 0, lastLine = 0;
 };
 

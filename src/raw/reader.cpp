@@ -34,7 +34,9 @@ std::string_view afterCode(std::string_view field) {
     return field.size() > 2 ? field.substr(2) : std::string_view{};
 }
 
-bool number(std::string_view text, double &value) { return parseNumber(text, value); }
+bool number(std::string_view text, double &value) {
+    return parseNumber(text, value);
+}
 
 void readHorizontal(std::string_view field, Observation &obs) {
     if (field.substr(0, 2) == "BR") {
@@ -78,7 +80,8 @@ void normalise(Observation &obs, AngleUnit unit) {
         if (horizontal) {
             const double h = obs.slopeDistance;
             obs.slopeDistance = std::sqrt(h * h + ce * ce);
-            va = h != 0.0 ? std::atan(ce / h) * kDegreesPerRadian : (ce != 0.0 ? std::copysign(90.0, ce) : 0.0);
+            va = h != 0.0 ? std::atan(ce / h) * kDegreesPerRadian
+                          : (ce != 0.0 ? std::copysign(90.0, ce) : 0.0);
         } else {
             const double s = obs.slopeDistance;
             const double h2 = s * s - ce * ce;
@@ -100,7 +103,8 @@ void normalise(Observation &obs, AngleUnit unit) {
     }
 }
 
-void readObservation(const std::vector<std::string_view> &parts, const RawUnits &units, RawNode &node) {
+void readObservation(const std::vector<std::string_view> &parts, const RawUnits &units,
+                     RawNode &node) {
     Observation &obs = node.observation;
     obs.type.assign(parts[0]);
     if (parts.size() > 1)
@@ -111,12 +115,15 @@ void readObservation(const std::vector<std::string_view> &parts, const RawUnits 
         readHorizontal(parts[3], obs);
     if (parts.size() > 4) {
         const std::string_view code = parts[4].substr(0, 2);
-        obs.verticalKind = code == "ZE" ? VerticalKind::ZE : code == "CE" ? VerticalKind::CE : VerticalKind::VA;
+        obs.verticalKind = code == "ZE"   ? VerticalKind::ZE
+                           : code == "CE" ? VerticalKind::CE
+                                          : VerticalKind::VA;
         obs.hasVertical = number(afterCode(parts[4]), obs.verticalAngle);
     }
     if (parts.size() > 5) {
         const char first = parts[5].empty() ? ' ' : parts[5][0];
-        obs.distanceKind = (first == 'H' || first == 'h') ? DistanceKind::Horizontal : DistanceKind::Slope;
+        obs.distanceKind =
+            (first == 'H' || first == 'h') ? DistanceKind::Horizontal : DistanceKind::Slope;
         obs.hasDistance = number(afterCode(parts[5]), obs.slopeDistance);
     }
     if (parts.size() > 6 && parts[6].size() > 2)
@@ -144,9 +151,9 @@ struct PositionalRecord {
 
 // Records read by position into their fields (codes removed).
 constexpr PositionalRecord kPositional[] = {
-    {"SP", RecordType::StorePoint, 5},      {"BK", RecordType::Backsight, 4},
-    {"GPS", RecordType::GpsPosition, 5},    {"CSE", RecordType::ControlErrors, 4},
-    {"SSE", RecordType::SetupErrors, 4},    {"MSE", RecordType::MeasurementErrors, 6},
+    {"SP", RecordType::StorePoint, 5},       {"BK", RecordType::Backsight, 4},
+    {"GPS", RecordType::GpsPosition, 5},     {"CSE", RecordType::ControlErrors, 4},
+    {"SSE", RecordType::SetupErrors, 4},     {"MSE", RecordType::MeasurementErrors, 6},
     {"AZ", RecordType::ReferenceAzimuth, 3}, {"EL", RecordType::Elevation, 2},
 };
 
@@ -157,8 +164,10 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
         return false;
     node = RawNode{};
     const size_t comma = line.find(',');
-    const std::string_view type = comma == std::string_view::npos ? std::string_view{} : line.substr(0, comma);
-    const std::string_view rest = comma == std::string_view::npos ? std::string_view{} : line.substr(comma + 1);
+    const std::string_view type =
+        comma == std::string_view::npos ? std::string_view{} : line.substr(0, comma);
+    const std::string_view rest =
+        comma == std::string_view::npos ? std::string_view{} : line.substr(comma + 1);
     thread_local std::vector<std::string_view> parts;
 
     if (!type.empty() && type.substr(0, 2) != "--") {
@@ -251,7 +260,8 @@ bool readRaw(std::istream &in, RawFile &file) {
         if (!parseRawLine(line, file.units, node))
             continue;
         node.lineNumber = reader.lineNumber();
-        if (node.type == RecordType::Observation && node.observation.verticalKind != VerticalKind::None)
+        if (node.type == RecordType::Observation &&
+            node.observation.verticalKind != VerticalKind::None)
             file.verticalMode = node.observation.verticalKind;
         file.nodes.push_back(std::move(node));
     }

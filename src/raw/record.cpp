@@ -5,7 +5,7 @@
 namespace tramline::raw {
 
 namespace {
-constexpr const char *kHorizontalNames[] = {"", "NE", "SE", "SW", "NW", "AZ",
+constexpr const char *kHorizontalNames[] = {"",   "NE", "SE", "SW", "NW", "AZ",
                                             "AL", "AR", "DL", "DR", "GN"};
 }
 

@@ -75,29 +75,29 @@ struct Observation {
 enum class RecordType : int {
     Text,
     Observation,
-    StorePoint,    ///< SP: PN, N, E, EL, description
-    Backsight,     ///< BK: OP, BP, BS, BC
-    Heights,       ///< LS: HI, HR (either may be absent)
-    TraverseName,  ///< NAME: text
-    GpsPosition,   ///< GPS: PN, LA, LN, EL, description
-    BasePoint,     ///< BP: PN, LA, LN, EL, then the rest as one text
-    ControlErrors, ///< CSE: N, E, EL, AZ
-    SetupErrors,   ///< SSE: TE, IE, HI, RD
+    StorePoint,        ///< SP: PN, N, E, EL, description
+    Backsight,         ///< BK: OP, BP, BS, BC
+    Heights,           ///< LS: HI, HR (either may be absent)
+    TraverseName,      ///< NAME: text
+    GpsPosition,       ///< GPS: PN, LA, LN, EL, description
+    BasePoint,         ///< BP: PN, LA, LN, EL, then the rest as one text
+    ControlErrors,     ///< CSE: N, E, EL, AZ
+    SetupErrors,       ///< SSE: TE, IE, HI, RD
     MeasurementErrors, ///< MSE: PE, RE, VP, VR, DT, PP
     ReferenceAzimuth,  ///< AZ: OP, FP, BS
-    Elevation,     ///< EL: PN, EL
-    GpsVector,     ///< G0 to G3: the text after the first comma
-    DataOnOff,     ///< DO
+    Elevation,         ///< EL: PN, EL
+    GpsVector,         ///< G0 to G3: the text after the first comma
+    DataOnOff,         ///< DO
 };
 
 struct RawNode {
     RecordType type = RecordType::Text;
-    std::string name;                ///< record name as in the file: "SP", "G1", "LS", ...
-    std::vector<std::string> fields; ///< values by position, codes removed
-    Observation observation;         ///< for observations
+    std::string name;                  ///< record name as in the file: "SP", "G1", "LS", ...
+    std::vector<std::string> fields;   ///< values by position, codes removed
+    Observation observation;           ///< for observations
     bool hasHi = false, hasHr = false; ///< for heights: which of the two the line held
-    std::string text;                ///< for Text: the line itself (at most 64 characters)
-    size_t lineNumber = 0;           ///< 1-based line (piece) in the file
+    std::string text;                  ///< for Text: the line itself (at most 64 characters)
+    size_t lineNumber = 0;             ///< 1-based line (piece) in the file
 };
 
 /// The occupied point of an occupy line ("OC,OP12,N ..." or "OC,PN12,...",

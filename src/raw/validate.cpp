@@ -6,8 +6,8 @@
 #include "base/translation.h"
 #include "base/unset.h"
 
-#include <cmath>
 #include "raw/classify.h"
+#include <cmath>
 
 namespace tramline::raw {
 
@@ -30,8 +30,9 @@ std::vector<std::string> validateRaw(const RawFile &file, const HeightLimits &li
         case RecordType::Observation: {
             const Observation &o = node.observation;
             if (dms && o.hasHorizontal && !isUnset(o.horizontal) && !isValidDms(o.horizontal))
-                warnings.push_back(format(tr("Warning: Bad horizontal angle: %.4f at row: %ld (Not dd.mmss format)"),
-                                          o.horizontal, row));
+                warnings.push_back(format(
+                    tr("Warning: Bad horizontal angle: %.4f at row: %ld (Not dd.mmss format)"),
+                    o.horizontal, row));
             // The vertical value as written, before normalisation.
             if (!fieldNumber(node, 3, v))
                 break;
@@ -39,32 +40,38 @@ std::vector<std::string> validateRaw(const RawFile &file, const HeightLimits &li
                 double distance = 0.0;
                 if (o.distanceKind == DistanceKind::Slope && fieldNumber(node, 4, distance) &&
                     std::fabs(v) > std::fabs(distance))
-                    warnings.push_back(format(
-                        tr("Warning: Invalid elevation difference: %.4f at row: %ld (Greater than slope distance)"),
-                        v, row));
+                    warnings.push_back(format(tr("Warning: Invalid elevation difference: %.4f at "
+                                                 "row: %ld (Greater than slope distance)"),
+                                              v, row));
             } else if (dms && !isValidDms(v)) {
                 warnings.push_back(
-                    format(tr("Warning: Bad vertical angle: %.4f at row: %ld (Not dd.mmss format)"), v, row));
+                    format(tr("Warning: Bad vertical angle: %.4f at row: %ld (Not dd.mmss format)"),
+                           v, row));
             }
             break;
         }
         case RecordType::Backsight:
             if (dms && fieldNumber(node, 2, v) && !isValidDms(v))
-                warnings.push_back(
-                    format(tr("Warning: Bad backsight azimuth: %.4f at row: %ld (Not dd.mmss format)"), v, row));
+                warnings.push_back(format(
+                    tr("Warning: Bad backsight azimuth: %.4f at row: %ld (Not dd.mmss format)"), v,
+                    row));
             if (dms && fieldNumber(node, 3, v) && !isValidDms(v))
-                warnings.push_back(
-                    format(tr("Warning: Bad set backsight azimuth: %.4f at row: %ld (Not dd.mmss format)"), v, row));
+                warnings.push_back(format(
+                    tr("Warning: Bad set backsight azimuth: %.4f at row: %ld (Not dd.mmss format)"),
+                    v, row));
             break;
         case RecordType::Heights:
             if (!limits.enabled)
                 break;
-            if (node.hasHi && fieldNumber(node, 0, v) && (v < limits.minInstrument || v > limits.maxInstrument))
-                warnings.push_back(format(tr("Warning: Invalid Instrument Height %.2f at row: %ld (Not within %.2f to %.2f)"),
+            if (node.hasHi && fieldNumber(node, 0, v) &&
+                (v < limits.minInstrument || v > limits.maxInstrument))
+                warnings.push_back(format(tr("Warning: Invalid Instrument Height %.2f at row: %ld "
+                                             "(Not within %.2f to %.2f)"),
                                           v, row, limits.minInstrument, limits.maxInstrument));
             if (node.hasHr && fieldNumber(node, 1, v) && (v < limits.minRod || v > limits.maxRod))
-                warnings.push_back(format(tr("Warning: Invalid Rod Height %.2f at row: %ld (Not within %.2f to %.2f)"),
-                                          v, row, limits.minRod, limits.maxRod));
+                warnings.push_back(format(
+                    tr("Warning: Invalid Rod Height %.2f at row: %ld (Not within %.2f to %.2f)"), v,
+                    row, limits.minRod, limits.maxRod));
             break;
         default:
             break;
@@ -85,23 +92,34 @@ RawSummary summarizeRaw(std::istream &in) {
         ++summary.records;
         const int kind = ClassifyRawLine(line, 1, fields);
         switch (kind) {
-        case kObservation: ++summary.observations; break;
-        case kOccupy: ++summary.setups; break;
-        case kStorePoint: ++summary.storePoints; break;
+        case kObservation:
+            ++summary.observations;
+            break;
+        case kOccupy:
+            ++summary.setups;
+            break;
+        case kStorePoint:
+            ++summary.storePoints;
+            break;
         case kNote:
-        case kEmptyNote: ++summary.notes; break;
+        case kEmptyNote:
+            ++summary.notes;
+            break;
         case kUnrecognised: {
             // Records the strict classifier has no form for, but the editor
             // does (NAME, EL, AZ, DO, CC, standard errors), are not news.
-            static const char *const kEditorRecords[] = {"NAME,", "EL,", "AZ,", "DO,", "CC,", "CSE,", "SSE,", "MSE,"};
+            static const char *const kEditorRecords[] = {"NAME,", "EL,",  "AZ,",  "DO,",
+                                                         "CC,",   "CSE,", "SSE,", "MSE,"};
             bool known = false;
             for (const char *prefix : kEditorRecords)
                 known = known || line.rfind(prefix, 0) == 0;
             if (!known)
-                summary.unrecognised.push_back(format("line %zu: %s", reader.lineNumber(), line.c_str()));
+                summary.unrecognised.push_back(
+                    format("line %zu: %s", reader.lineNumber(), line.c_str()));
             break;
         }
-        default: break;
+        default:
+            break;
         }
     }
     return summary;

@@ -25,10 +25,10 @@ std::vector<std::string> validateRaw(const RawFile &file, const HeightLimits &li
 /// A summary of what a file holds: records of each kind and the lines the
 /// strict classifier does not recognise.
 struct RawSummary {
-    size_t lines = 0;            ///< lines read (short ones included)
-    size_t records = 0;          ///< records kept by the reader
+    size_t lines = 0;   ///< lines read (short ones included)
+    size_t records = 0; ///< records kept by the reader
     size_t observations = 0;
-    size_t setups = 0;           ///< OC records
+    size_t setups = 0; ///< OC records
     size_t storePoints = 0;
     size_t notes = 0;
     std::vector<std::string> unrecognised; ///< "line %zu: %s"

@@ -17,7 +17,7 @@ std::string writeJob(sv name, sv date, sv time);
 /// "MO,AD0,UN%d,SF1.00000000,EC0,EO0,AU0"
 std::string writeMode(LinearUnit unit);
 std::string writeOccupy(sv point, sv northing, sv easting, sv elevation, sv description);
-std::string writeHeights(sv hi, sv hr);  ///< both heights
+std::string writeHeights(sv hi, sv hr);   ///< both heights
 std::string writeInstrumentHeight(sv hi); ///< "LS,HI%s"
 std::string writeRodHeight(sv hr);        ///< "LS,HR%s"
 std::string writeBacksight(sv occupied, sv backsight, sv azimuth, sv circle);
@@ -31,17 +31,18 @@ struct AngleField {
     const char *suffix;
 };
 AngleField angleField(HorizontalKind kind);
-const char *verticalCode(VerticalKind kind);   ///< "VA", "ZE", "CE"
-const char *distanceCode(DistanceKind kind);   ///< "SD", "HD"
+const char *verticalCode(VerticalKind kind); ///< "VA", "ZE", "CE"
+const char *distanceCode(DistanceKind kind); ///< "SD", "HD"
 
 /// "%s,OP%s,FP%s,%s%s%s,%s%s,%s%s,--%s"
-std::string writeObservation(sv type, sv occupied, sv foresight, HorizontalKind hzKind, sv horizontal,
-                             VerticalKind vKind, sv vertical, DistanceKind dKind, sv distance,
-                             sv description);
+std::string writeObservation(sv type, sv occupied, sv foresight, HorizontalKind hzKind,
+                             sv horizontal, VerticalKind vKind, sv vertical, DistanceKind dKind,
+                             sv distance, sv description);
 
 std::string writeStorePoint(sv point, sv northing, sv easting, sv elevation, sv description);
 /// Coordinates with four decimals.
-std::string writeStorePoint(sv point, double northing, double easting, double elevation, sv description);
+std::string writeStorePoint(sv point, double northing, double easting, double elevation,
+                            sv description);
 std::string writeGps(sv point, sv latitude, sv longitude, sv height, sv description);
 /// Latitude and longitude with nine decimals, height with four.
 std::string writeGps(sv point, double latitude, double longitude, double height, sv description);

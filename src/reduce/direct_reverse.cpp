@@ -24,7 +24,9 @@ using raw::Observation;
 using raw::RawNode;
 using raw::RecordType;
 
-double circle(double degrees) { return normalizeDegrees(degrees); }
+double circle(double degrees) {
+    return normalizeDegrees(degrees);
+}
 
 bool isFaceRecord(const RawNode &node) {
     if (node.type != RecordType::Observation)
@@ -39,7 +41,9 @@ struct Faces {
 };
 
 double reading(const RawNode &node, AngleUnit unit) {
-    return node.observation.hasHorizontal ? circle(raw::angleToDegrees(node.observation.horizontal, unit)) : 0.0;
+    return node.observation.hasHorizontal
+               ? circle(raw::angleToDegrees(node.observation.horizontal, unit))
+               : 0.0;
 }
 
 double zenith(const RawNode &node, AngleUnit unit) {
@@ -100,15 +104,18 @@ public:
         s.distance = fd.slopeDistance;
         s.distanceDifference = fd.slopeDistance - fr.slopeDistance;
         if (std::fabs(s.distanceDifference) > m_tol.distance)
-            warnings.push_back(format(tr("Warning: Pt %s direct-reverse Foresight Distance more than %.4f different"),
-                                      s.foresight.c_str(), m_tol.distance));
+            warnings.push_back(format(
+                tr("Warning: Pt %s direct-reverse Foresight Distance more than %.4f different"),
+                s.foresight.c_str(), m_tol.distance));
         if (fr.slopeDistance != 0.0) {
             s.distance = (fd.slopeDistance + fr.slopeDistance) / 2.0;
             s.distanceResidual = s.distanceDifference / 2.0;
         }
-        if (bd.hasDistance && br.hasDistance && std::fabs(bd.slopeDistance - br.slopeDistance) > m_tol.distance)
-            warnings.push_back(format(tr("Warning: Pt %s direct-reverse Backsight Distance more than %.4f different"),
-                                      s.backsight.c_str(), m_tol.distance));
+        if (bd.hasDistance && br.hasDistance &&
+            std::fabs(bd.slopeDistance - br.slopeDistance) > m_tol.distance)
+            warnings.push_back(format(
+                tr("Warning: Pt %s direct-reverse Backsight Distance more than %.4f different"),
+                s.backsight.c_str(), m_tol.distance));
 
         // Turned angles of each face.
         const double bdR = reading(*f.bd, m_unit), brR = reading(*f.br, m_unit);
@@ -120,20 +127,23 @@ public:
         s.turnedDifference = d * 3600.0;
         s.horizontalResidual = s.turnedDifference / 2.0;
         if (s.turnedDifference > m_tol.horizontalSeconds)
-            warnings.push_back(format(tr("Warning: Pt %s direct-reverse horizontal turned angles more than %.1f seconds different"),
+            warnings.push_back(format(tr("Warning: Pt %s direct-reverse horizontal turned angles "
+                                         "more than %.1f seconds different"),
                                       s.foresight.c_str(), m_tol.horizontalSeconds));
 
         // Circle readings, reverse turned to the direct face.
         const double brTurned = turnedReverse(bdR, brR);
         s.backsightDifference = (bdR - brTurned) * 3600.0;
         if (std::fabs(s.backsightDifference) > m_tol.horizontalSeconds)
-            warnings.push_back(format(tr("Warning: Pt %s direct-reverse Backsight Hz angles more than %.1f seconds different"),
+            warnings.push_back(format(tr("Warning: Pt %s direct-reverse Backsight Hz angles more "
+                                         "than %.1f seconds different"),
                                       s.foresight.c_str(), m_tol.horizontalSeconds));
         const double backsightMean = circle((bdR + brTurned) / 2.0);
         const double frTurned = turnedReverse(fdR, frR);
         s.foresightDifference = (fdR - frTurned) * 3600.0;
         if (std::fabs(s.foresightDifference) > m_tol.horizontalSeconds)
-            warnings.push_back(format(tr("Warning: Pt %s direct-reverse Foresight Hz angles more than %.1f seconds different"),
+            warnings.push_back(format(tr("Warning: Pt %s direct-reverse Foresight Hz angles more "
+                                         "than %.1f seconds different"),
                                       s.foresight.c_str(), m_tol.horizontalSeconds));
         const double foresightMean = circle((fdR + frTurned) / 2.0);
         s.horizontalAngle = circle(foresightMean - backsightMean);
@@ -153,7 +163,8 @@ public:
             s.vertical = (zd + zr) / 2.0;
             s.verticalDifference = (zd - zr) * 3600.0;
             if (std::fabs(s.verticalDifference) > m_tol.verticalSeconds)
-                warnings.push_back(format(tr("Warning: Pt %s direct-reverse vert angles more than %.1f seconds different"),
+                warnings.push_back(format(tr("Warning: Pt %s direct-reverse vert angles more than "
+                                             "%.1f seconds different"),
                                           s.foresight.c_str(), m_tol.verticalSeconds));
         }
         s.verticalResidual = s.verticalDifference / 2.0;
@@ -182,15 +193,20 @@ public:
             o.verticalKind = raw::VerticalKind::CE;
             const double h2 = s.distance * s.distance - s.vertical * s.vertical;
             const double h = h2 > 0 ? std::sqrt(h2) : 0.0;
-            o.verticalAngle = raw::angleFromDegrees(h > 0 ? degrees(std::atan(s.vertical / h)) : 0.0, m_unit);
+            o.verticalAngle =
+                raw::angleFromDegrees(h > 0 ? degrees(std::atan(s.vertical / h)) : 0.0, m_unit);
             verticalText = format("%.4f", s.vertical);
         } else {
             o.verticalKind = raw::VerticalKind::ZE;
             o.verticalAngle = raw::angleFromDegrees(90.0 - s.vertical, m_unit);
             verticalText = format("%.6f", raw::angleFromDegrees(s.vertical, m_unit));
         }
-        node.fields = {o.occupied, o.foresight, format("%.6f", o.horizontal), verticalText,
-                       format("%.4f", o.slopeDistance), o.description};
+        node.fields = {o.occupied,
+                       o.foresight,
+                       format("%.6f", o.horizontal),
+                       verticalText,
+                       format("%.4f", o.slopeDistance),
+                       o.description};
         return node;
     }
 
@@ -200,27 +216,32 @@ private:
     std::set<std::string> m_occupiedLater;
 };
 
-std::string seconds(double v) { return format("%10.1f", v); }
+std::string seconds(double v) {
+    return format("%10.1f", v);
+}
 
 void reportSet(std::string &out, const ReducedSet &s) {
-    appendFormat(out, "\n%s: %s  %s: %s  %s: %s  (%s %zu)\n", tr("Occupied"), s.occupied.c_str(), tr("Backsight"),
-                 s.backsight.c_str(), tr("Foresight"), s.foresight.c_str(), tr("line"), s.lineNumber);
-    appendFormat(out, "  %10s %10s %10s %10s %12s\n", tr("BK Diff."), tr("FS Diff."), tr("HZ Diff."), tr("Residual"),
-                 tr("HorzAngle"));
+    appendFormat(out, "\n%s: %s  %s: %s  %s: %s  (%s %zu)\n", tr("Occupied"), s.occupied.c_str(),
+                 tr("Backsight"), s.backsight.c_str(), tr("Foresight"), s.foresight.c_str(),
+                 tr("line"), s.lineNumber);
+    appendFormat(out, "  %10s %10s %10s %10s %12s\n", tr("BK Diff."), tr("FS Diff."),
+                 tr("HZ Diff."), tr("Residual"), tr("HorzAngle"));
     appendFormat(out, "  %s %s %s %s %12s\n", seconds(s.backsightDifference).c_str(),
                  seconds(s.foresightDifference).c_str(), seconds(s.turnedDifference).c_str(),
                  seconds(s.horizontalResidual).c_str(), formatDms(s.horizontalAngle, 4).c_str());
     if (s.elevationDifference) {
         appendFormat(out, "  %10s %10s %10s\n", tr("Elev Diff."), tr("Diff."), tr("Residual"));
-        appendFormat(out, "  %10.4f %10.4f %10.4f\n", s.vertical, s.verticalDifference, s.verticalResidual);
+        appendFormat(out, "  %10.4f %10.4f %10.4f\n", s.vertical, s.verticalDifference,
+                     s.verticalResidual);
     } else {
         appendFormat(out, "  %10s %10s %10s\n", tr("Vertical"), tr("Diff."), tr("Residual"));
-        appendFormat(out, "  %10s %s %s\n", formatDms(s.vertical, 4).c_str(), seconds(s.verticalDifference).c_str(),
-                     seconds(s.verticalResidual).c_str());
+        appendFormat(out, "  %10s %s %s\n", formatDms(s.vertical, 4).c_str(),
+                     seconds(s.verticalDifference).c_str(), seconds(s.verticalResidual).c_str());
     }
     out += "  ";
     out += tr("Distance  Residual  Diff.\n");
-    appendFormat(out, "  %8.4f  %8.4f  %5.4f\n", s.distance, s.distanceResidual, s.distanceDifference);
+    appendFormat(out, "  %8.4f  %8.4f  %5.4f\n", s.distance, s.distanceResidual,
+                 s.distanceDifference);
 }
 
 void reportMeans(std::string &out, const std::vector<ReducedSet> &sets) {
@@ -240,16 +261,19 @@ void reportMeans(std::string &out, const std::vector<ReducedSet> &sets) {
     }
     appendFormat(out, "\n%s\n", tr("Means"));
     const char *vertical = elevation ? tr("Elev Diff") : tr("Vertical");
-    appendFormat(out, "  %-9s %-9s %4s %12s %8s %12s %8s %12s %8s\n", tr("Occupied"), tr("Foresight"), "n",
-                 tr("HorzAngle"), tr("SD"), vertical, tr("SD"), tr("Distance"), tr("SD"));
+    appendFormat(out, "  %-9s %-9s %4s %12s %8s %12s %8s %12s %8s\n", tr("Occupied"),
+                 tr("Foresight"), "n", tr("HorzAngle"), tr("SD"), vertical, tr("SD"),
+                 tr("Distance"), tr("SD"));
     for (const auto &key : order) {
         const auto &g = groups[key];
         const double hzSd = standardDeviation(g.horizontal) * 3600.0;
         const double vSd = standardDeviation(g.vertical) * (elevation ? 1.0 : 3600.0);
-        const std::string v = elevation ? format("%.4f", mean(g.vertical)) : formatDms(mean(g.vertical), 4);
-        appendFormat(out, "  %-9.9s %-9.9s %4zu %12s %8.1f %12s %8.1f %12.4f %8.4f\n", key.first.c_str(),
-                     key.second.c_str(), g.horizontal.size(), formatDms(mean(g.horizontal), 4).c_str(), hzSd,
-                     v.c_str(), vSd, mean(g.distance), standardDeviation(g.distance));
+        const std::string v =
+            elevation ? format("%.4f", mean(g.vertical)) : formatDms(mean(g.vertical), 4);
+        appendFormat(out, "  %-9.9s %-9.9s %4zu %12s %8.1f %12s %8.1f %12.4f %8.4f\n",
+                     key.first.c_str(), key.second.c_str(), g.horizontal.size(),
+                     formatDms(mean(g.horizontal), 4).c_str(), hzSd, v.c_str(), vSd,
+                     mean(g.distance), standardDeviation(g.distance));
     }
 }
 
@@ -290,7 +314,10 @@ DirectReverseResult reduceDirectReverse(const raw::RawFile &file, const std::str
                 break;
             }
             const auto &t = n.observation.type;
-            const RawNode **slot = t == "BD" ? &faces.bd : t == "FD" ? &faces.fd : t == "FR" ? &faces.fr : &faces.br;
+            const RawNode **slot = t == "BD"   ? &faces.bd
+                                   : t == "FD" ? &faces.fd
+                                   : t == "FR" ? &faces.fr
+                                               : &faces.br;
             if (*slot)
                 break; // a second BD (say) starts the next set
             *slot = &n;
@@ -320,8 +347,10 @@ DirectReverseResult reduceDirectReverse(const raw::RawFile &file, const std::str
         for (const auto &w : result.warnings)
             out += w + "\n";
     }
-    appendFormat(out, "\n%s\n", format(tr("Reduced records for %d direct-reverse sets."),
-                                       static_cast<int>(result.sets.size())).c_str());
+    appendFormat(out, "\n%s\n",
+                 format(tr("Reduced records for %d direct-reverse sets."),
+                        static_cast<int>(result.sets.size()))
+                     .c_str());
     return result;
 }
 

@@ -25,28 +25,28 @@ struct DirectReverseTolerances {
 /// What one set reduced to, for the report and for tests.
 struct ReducedSet {
     std::string occupied, backsight, foresight;
-    size_t lineNumber = 0;           ///< line of the set's first record
-    double backsightDifference = 0;  ///< BD - turned BR, seconds
-    double foresightDifference = 0;  ///< FD - turned FR, seconds
-    double turnedDifference = 0;     ///< |direct turned angle - reverse turned angle|, seconds
-    double horizontalResidual = 0;   ///< half the turned difference, seconds
-    double horizontalAngle = 0;      ///< mean turned angle, decimal degrees 0..360
-    bool elevationDifference = false;///< vertical values are elevation differences
-    double vertical = 0;             ///< mean zenith (decimal degrees) or elevation difference
-    double verticalDifference = 0;   ///< seconds for zeniths, length for elevation differences
-    double verticalResidual = 0;     ///< half the difference
-    double distance = 0;             ///< mean foresight slope distance
-    double distanceDifference = 0;   ///< FD - FR distance
-    double distanceResidual = 0;     ///< half the difference
+    size_t lineNumber = 0;            ///< line of the set's first record
+    double backsightDifference = 0;   ///< BD - turned BR, seconds
+    double foresightDifference = 0;   ///< FD - turned FR, seconds
+    double turnedDifference = 0;      ///< |direct turned angle - reverse turned angle|, seconds
+    double horizontalResidual = 0;    ///< half the turned difference, seconds
+    double horizontalAngle = 0;       ///< mean turned angle, decimal degrees 0..360
+    bool elevationDifference = false; ///< vertical values are elevation differences
+    double vertical = 0;              ///< mean zenith (decimal degrees) or elevation difference
+    double verticalDifference = 0;    ///< seconds for zeniths, length for elevation differences
+    double verticalResidual = 0;      ///< half the difference
+    double distance = 0;              ///< mean foresight slope distance
+    double distanceDifference = 0;    ///< FD - FR distance
+    double distanceResidual = 0;      ///< half the difference
 };
 
 struct DirectReverseResult {
-    bool ok = true;                  ///< false: an incomplete set stopped the reduction
-    std::string error;               ///< "Error: incomplete direct-reverse set"
+    bool ok = true;    ///< false: an incomplete set stopped the reduction
+    std::string error; ///< "Error: incomplete direct-reverse set"
     std::vector<ReducedSet> sets;
     std::vector<std::string> warnings;
-    raw::RawFile reduced;            ///< the records with each set replaced by one shot
-    std::string report;              ///< the "Direct-Reverse Report" text
+    raw::RawFile reduced; ///< the records with each set replaced by one shot
+    std::string report;   ///< the "Direct-Reverse Report" text
 };
 
 /// True when the file holds any BD, FD, FR or BR record.

@@ -13,11 +13,13 @@ constexpr double kEarthRadiusFeet = 20906000.0;
 constexpr double kUsFeetPerMetre = 3.280833333333;
 } // namespace
 
-ReducedMeasurement reduceMeasurement(double slope, double zenith, const MeasurementOptions &options) {
+ReducedMeasurement reduceMeasurement(double slope, double zenith,
+                                     const MeasurementOptions &options) {
     double g = 0.0;
     double z = zenith;
     if (options.curvature) {
-        const double a = -slope * std::sin(zenith) / (options.metres ? kEarthDiameterMetres : kEarthDiameterFeet);
+        const double a = -slope * std::sin(zenith) /
+                         (options.metres ? kEarthDiameterMetres : kEarthDiameterFeet);
         g = std::atan(a / std::sqrt(1.0 - a * a));
         const double feet = options.metres ? slope * kUsFeetPerMetre : slope;
         const double refraction = radians(-1.9e-07 * feet * std::sin(zenith));

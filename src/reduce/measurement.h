@@ -22,7 +22,8 @@ struct ReducedMeasurement {
 /// (radians). With curvature on, the half central angle g of the line and
 /// the refraction term bend the zenith; the scale factor never touches the
 /// height difference.
-ReducedMeasurement reduceMeasurement(double slope, double zenith, const MeasurementOptions &options);
+ReducedMeasurement reduceMeasurement(double slope, double zenith,
+                                     const MeasurementOptions &options);
 
 /// The combined factor from a grid scale factor and an ellipsoid height in
 /// feet: grid x 20906000 / (20906000 + h), the earth's radius in feet.

@@ -10,11 +10,11 @@
 #include "base/format.h"
 #include "base/translation.h"
 #include "base/unset.h"
-#include "raw/angle_math.h"
-#include "raw/classify.h"
 #include "geodesy/geoid_model.h"
 #include "geodesy/geoid_models.h"
 #include "geodesy/projection.h"
+#include "raw/angle_math.h"
+#include "raw/classify.h"
 #include "reduce/measurement.h"
 
 #include <cmath>
@@ -34,17 +34,26 @@ const ComputedPoint *PassResult::find(const std::string &name) const {
 
 double shotAzimuth(HorizontalKind kind, double angle, double backsightAzimuth) {
     switch (kind) {
-    case HorizontalKind::AL: return normalizeDegrees(backsightAzimuth - angle);
-    case HorizontalKind::DR: return normalizeDegrees(backsightAzimuth + 180.0 + angle);
-    case HorizontalKind::DL: return normalizeDegrees(backsightAzimuth + 180.0 - angle);
+    case HorizontalKind::AL:
+        return normalizeDegrees(backsightAzimuth - angle);
+    case HorizontalKind::DR:
+        return normalizeDegrees(backsightAzimuth + 180.0 + angle);
+    case HorizontalKind::DL:
+        return normalizeDegrees(backsightAzimuth + 180.0 - angle);
     case HorizontalKind::AZ:
-    case HorizontalKind::GN: return normalizeDegrees(angle);
-    case HorizontalKind::NE: return normalizeDegrees(angle);
-    case HorizontalKind::SE: return normalizeDegrees(180.0 - angle);
-    case HorizontalKind::SW: return normalizeDegrees(180.0 + angle);
-    case HorizontalKind::NW: return normalizeDegrees(360.0 - angle);
+    case HorizontalKind::GN:
+        return normalizeDegrees(angle);
+    case HorizontalKind::NE:
+        return normalizeDegrees(angle);
+    case HorizontalKind::SE:
+        return normalizeDegrees(180.0 - angle);
+    case HorizontalKind::SW:
+        return normalizeDegrees(180.0 + angle);
+    case HorizontalKind::NW:
+        return normalizeDegrees(360.0 - angle);
     case HorizontalKind::AR:
-    case HorizontalKind::None: break;
+    case HorizontalKind::None:
+        break;
     }
     return normalizeDegrees(backsightAzimuth + angle);
 }
@@ -56,7 +65,8 @@ bool needsBacksight(HorizontalKind kind) {
            kind == HorizontalKind::DL || kind == HorizontalKind::None;
 }
 
-std::optional<std::vector<double>> numbersAfter(std::string_view text, std::string_view prefix, size_t count) {
+std::optional<std::vector<double>> numbersAfter(std::string_view text, std::string_view prefix,
+                                                size_t count) {
     if (text.substr(0, prefix.size()) != prefix)
         return std::nullopt;
     text.remove_prefix(prefix.size());
@@ -76,7 +86,9 @@ std::optional<std::vector<double>> numbersAfter(std::string_view text, std::stri
     return values;
 }
 
-std::string dmsText(double degreesValue) { return formatDms(degreesValue, 4); }
+std::string dmsText(double degreesValue) {
+    return formatDms(degreesValue, 4);
+}
 
 // The end of a listing line: northing, easting, elevation (blank when
 // none) and description.
@@ -108,7 +120,8 @@ public:
                 m_occupied.insert(occupiedOf(node.text));
             else if (node.type == RecordType::Text && node.text.rfind("--DZ,PN", 0) == 0)
                 m_watched.insert(node.text.substr(7, node.text.find(',', 7) - 7));
-            else if ((node.type == RecordType::StorePoint || node.type == RecordType::Elevation) && !node.fields.empty())
+            else if ((node.type == RecordType::StorePoint || node.type == RecordType::Elevation) &&
+                     !node.fields.empty())
                 m_watched.insert(node.fields[0]);
             else if (node.type == RecordType::Backsight && node.fields.size() > 1)
                 m_watched.insert(node.fields[1]);
@@ -131,9 +144,14 @@ public:
         appendPadded(h, tr("Type"), 6);
         h += ' ';
         appendPadded(h, tr("Point"), 9);
-        for (const auto &[head, width] : std::initializer_list<std::pair<const char *, size_t>>{
-                 {"Azimuth", 9}, {"SlopeDist", 10}, {"HorzDist", 10}, {"VertDist", 10},
-                 {"Northing", 12}, {"Easting", 12}, {"Elevation", 10}}) {
+        for (const auto &[head, width] :
+             std::initializer_list<std::pair<const char *, size_t>>{{"Azimuth", 9},
+                                                                    {"SlopeDist", 10},
+                                                                    {"HorzDist", 10},
+                                                                    {"VertDist", 10},
+                                                                    {"Northing", 12},
+                                                                    {"Easting", 12},
+                                                                    {"Elevation", 10}}) {
             h += ' ';
             appendPadded(h, tr(head), width, true);
         }
@@ -152,7 +170,9 @@ public:
     }
 
 private:
-    static std::string occupiedOf(const std::string &ocLine) { return raw::occupiedPointOf(ocLine); }
+    static std::string occupiedOf(const std::string &ocLine) {
+        return raw::occupiedPointOf(ocLine);
+    }
 
     void stop(const std::string &error, PassResult::Status status) {
         m_r.error = error;
@@ -179,7 +199,8 @@ private:
             }
         }
         if (m_opt.pointNotes)
-            m_r.notes.push_back(p.name + "\t" + format("LINE:%ld,FILE:%s", line, m_in.rawFileName.c_str()));
+            m_r.notes.push_back(p.name + "\t" +
+                                format("LINE:%ld,FILE:%s", line, m_in.rawFileName.c_str()));
         m_r.points.push_back({std::move(p), line, control});
     }
 
@@ -217,18 +238,28 @@ private:
     void handle(const RawNode &node) {
         const long line = static_cast<long>(node.lineNumber);
         switch (node.type) {
-        case RecordType::Text: handleText(node, line); break;
-        case RecordType::Backsight: handleBacksight(node, line); break;
+        case RecordType::Text:
+            handleText(node, line);
+            break;
+        case RecordType::Backsight:
+            handleBacksight(node, line);
+            break;
         case RecordType::Heights: {
             double v;
             if (node.hasHi)
-                m_hi = parseNumber(node.fields[0], v) && !isUnset(v) ? std::optional<double>(v) : std::nullopt;
+                m_hi = parseNumber(node.fields[0], v) && !isUnset(v) ? std::optional<double>(v)
+                                                                     : std::nullopt;
             if (node.hasHr)
-                m_hr = parseNumber(node.fields[1], v) && !isUnset(v) ? std::optional<double>(v) : std::nullopt;
+                m_hr = parseNumber(node.fields[1], v) && !isUnset(v) ? std::optional<double>(v)
+                                                                     : std::nullopt;
             break;
         }
-        case RecordType::StorePoint: handleStorePoint(node, line); break;
-        case RecordType::Observation: handleShot(node, line); break;
+        case RecordType::StorePoint:
+            handleStorePoint(node, line);
+            break;
+        case RecordType::Observation:
+            handleShot(node, line);
+            break;
         case RecordType::Elevation: {
             double z;
             if (node.fields.size() > 1 && parseNumber(node.fields[1], z)) {
@@ -240,7 +271,8 @@ private:
             }
             break;
         }
-        default: break;
+        default:
+            break;
         }
     }
 
@@ -252,7 +284,9 @@ private:
         }
         if (t.rfind("--Elevation: 2D", 0) == 0) {
             m_elevations = false;
-            warn(format(tr("Warning: Calculate Elevations turned off by 'Elevation: 2D' note in raw file at line %ld"), line));
+            warn(format(tr("Warning: Calculate Elevations turned off by 'Elevation: 2D' note in "
+                           "raw file at line %ld"),
+                        line));
         } else if (t.rfind("--Elevation: 3D", 0) == 0) {
             m_elevations = true;
         } else if (t.rfind("--DZ,PN", 0) == 0) {
@@ -261,13 +295,14 @@ private:
             const size_t comma = rest.find(',');
             const std::string name = rest.substr(0, comma);
             double depth;
-            if (comma != std::string::npos && parseNumber(std::string_view(rest).substr(comma + 3), depth)) {
+            if (comma != std::string::npos &&
+                parseNumber(std::string_view(rest).substr(comma + 3), depth)) {
                 if (auto p = known(name); p && p->hasElevation) {
                     p->elevation -= depth;
                     const auto *existing = m_r.find(name);
                     store(*p, line, existing && existing->control);
-                    appendFormat(m_r.depths, "\n%-9.9s %s: %.3f, %s: %.3f", name.c_str(), tr("Adjusted Elev"),
-                                 p->elevation, tr("Depth"), depth);
+                    appendFormat(m_r.depths, "\n%-9.9s %s: %.3f, %s: %.3f", name.c_str(),
+                                 tr("Adjusted Elev"), p->elevation, tr("Depth"), depth);
                 }
             }
         }
@@ -294,8 +329,8 @@ private:
             }
         }
         if (!p) {
-            const std::string msg = format(tr("No coordinate stored for Occupied Point %s\non line# %ld"),
-                                           name.c_str(), line);
+            const std::string msg = format(
+                tr("No coordinate stored for Occupied Point %s\non line# %ld"), name.c_str(), line);
             p = askCoordinates(tr("Occupy Point"), name, msg);
             if (!p) {
                 stop(msg, PassResult::Status::ReturnToEditor);
@@ -304,7 +339,8 @@ private:
             store(*p, line, true);
         }
         m_occupied_point = *p;
-        appendFormat(m_r.listing, "\n%s: %s  N %.4f  E %.4f", tr("Occupy Point"), name.c_str(), p->north, p->east);
+        appendFormat(m_r.listing, "\n%s: %s  N %.4f  E %.4f", tr("Occupy Point"), name.c_str(),
+                     p->north, p->east);
         if (p->hasElevation)
             appendFormat(m_r.listing, "  Z %.4f", p->elevation);
         m_r.listing += "\n";
@@ -325,22 +361,24 @@ private:
         bool located = false;
         if (!m_opt.projection) {
             warn(tr("Warning: invalid grid scale factor.\nUsing factor of 1.0"));
-        } else if (const geodesy::Status st =
-                       m_opt.projection->inverse(p.north * toMetres, p.east * toMetres, latitude, longitude);
+        } else if (const geodesy::Status st = m_opt.projection->inverse(
+                       p.north * toMetres, p.east * toMetres, latitude, longitude);
                    !st) {
-            warn(format(tr("\nError %d: unable to convert grid coordinates to lat/lon"), static_cast<int>(st.code)));
+            warn(format(tr("\nError %d: unable to convert grid coordinates to lat/lon"),
+                        static_cast<int>(st.code)));
         } else {
             located = true;
             geodesy::GridFactors factors;
-            if (m_opt.projection->factorsAt(latitude, longitude, factors) && std::isfinite(factors.scaleFactor) &&
-                factors.scaleFactor > 0.0)
+            if (m_opt.projection->factorsAt(latitude, longitude, factors) &&
+                std::isfinite(factors.scaleFactor) && factors.scaleFactor > 0.0)
                 grid = factors.scaleFactor;
             else
                 warn(tr("Warning: invalid grid scale factor.\nUsing factor of 1.0"));
         }
         double separation = 0.0;
         if (located && m_opt.geoid && m_opt.geoidModel != 0) {
-            if (const geodesy::Status st = geodesy::gpsSeparation(*m_opt.geoid, m_opt.geoidModel, latitude, longitude, separation);
+            if (const geodesy::Status st = geodesy::gpsSeparation(*m_opt.geoid, m_opt.geoidModel,
+                                                                  latitude, longitude, separation);
                 !st) {
                 warn(st.message);
                 separation = 0.0;
@@ -357,7 +395,8 @@ private:
         const std::string op = node.fields.size() > 0 ? node.fields[0] : "";
         const std::string bp = node.fields.size() > 1 ? node.fields[1] : "";
         double bs = 0.0;
-        const bool hasAzimuth = node.fields.size() > 2 && parseNumber(node.fields[2], bs) && !isUnset(bs);
+        const bool hasAzimuth =
+            node.fields.size() > 2 && parseNumber(node.fields[2], bs) && !isUnset(bs);
         if (!m_setupOpen || op != m_occupiedName) {
             stop(format(tr("Error: occupied pt# %s does not match %s on line# %ld"), op.c_str(),
                         m_occupiedName.c_str(), line),
@@ -365,11 +404,13 @@ private:
             return;
         }
         if (bp.empty() && !hasAzimuth) {
-            stop(format(tr("Error: no backsight point specified on line# %ld"), line), PassResult::Status::Stopped);
+            stop(format(tr("Error: no backsight point specified on line# %ld"), line),
+                 PassResult::Status::Stopped);
             return;
         }
         if (!bp.empty() && bp == op) {
-            stop(format(tr("Error: backsight record %s on line# %ld\nhas identical occupied and backsight pt#'s"),
+            stop(format(tr("Error: backsight record %s on line# %ld\nhas identical occupied and "
+                           "backsight pt#'s"),
                         bp.c_str(), line),
                  PassResult::Status::Stopped);
             return;
@@ -378,10 +419,12 @@ private:
         if (!bp.empty()) {
             auto b = known(bp);
             if (!b && !hasAzimuth) {
-                const std::string msg = format(tr("No coordinate stored for Backsight Point %s\non line# %ld"),
-                                               bp.c_str(), line);
-                const int choice = m_ui.choose(tr("Backsight Point"), msg,
-                                               {tr("Enter Coordinates"), tr("Enter Azimuth"), tr("Return To Editor")});
+                const std::string msg =
+                    format(tr("No coordinate stored for Backsight Point %s\non line# %ld"),
+                           bp.c_str(), line);
+                const int choice = m_ui.choose(
+                    tr("Backsight Point"), msg,
+                    {tr("Enter Coordinates"), tr("Enter Azimuth"), tr("Return To Editor")});
                 if (choice == 0) {
                     b = askCoordinates(tr("Backsight Point"), bp, msg);
                     if (b)
@@ -389,7 +432,8 @@ private:
                 } else if (choice == 1) {
                     std::vector<FormField> fields = {{tr("Azimuth (dd.mmss)"), "", {}}};
                     double az;
-                    if (m_ui.fillForm(tr("Backsight Point"), fields) && parseNumber(fields[0].value, az)) {
+                    if (m_ui.fillForm(tr("Backsight Point"), fields) &&
+                        parseNumber(fields[0].value, az)) {
                         azimuth = raw::angleToDegrees(az, m_unit);
                         m_haveOrientation = true;
                     } else {
@@ -405,8 +449,9 @@ private:
                 // Back on the closing point, orient from where the traverse
                 // put it: the closing direction then carries the whole
                 // angular error of the traverse, not part of it.
-                const TraversePoint &at =
-                    m_r.closingEnd && m_occupiedName == m_in.closingPoint ? *m_r.closingEnd : m_occupied_point;
+                const TraversePoint &at = m_r.closingEnd && m_occupiedName == m_in.closingPoint
+                                              ? *m_r.closingEnd
+                                              : m_occupied_point;
                 const double fromCoordinates =
                     normalizeDegrees(degrees(std::atan2(b->east - at.east, b->north - at.north)));
                 if (hasAzimuth) {
@@ -414,19 +459,22 @@ private:
                     if (diff > 180.0)
                         diff = 360.0 - diff;
                     if (diff > 0.0002777)
-                        warn(format(tr("Warning: backsight record on line# %ld azimuth different than backsight coordinate by %s"),
+                        warn(format(tr("Warning: backsight record on line# %ld azimuth different "
+                                       "than backsight coordinate by %s"),
                                     line, dmsText(diff).c_str()));
                 }
                 azimuth = fromCoordinates;
                 appendFormat(m_r.listing, "%s: %s\n", tr("Backsight Point"), bp.c_str());
             }
         } else {
-            appendFormat(m_r.listing, "%s: %s\n", tr("BackSight Azimuth"), dmsText(azimuth).c_str());
+            appendFormat(m_r.listing, "%s: %s\n", tr("BackSight Azimuth"),
+                         dmsText(azimuth).c_str());
         }
         if (++m_backsights > 1)
-            appendFormat(m_r.multipleBacksights, "%s: %s  %s: %s  %s: %s  %s %ld\n", tr("Occupy Point"),
-                         m_occupiedName.c_str(), tr("Backsight Point"), bp.empty() ? "-" : bp.c_str(),
-                         tr("Azimuth"), dmsText(azimuth).c_str(), tr("line"), line);
+            appendFormat(m_r.multipleBacksights, "%s: %s  %s: %s  %s: %s  %s %ld\n",
+                         tr("Occupy Point"), m_occupiedName.c_str(), tr("Backsight Point"),
+                         bp.empty() ? "-" : bp.c_str(), tr("Azimuth"), dmsText(azimuth).c_str(),
+                         tr("line"), line);
         m_backsightAzimuth = azimuth;
         m_haveOrientation = true;
     }
@@ -437,7 +485,8 @@ private:
         if (p.name.empty() || node.fields.size() < 3 || !parseNumber(node.fields[1], p.north) ||
             !parseNumber(node.fields[2], p.east))
             return;
-        p.hasElevation = node.fields.size() > 3 && parseNumber(node.fields[3], p.elevation) && !isUnset(p.elevation);
+        p.hasElevation = node.fields.size() > 3 && parseNumber(node.fields[3], p.elevation) &&
+                         !isUnset(p.elevation);
         p.description = node.fields.size() > 4 ? node.fields[4] : "";
         store(p, line, true);
         ++m_r.storePoints;
@@ -449,32 +498,37 @@ private:
             // A shot from another point than the set-up: orient from its own
             // occupied point only if it carries an azimuth or bearing.
             if (!m_setupOpen) {
-                stop(format(tr("No coordinate stored for Occupied Point %s\non line# %ld"), o.occupied.c_str(), line),
+                stop(format(tr("No coordinate stored for Occupied Point %s\non line# %ld"),
+                            o.occupied.c_str(), line),
                      PassResult::Status::Stopped);
                 return;
             }
         }
         if (o.foresight == o.occupied) {
-            warn(format(tr("Error: occupied pt# %s same as foresight on line# %ld"), o.occupied.c_str(), line));
+            warn(format(tr("Error: occupied pt# %s same as foresight on line# %ld"),
+                        o.occupied.c_str(), line));
             return;
         }
         if (!o.hasHorizontal || !o.hasDistance || isUnset(o.horizontal) || isUnset(o.slopeDistance))
             return; // angle-only or empty shots carry no position
         if (needsBacksight(o.horizontalKind) && !m_haveOrientation) {
-            stop(format(tr("Error: no backsight point specified on line# %ld"), line), PassResult::Status::Stopped);
+            stop(format(tr("Error: no backsight point specified on line# %ld"), line),
+                 PassResult::Status::Stopped);
             return;
         }
         const bool traverse = o.type == "TR" || o.type == "CL" || o.type == "CL+AB";
         const bool balance = o.type == "AB" || o.type == "CL+AB";
 
         // Reduce the measurement.
-        const double zenithDegrees = o.hasVertical ? 90.0 - raw::angleToDegrees(o.verticalAngle, m_unit) : 90.0;
+        const double zenithDegrees =
+            o.hasVertical ? 90.0 - raw::angleToDegrees(o.verticalAngle, m_unit) : 90.0;
         MeasurementOptions mo;
         mo.scaleFactor = m_scale;
         mo.curvature = m_opt.curvature;
         mo.stadia = m_opt.stadia;
         mo.metres = m_metres;
-        const ReducedMeasurement red = reduceMeasurement(o.slopeDistance, radians(zenithDegrees), mo);
+        const ReducedMeasurement red =
+            reduceMeasurement(o.slopeDistance, radians(zenithDegrees), mo);
         double vertical = red.vertical;
         if (o.verticalKind == raw::VerticalKind::CE) {
             double ce;
@@ -482,7 +536,8 @@ private:
                 vertical = ce;
         }
 
-        double azimuth = shotAzimuth(o.horizontalKind, raw::angleToDegrees(o.horizontal, m_unit), m_backsightAzimuth);
+        double azimuth = shotAzimuth(o.horizontalKind, raw::angleToDegrees(o.horizontal, m_unit),
+                                     m_backsightAzimuth);
         if (traverse)
             azimuth = normalizeDegrees(azimuth + m_in.traverseAngleCorrection);
 
@@ -494,7 +549,8 @@ private:
         p.description = o.description;
         p.north = m_occupied_point.north + red.horizontal * std::cos(radians(azimuth));
         p.east = m_occupied_point.east + red.horizontal * std::sin(radians(azimuth));
-        p.hasElevation = m_elevations && o.hasVertical && m_occupied_point.hasElevation && m_hi && m_hr;
+        p.hasElevation =
+            m_elevations && o.hasVertical && m_occupied_point.hasElevation && m_hi && m_hr;
         if (p.hasElevation)
             p.elevation = m_occupied_point.elevation + *m_hi + vertical - *m_hr;
         if (m_in.sdrVertical && p.hasElevation) {

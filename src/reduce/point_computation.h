@@ -12,18 +12,18 @@
 
 #include <functional>
 #include <map>
-#include <unordered_map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace tramline::reduce {
 
 /// A point the pass stores.
 struct ComputedPoint {
-    TraversePoint point;      ///< elevation unset when hasElevation is false
-    long line = 0;            ///< raw line (grid row) that gave it
-    bool control = false;     ///< from a store point record: never overwritten by a shot
+    TraversePoint point;  ///< elevation unset when hasElevation is false
+    long line = 0;        ///< raw line (grid row) that gave it
+    bool control = false; ///< from a store point record: never overwritten by a shot
 };
 
 /// The angle balance shot as measured.
@@ -70,12 +70,12 @@ struct PassResult {
     /// and angle balance points. Keeping a million sideshots out of it is
     /// what makes a large job fast.
     std::unordered_map<std::string, size_t> index;
-    std::vector<TraverseSide> sides;   ///< every TR, CL and CL+AB shot, file order
+    std::vector<TraverseSide> sides; ///< every TR, CL and CL+AB shot, file order
     std::vector<BalanceShot> balanceShots;
     std::optional<TraversePoint> closingEnd; ///< last computed position of the closing point
     std::string listing, sideshots, multipleBacksights, depths;
     std::vector<std::string> warnings;
-    std::vector<std::string> notes;    ///< "name\ttext" point notes to add
+    std::vector<std::string> notes; ///< "name\ttext" point notes to add
     int traverseLines = 0, sideshotTraverses = 0, sideshotCount = 0, storePoints = 0;
 
     /// The latest stored position of a point the run looks up (see index).

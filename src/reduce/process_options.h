@@ -25,22 +25,22 @@ struct KnownPoint {
 
 struct ProcessOptions {
     AdjustMethod method = AdjustMethod::None;
-    double scaleFactor = 1.0;        ///< "%.8f"
-    bool combinedScaleFactor = false;///< per measurement, from the coordinate system
+    double scaleFactor = 1.0;         ///< "%.8f"
+    bool combinedScaleFactor = false; ///< per measurement, from the coordinate system
     /// The job's grid system, for the combined factor (not owned).
     const geodesy::Projection *projection = nullptr;
     /// Geoid separations for the combined factor (not owned); model 0: none.
     geodesy::GeoidModels *geoid = nullptr;
     int geoidModel = 0;
-    bool curvature = false;          ///< earth curvature and refraction
+    bool curvature = false; ///< earth curvature and refraction
     bool stadia = false;
-    bool elevations = true;          ///< 3D; "--Elevation: 2D" notes switch it off
-    bool pointNotes = false;         ///< do_notes: "LINE:%ld,FILE:%s" on every stored point
-    bool reportSideshots = false;    ///< report_ss
-    bool reportUnadjusted = false;   ///< report_org
-    bool reportAdjustments = true;   ///< report_adj
-    bool verticalAdjust = false;     ///< vert: spread the vertical closure error
-    bool angleBalance = false;       ///< do_angbal: balance angles before a linear rule
+    bool elevations = true;        ///< 3D; "--Elevation: 2D" notes switch it off
+    bool pointNotes = false;       ///< do_notes: "LINE:%ld,FILE:%s" on every stored point
+    bool reportSideshots = false;  ///< report_ss
+    bool reportUnadjusted = false; ///< report_org
+    bool reportAdjustments = true; ///< report_adj
+    bool verticalAdjust = false;   ///< vert: spread the vertical closure error
+    bool angleBalance = false;     ///< do_angbal: balance angles before a linear rule
     /// Height limits of the validation. Defaults: instrument 0 to 10, rod 0
     /// to 50 (feet or metres alike: a taller rod or instrument is a typo).
     raw::HeightLimits heights{true, 0.0, 10.0, 0.0, 50.0};
@@ -48,9 +48,9 @@ struct ProcessOptions {
 
     std::string startPoint, endPoint; ///< traverse ends; empty: asked for
     bool automaticTraversePoints = true;
-    KnownPoint closingPoint;          ///< empty name: the ending point as stored
+    KnownPoint closingPoint; ///< empty name: the ending point as stored
     std::string closingShotOccupied, closingShotForesight; ///< empty: chosen or asked
-    std::optional<double> referenceAzimuth; ///< angle balance reference, ddd.mmss
+    std::optional<double> referenceAzimuth;                ///< angle balance reference, ddd.mmss
 
     std::filesystem::path workingFolder; ///< the temporary files go here
 };

@@ -19,8 +19,8 @@
 #include "base/point_names.h"
 #include "base/translation.h"
 #include "base/unset.h"
-#include "raw/angle_math.h"
 #include "geodesy/geoid_model.h"
+#include "raw/angle_math.h"
 #include "raw/validate.h"
 #include "reduce/direct_reverse.h"
 #include "reduce/point_computation.h"
@@ -38,22 +38,32 @@ namespace tramline::reduce {
 
 const char *resultTitle(AdjustMethod method) {
     switch (method) {
-    case AdjustMethod::AngleBalance: return tr("Process Angle Balance Results");
-    case AdjustMethod::Transit: return tr("Process Transit Results");
-    case AdjustMethod::Compass: return tr("Process Compass Results");
-    case AdjustMethod::Crandall: return tr("Process Crandall Results");
-    case AdjustMethod::None: break;
+    case AdjustMethod::AngleBalance:
+        return tr("Process Angle Balance Results");
+    case AdjustMethod::Transit:
+        return tr("Process Transit Results");
+    case AdjustMethod::Compass:
+        return tr("Process Compass Results");
+    case AdjustMethod::Crandall:
+        return tr("Process Crandall Results");
+    case AdjustMethod::None:
+        break;
     }
     return tr("Process No Adjust Results");
 }
 
 const char *methodTab(AdjustMethod method) {
     switch (method) {
-    case AdjustMethod::AngleBalance: return tr("Angle Balance");
-    case AdjustMethod::Transit: return tr("Transit");
-    case AdjustMethod::Compass: return tr("Compass");
-    case AdjustMethod::Crandall: return tr("Crandall");
-    case AdjustMethod::None: break;
+    case AdjustMethod::AngleBalance:
+        return tr("Angle Balance");
+    case AdjustMethod::Transit:
+        return tr("Transit");
+    case AdjustMethod::Compass:
+        return tr("Compass");
+    case AdjustMethod::Crandall:
+        return tr("Crandall");
+    case AdjustMethod::None:
+        break;
     }
     return tr("No Adjust");
 }
@@ -75,7 +85,8 @@ std::string storePointNote(const RawNode &node) {
     parseNumber(field(1), n);
     parseNumber(field(2), e);
     parseNumber(field(3), z);
-    std::string text = format("SP%s,N %.4f,E %.4f,EL%.4f,--%s", field(0).c_str(), n, e, z, field(4).c_str());
+    std::string text =
+        format("SP%s,N %.4f,E %.4f,EL%.4f,--%s", field(0).c_str(), n, e, z, field(4).c_str());
     if (text.size() > 256)
         text.resize(256);
     return text;
@@ -88,12 +99,14 @@ void turnIntoNote(RawNode &node) {
     node.text = text;
 }
 
-bool isShot(const RawNode &n) { return n.type == RecordType::Observation; }
+bool isShot(const RawNode &n) {
+    return n.type == RecordType::Observation;
+}
 
 class Run {
 public:
-    Run(raw::RawFile &file, const std::string &rawName, crd::CoordinateFile &crd, const ProcessOptions &options,
-        Interaction &ui)
+    Run(raw::RawFile &file, const std::string &rawName, crd::CoordinateFile &crd,
+        const ProcessOptions &options, Interaction &ui)
         : m_file(file), m_rawName(rawName), m_crd(crd), m_opt(options), m_ui(ui) {
         m_result.report.setTitle(resultTitle(options.method));
     }
@@ -128,7 +141,8 @@ private:
         if (!m_sideshots.empty() && m_opt.reportSideshots)
             tail += std::string("\n") + tr("Sideshots") + "\n\n" + m_sideshots;
         if (!m_multipleBacksights.empty())
-            tail += std::string("\n") + tr("Multiple Backsight Orientation") + "\n" + m_multipleBacksights;
+            tail += std::string("\n") + tr("Multiple Backsight Orientation") + "\n" +
+                    m_multipleBacksights;
         if (!m_depths.empty())
             tail += std::string("\n") + tr("Depth Adjustments") + m_depths + "\n";
         if (!m_warnings.empty()) {
@@ -211,33 +225,39 @@ private:
                 const auto it = measured.find(n.observation.foresight);
                 if (it != measured.end() && it->second == 0)
                     it->second = static_cast<long>(n.lineNumber);
-            } else if (n.type == RecordType::StorePoint && !n.fields.empty() && measured[n.fields[0]] != 0) {
+            } else if (n.type == RecordType::StorePoint && !n.fields.empty() &&
+                       measured[n.fields[0]] != 0) {
                 conflicts.push_back(i);
                 appendFormat(list, "\n%-9.9s %-14.14s %s", n.fields[0].c_str(),
-                             std::to_string(measured[n.fields[0]]).c_str(), std::to_string(n.lineNumber).c_str());
+                             std::to_string(measured[n.fields[0]]).c_str(),
+                             std::to_string(n.lineNumber).c_str());
             }
         }
         if (conflicts.empty())
             return true;
-        std::string text = std::string(tr("Warning: Store Point records found after Measurement")) + "\n" +
-                           tr("records with same point numbers as Measurement foresights.") + "\n" +
-                           tr("The final CRD file coordinates will be from the last point") + "\n" +
-                           tr("number record in the raw file.") + "\n\n" + tr("Point ID  Measure Line#  Store Line#") + list;
+        std::string text = std::string(tr("Warning: Store Point records found after Measurement")) +
+                           "\n" + tr("records with same point numbers as Measurement foresights.") +
+                           "\n" + tr("The final CRD file coordinates will be from the last point") +
+                           "\n" + tr("number record in the raw file.") + "\n\n" +
+                           tr("Point ID  Measure Line#  Store Line#") + list;
         switch (ask("Store Point Check", text, {kChangeNotes, kContinue, kReport, kReturn})) {
         case 0:
             for (size_t i : conflicts)
                 turnIntoNote(m_file.nodes[i]);
             m_result.rawChanged = true;
             return true;
-        case 1: return true;
+        case 1:
+            return true;
         case 2: {
             std::string report = format("\n%s: %s\n", tr("Raw File"), m_rawName.c_str());
-            appendFormat(report, "\n%-9.9s %-14.14s %s", tr("Point ID"), tr("Measure Line#"), tr("Store Line#"));
+            appendFormat(report, "\n%-9.9s %-14.14s %s", tr("Point ID"), tr("Measure Line#"),
+                         tr("Store Line#"));
             report += list + "\n";
             m_result.report.append(tr("Store Point Check"), report);
             return backToEditor();
         }
-        default: return backToEditor();
+        default:
+            return backToEditor();
         }
     }
 
@@ -262,26 +282,30 @@ private:
             if (same(1) && same(2) && same(3))
                 continue;
             secondary.push_back(i);
-            appendFormat(list, "\n%-9.9s %ld,%ld", n.fields[0].c_str(), static_cast<long>(a.lineNumber),
-                         static_cast<long>(n.lineNumber));
+            appendFormat(list, "\n%-9.9s %ld,%ld", n.fields[0].c_str(),
+                         static_cast<long>(a.lineNumber), static_cast<long>(n.lineNumber));
         }
         if (secondary.empty())
             return true;
-        const std::string text = std::string(tr("Warning: Multiple Store Point records to same point number")) + "\n" +
-                                 tr("with different coordinates.") + "\n\n" + tr("Point ID  Store Line #'s") + list;
-        switch (ask("Store Point Conflicts", text, {kChangeSecondary, kContinue, kReport, kReturn})) {
+        const std::string text =
+            std::string(tr("Warning: Multiple Store Point records to same point number")) + "\n" +
+            tr("with different coordinates.") + "\n\n" + tr("Point ID  Store Line #'s") + list;
+        switch (
+            ask("Store Point Conflicts", text, {kChangeSecondary, kContinue, kReport, kReturn})) {
         case 0:
             for (size_t i : secondary)
                 turnIntoNote(m_file.nodes[i]);
             m_result.rawChanged = true;
             return true;
-        case 1: return true;
+        case 1:
+            return true;
         case 2:
             m_result.report.append(tr("Store Point Conflicts"),
-                                   format("\n%s: %s\n", tr("Raw File"), m_rawName.c_str()) + tr("Point ID  Store Line #'s") +
-                                       list + "\n");
+                                   format("\n%s: %s\n", tr("Raw File"), m_rawName.c_str()) +
+                                       tr("Point ID  Store Line #'s") + list + "\n");
             return backToEditor();
-        default: return backToEditor();
+        default:
+            return backToEditor();
         }
     }
 
@@ -318,13 +342,15 @@ private:
             if (!kind || !seen.insert(name).second || !stored(name))
                 continue;
             ++count;
-            appendFormat(list, "%s: %s %s: %ld\n", kind, name.c_str(), tr("Line"), static_cast<long>(n.lineNumber));
+            appendFormat(list, "%s: %s %s: %ld\n", kind, name.c_str(), tr("Line"),
+                         static_cast<long>(n.lineNumber));
         }
         if (count == 0)
             return true;
         const std::string text = std::string(tr("Duplicate Point Numbers")) + "\n\n" + list;
         switch (ask("Point Protect", text, {kContinue, kReport, kReturn})) {
-        case 0: return true;
+        case 0:
+            return true;
         case 1: {
             std::string report = std::string(tr("Duplicate points in RW5 and CRD File")) + "\n";
             appendFormat(report, "\n%s: %s", tr("Raw File"), m_rawName.c_str());
@@ -334,7 +360,8 @@ private:
             m_result.report.append(tr("Point Protect"), report);
             return backToEditor();
         }
-        default: return backToEditor();
+        default:
+            return backToEditor();
         }
     }
 
@@ -350,7 +377,8 @@ private:
         for (const auto &n : m_file.nodes) {
             if (n.type == RecordType::Text && n.text.rfind("OC,", 0) == 0 && firstSetup.empty())
                 firstSetup = raw::occupiedPointOf(n.text);
-            if (isShot(n) && (n.observation.type == "TR" || n.observation.type == "CL" || n.observation.type == "CL+AB"))
+            if (isShot(n) && (n.observation.type == "TR" || n.observation.type == "CL" ||
+                              n.observation.type == "CL+AB"))
                 lastForesight = n.observation.foresight;
         }
         std::vector<FormField> fields = {
@@ -373,18 +401,21 @@ private:
     void header() {
         std::string h;
         appendFormat(h, "%s: %s\n", tr("Raw File"), m_rawName.c_str());
-        appendFormat(h, "%s: %s\n", tr("Coordinate File"), m_crd.isOpen() ? m_crd.path().string().c_str() : "NONE");
+        appendFormat(h, "%s: %s\n", tr("Coordinate File"),
+                     m_crd.isOpen() ? m_crd.path().string().c_str() : "NONE");
         appendFormat(h, "%s: %s\n", tr("Control File"), "NONE");
         if (m_opt.stadia)
             appendFormat(h, "\n%s\n", tr("Stadia Reduction Method"));
         if (m_opt.combinedScaleFactor) {
             h += tr("Calculate Combined Scale Factor for Each Measurement: ON");
-            const std::string geoid = m_opt.geoidModel != 0 ? geodesy::geoidModelName(m_opt.geoidModel) : tr("None");
+            const std::string geoid =
+                m_opt.geoidModel != 0 ? geodesy::geoidModelName(m_opt.geoidModel) : tr("None");
             appendFormat(h, "\n%s: %s\n", tr("Geoid"), geoid.c_str());
         } else {
             appendFormat(h, "%s: %.8f\n", tr("Scale Factor"), m_opt.scaleFactor);
         }
-        h += m_opt.curvature ? tr("Correct for Earth Curvature: ON") : tr("Correct for Earth Curvature: OFF");
+        h += m_opt.curvature ? tr("Correct for Earth Curvature: ON")
+                             : tr("Correct for Earth Curvature: OFF");
         h += "\n";
         // The collector's own adjustments, when the raw data carries them.
         for (const auto &n : m_file.nodes) {
@@ -393,29 +424,32 @@ private:
             const std::string_view note = std::string_view(n.text).substr(2);
             if (!m_sdrH && note.rfind("HZADJ:", 0) == 0) {
                 if (auto adj = parseHorizontalAdjustment(note);
-                    adj && ask("SDR Horiz Adjustment", tr("Use SDR Horiz Adjustment?"), {"Yes", "No"}) == 0)
+                    adj && ask("SDR Horiz Adjustment", tr("Use SDR Horiz Adjustment?"),
+                               {"Yes", "No"}) == 0)
                     m_sdrH = adj;
             } else if (!m_sdrV && note.rfind("VERTADJ:", 0) == 0) {
                 if (auto adj = parseVerticalAdjustment(note);
-                    adj && ask("SDR Vertical Adjustment", tr("Use SDR Vertical Adjustment?"), {"Yes", "No"}) == 0)
+                    adj && ask("SDR Vertical Adjustment", tr("Use SDR Vertical Adjustment?"),
+                               {"Yes", "No"}) == 0)
                     m_sdrV = adj;
             }
         }
         if (m_sdrH) {
             appendFormat(h, "\n%s\n", tr("SDR Horiz Adjustment"));
-            appendFormat(h, "%s: %.5f\n%s: %.5f\n", tr("Origin Northing"), m_sdrH->originNorth, tr("Origin Easting"),
-                         m_sdrH->originEast);
-            appendFormat(h, "%s: %.5f\n%s: %.5f\n", tr("Delta Northing"), m_sdrH->deltaNorth, tr("Delta Easting"),
-                         m_sdrH->deltaEast);
-            appendFormat(h, "%s: %.6f\n%s: %.12f\n", tr("Rotation"), m_sdrH->rotation, tr("Scale"), m_sdrH->scale);
+            appendFormat(h, "%s: %.5f\n%s: %.5f\n", tr("Origin Northing"), m_sdrH->originNorth,
+                         tr("Origin Easting"), m_sdrH->originEast);
+            appendFormat(h, "%s: %.5f\n%s: %.5f\n", tr("Delta Northing"), m_sdrH->deltaNorth,
+                         tr("Delta Easting"), m_sdrH->deltaEast);
+            appendFormat(h, "%s: %.6f\n%s: %.12f\n", tr("Rotation"), m_sdrH->rotation, tr("Scale"),
+                         m_sdrH->scale);
         }
         if (m_sdrV) {
             appendFormat(h, "\n%s\n", tr("SDR Vertical Adjustment"));
-            appendFormat(h, "%s: %.5f\n%s: %.5f\n", tr("Origin Northing"), m_sdrV->originNorth, tr("Origin Easting"),
-                         m_sdrV->originEast);
+            appendFormat(h, "%s: %.5f\n%s: %.5f\n", tr("Origin Northing"), m_sdrV->originNorth,
+                         tr("Origin Easting"), m_sdrV->originEast);
             appendFormat(h, "%s: %.5f\n", tr("Height Constant"), m_sdrV->heightConstant);
-            appendFormat(h, "%s: %.8f\n%s: %.8f\n", tr("Slope North"), m_sdrV->slopeNorth, tr("Slope East"),
-                         m_sdrV->slopeEast);
+            appendFormat(h, "%s: %.8f\n%s: %.8f\n", tr("Slope North"), m_sdrV->slopeNorth,
+                         tr("Slope East"), m_sdrV->slopeEast);
         }
         m_result.report.append(tr("Report Header"), h);
     }
@@ -439,14 +473,16 @@ private:
         std::vector<const RawNode *> candidates;
         for (const auto &n : m_work->nodes)
             if (isShot(n) && n.observation.foresight == m_end &&
-                (n.observation.type == "TR" || n.observation.type == "CL" || n.observation.type == "CL+AB"))
+                (n.observation.type == "TR" || n.observation.type == "CL" ||
+                 n.observation.type == "CL+AB"))
                 candidates.push_back(&n);
         if (candidates.empty())
             return fail(tr("Error: no closing shot found"));
         if (!m_opt.closingShotOccupied.empty()) {
             for (const auto *c : candidates)
                 if (c->observation.occupied == m_opt.closingShotOccupied &&
-                    (m_opt.closingShotForesight.empty() || c->observation.foresight == m_opt.closingShotForesight))
+                    (m_opt.closingShotForesight.empty() ||
+                     c->observation.foresight == m_opt.closingShotForesight))
                     m_closingLine = static_cast<long>(c->lineNumber);
             if (m_closingLine == 0)
                 return fail(tr("Error: no closing shot found"));
@@ -456,10 +492,12 @@ private:
             m_closingLine = static_cast<long>(candidates[0]->lineNumber);
             return true;
         }
-        std::string text = std::string(tr("Select the Closing Shot")) + "\n" + tr("Occupy Pt  Foresight Pt");
+        std::string text =
+            std::string(tr("Select the Closing Shot")) + "\n" + tr("Occupy Pt  Foresight Pt");
         std::vector<std::string> buttons;
         for (const auto *c : candidates)
-            buttons.push_back(format("%-10s %s", c->observation.occupied.c_str(), c->observation.foresight.c_str()));
+            buttons.push_back(format("%-10s %s", c->observation.occupied.c_str(),
+                                     c->observation.foresight.c_str()));
         buttons.push_back(tr("&Cancel"));
         const int choice = m_ui.choose(tr("Closing Shot Measurement"), text, buttons);
         if (choice < 0 || choice >= static_cast<int>(candidates.size()))
@@ -480,7 +518,9 @@ private:
         return in;
     }
 
-    std::string closingName() const { return m_opt.closingPoint.name.empty() ? m_end : m_opt.closingPoint.name; }
+    std::string closingName() const {
+        return m_opt.closingPoint.name.empty() ? m_end : m_opt.closingPoint.name;
+    }
 
     // The traverse: the sides from the first one leaving the start up to
     // the closing shot.
@@ -528,7 +568,8 @@ private:
         std::string t;
         appendFormat(t, "\n\n%s", title);
         appendFormat(t, "\n%s: %s\n%s: %s\n%s: %s\n", tr("Starting Point"), m_start.c_str(),
-                     tr("Closing Reference Point"), closingName().c_str(), tr("Ending Point"), endName.c_str());
+                     tr("Closing Reference Point"), closingName().c_str(), tr("Ending Point"),
+                     endName.c_str());
         appendFormat(t, "%s: %s\n", tr("Azimuth Of Error"), formatDms(c.azimuth, 4).c_str());
         appendFormat(t, "%-16.16s: %.5f\n", tr("North Error"), c.north);
         appendFormat(t, "%-16.16s: %.5f\n", tr("East Error"), c.east);
@@ -539,8 +580,10 @@ private:
         appendFormat(t, "%-16.16s: %d\n", tr("Sideshot Traverses"), m_counts.sideshotTraverses);
         appendFormat(t, "%-16.16s: %d\n", tr("SideShots"), m_counts.sideshotCount);
         appendFormat(t, "%-16.16s: %d\n", tr("Store Points"), m_counts.storePoints);
-        appendFormat(t, "%s: %s\n", tr("Horiz Dist Traversed"), format("%.4f", c.horizontalTraversed).c_str());
-        appendFormat(t, "%s: %s\n", tr("Slope Dist Traversed"), format("%.4f", c.slopeTraversed).c_str());
+        appendFormat(t, "%s: %s\n", tr("Horiz Dist Traversed"),
+                     format("%.4f", c.horizontalTraversed).c_str());
+        appendFormat(t, "%s: %s\n", tr("Slope Dist Traversed"),
+                     format("%.4f", c.slopeTraversed).c_str());
         t += precisionLine(c) + "\n";
         return t;
     }
@@ -564,7 +607,8 @@ private:
     }
 
     // Closure of a pass: the computed end is the start plus the sides.
-    bool closure(const PassResult &pass, Closure &c, TraversePoint &start, std::vector<TraverseSide> &sides) {
+    bool closure(const PassResult &pass, Closure &c, TraversePoint &start,
+                 std::vector<TraverseSide> &sides) {
         const auto s = startOf(pass);
         if (!s)
             return fail(format(tr("Error: unable to find starting point %s."), m_start.c_str()));
@@ -574,7 +618,8 @@ private:
             return fail(format(tr("Error: unable to find ending point %s."), m_end.c_str()));
         const auto known = knownClosing(pass);
         if (!known)
-            return fail(format(tr("No coordinate stored for Closure Point %s"), closingName().c_str()));
+            return fail(
+                format(tr("No coordinate stored for Closure Point %s"), closingName().c_str()));
         TraversePoint end = start;
         for (const auto &side : sides) {
             end.north += side.dNorth;
@@ -588,8 +633,8 @@ private:
         return true;
     }
 
-    bool angleBalance(const PassResult &pass, const Closure &before, const std::vector<TraverseSide> &sides,
-                      double &correction) {
+    bool angleBalance(const PassResult &pass, const Closure &before,
+                      const std::vector<TraverseSide> &sides, double &correction) {
         if (pass.balanceShots.empty())
             return fail(tr("Error: no angle balance shot found"));
         const BalanceShot &shot = pass.balanceShots.back();
@@ -604,19 +649,24 @@ private:
             if (const auto *c = pass.find(shot.foresight); !to && c && c->control)
                 to = c->point;
             if (from && to) {
-                reference = normalizeDegrees(degrees(std::atan2(to->east - from->east, to->north - from->north)));
+                reference = normalizeDegrees(
+                    degrees(std::atan2(to->east - from->east, to->north - from->north)));
             } else {
                 std::vector<FormField> fields = {
                     {tr("From Pt#"), shot.occupied, {}},
                     {tr("To Pt#"), shot.foresight, {}},
                     {tr("Reference Closing Angle (dd.mmss)"), "", {}},
-                    {tr("Angle Format"), tr("Azimuth"),
-                     {tr("Azimuth"), tr("NE Bearing"), tr("SE Bearing"), tr("SW Bearing"), tr("NW Bearing")}}};
-                m_ui.message(format("%s: %s %s %s", tr("Measured Closing Points"), shot.occupied.c_str(), "-",
-                                    shot.foresight.c_str()) +
-                             "\n" + tr("Measured Closing Azimuth") + ": " + formatDms(shot.measuredAzimuth, 4));
+                    {tr("Angle Format"),
+                     tr("Azimuth"),
+                     {tr("Azimuth"), tr("NE Bearing"), tr("SE Bearing"), tr("SW Bearing"),
+                      tr("NW Bearing")}}};
+                m_ui.message(format("%s: %s %s %s", tr("Measured Closing Points"),
+                                    shot.occupied.c_str(), "-", shot.foresight.c_str()) +
+                             "\n" + tr("Measured Closing Azimuth") + ": " +
+                             formatDms(shot.measuredAzimuth, 4));
                 double value;
-                if (!m_ui.fillForm(tr("Reference Closing Angle"), fields) || !parseNumber(fields[2].value, value))
+                if (!m_ui.fillForm(tr("Reference Closing Angle"), fields) ||
+                    !parseNumber(fields[2].value, value))
                     return backToEditor(tr("Function cancelled at user request"));
                 const auto kind = fields[3].value == tr("NE Bearing")   ? raw::HorizontalKind::NE
                                   : fields[3].value == tr("SE Bearing") ? raw::HorizontalKind::SE
@@ -630,9 +680,13 @@ private:
         const int n = static_cast<int>(sides.size());
         correction = n > 0 ? error / n : 0.0;
         std::string t;
-        appendFormat(t, "\n%s: %s  %s: %s\n", tr("Reference Closing Azimuth"), formatDms(reference, 4).c_str(),
-                     tr("Measured Closing Azimuth"), formatDms(shot.measuredAzimuth, 4).c_str());
-        appendFormat(t, "%s\n", format(tr("Angular Error: %s for %d traverse sides"), signedDms(error).c_str(), n).c_str());
+        appendFormat(t, "\n%s: %s  %s: %s\n", tr("Reference Closing Azimuth"),
+                     formatDms(reference, 4).c_str(), tr("Measured Closing Azimuth"),
+                     formatDms(shot.measuredAzimuth, 4).c_str());
+        appendFormat(
+            t, "%s\n",
+            format(tr("Angular Error: %s for %d traverse sides"), signedDms(error).c_str(), n)
+                .c_str());
         appendFormat(t, "%s: %s\n", tr("Adjusting Each Angle"), signedDms(correction).c_str());
         t += correctedAngles(sides, correction);
         t += findBadAngle(before, sides, error);
@@ -647,14 +701,16 @@ private:
         for (const auto &node : m_work->nodes) {
             if (node.type != RecordType::Observation || !node.observation.hasHorizontal)
                 continue;
-            const bool inTraverse = std::any_of(sides.begin(), sides.end(), [&](const TraverseSide &s) {
-                return s.line == static_cast<long>(node.lineNumber);
-            });
+            const bool inTraverse =
+                std::any_of(sides.begin(), sides.end(), [&](const TraverseSide &s) {
+                    return s.line == static_cast<long>(node.lineNumber);
+                });
             if (!inTraverse)
                 continue;
             const raw::Observation &o = node.observation;
             const double value = raw::angleToDegrees(o.horizontal, unit);
-            const bool turnedLeft = o.horizontalKind == raw::HorizontalKind::AL || o.horizontalKind == raw::HorizontalKind::DL;
+            const bool turnedLeft = o.horizontalKind == raw::HorizontalKind::AL ||
+                                    o.horizontalKind == raw::HorizontalKind::DL;
             const double corrected = value + (turnedLeft ? -correction : correction);
             std::string text;
             switch (o.horizontalKind) {
@@ -662,20 +718,28 @@ private:
             case raw::HorizontalKind::SE:
             case raw::HorizontalKind::SW:
             case raw::HorizontalKind::NW: {
-                const double az = normalizeDegrees(shotAzimuth(o.horizontalKind, value, 0.0) + correction);
+                const double az =
+                    normalizeDegrees(shotAzimuth(o.horizontalKind, value, 0.0) + correction);
                 const char *ns = az <= 90.0 || az >= 270.0 ? "N" : "S";
                 const char *ew = az <= 180.0 ? "E" : "W";
-                const double b = az <= 90.0 ? az : az <= 180.0 ? 180.0 - az : az <= 270.0 ? az - 180.0 : 360.0 - az;
+                const double b = az <= 90.0    ? az
+                                 : az <= 180.0 ? 180.0 - az
+                                 : az <= 270.0 ? az - 180.0
+                                               : 360.0 - az;
                 text = std::string(ns) + formatDms(b, 4) + ew;
                 break;
             }
             default: {
-                const char *code = o.horizontalKind == raw::HorizontalKind::None ? "AR" : raw::horizontalKindName(o.horizontalKind);
-                text = code + (unit == AngleUnit::Gons ? format("%.4f", degreesToGons(normalizeDegrees(corrected)))
-                                                       : formatDms(normalizeDegrees(corrected), 4));
+                const char *code = o.horizontalKind == raw::HorizontalKind::None
+                                       ? "AR"
+                                       : raw::horizontalKindName(o.horizontalKind);
+                text = code + (unit == AngleUnit::Gons
+                                   ? format("%.4f", degreesToGons(normalizeDegrees(corrected)))
+                                   : formatDms(normalizeDegrees(corrected), 4));
             }
             }
-            appendFormat(t, "%-9.9s %-9.9s %s\n", o.occupied.c_str(), o.foresight.c_str(), text.c_str());
+            appendFormat(t, "%-9.9s %-9.9s %s\n", o.occupied.c_str(), o.foresight.c_str(),
+                         text.c_str());
         }
         return t;
     }
@@ -684,7 +748,8 @@ private:
         return (degreesValue < 0 ? "-" : "") + formatDms(std::fabs(degreesValue), 4);
     }
 
-    std::string findBadAngle(const Closure &c, const std::vector<TraverseSide> &sides, double error) {
+    std::string findBadAngle(const Closure &c, const std::vector<TraverseSide> &sides,
+                             double error) {
         std::string t = std::string("\n") + tr("Find Bad Angle") + "\n";
         if (sides.size() < 2 || c.horizontal == 0.0) {
             return t + tr("Bad angle not found") + "\n";
@@ -714,7 +779,8 @@ private:
         size_t best = 0;
         double bestDistance = 1e300;
         for (size_t i = 1; i < sides.size(); ++i) {
-            const double d = std::hypot(forward[i].first - backward[i].first, forward[i].second - backward[i].second);
+            const double d = std::hypot(forward[i].first - backward[i].first,
+                                        forward[i].second - backward[i].second);
             if (d < bestDistance) {
                 bestDistance = d;
                 best = i;
@@ -723,8 +789,8 @@ private:
         if (bestDistance > c.horizontal / 10.0)
             return t + tr("Bad angle not found") + "\n";
         return t + tr("Bad Angle at Setup") + "\n" +
-               format("%s %s, %s %s", tr("Occupy Point"), sides[best].from.c_str(), tr("Backsight Point"),
-                      sides[best - 1].from.c_str()) +
+               format("%s %s, %s %s", tr("Occupy Point"), sides[best].from.c_str(),
+                      tr("Backsight Point"), sides[best - 1].from.c_str()) +
                "\n";
     }
 
@@ -732,8 +798,10 @@ private:
         PassResult pass;
         if (!runPass(passInput(), pass))
             return false;
-        m_counts = {pass.traverseLines, pass.sideshotTraverses, pass.sideshotCount, pass.storePoints};
-        m_result.report.append(tr("Unadjusted Data"), temporary("rawedit.tmp", pass.listing) + summary(pass));
+        m_counts = {pass.traverseLines, pass.sideshotTraverses, pass.sideshotCount,
+                    pass.storePoints};
+        m_result.report.append(tr("Unadjusted Data"),
+                               temporary("rawedit.tmp", pass.listing) + summary(pass));
         m_sideshots = temporary("sideshot.tmp", pass.sideshots);
         m_multipleBacksights = temporary("multback.tmp", pass.multipleBacksights);
         m_depths = temporary("depth.tmp", pass.depths);
@@ -749,10 +817,12 @@ private:
                     m_start = pass.sides.front().from;
                 const auto known = knownClosing(pass);
                 if (!known || !pass.closingEnd) {
-                    m_warnings.push_back(format(tr("No coordinate stored for Closure Point %s"), m_end.c_str()));
+                    m_warnings.push_back(
+                        format(tr("No coordinate stored for Closure Point %s"), m_end.c_str()));
                 } else {
                     const Closure c = computeClosure(*pass.closingEnd, *known, pass.sides);
-                    m_result.report.append(tr("Closure Results"), closureText(tr("Closure Results"), c, m_end));
+                    m_result.report.append(tr("Closure Results"),
+                                           closureText(tr("Closure Results"), c, m_end));
                 }
             }
             m_final = std::move(pass);
@@ -765,8 +835,10 @@ private:
         if (!closure(pass, c, start, sides))
             return false;
         const bool balance = balancing();
-        m_result.report.append(balance ? tr("Closure Results (Before Angle Balance)") : tr("Closure Results"),
-                               closureText(balance ? tr("Closure Results (Before Angle Balance)") : tr("Closure Results"),
+        m_result.report.append(balance ? tr("Closure Results (Before Angle Balance)")
+                                       : tr("Closure Results"),
+                               closureText(balance ? tr("Closure Results (Before Angle Balance)")
+                                                   : tr("Closure Results"),
                                            c, m_end));
         if (balance) {
             double correction = 0.0;
@@ -780,12 +852,13 @@ private:
                 return false;
             std::string after = closureText(tr("Closure Results (After Angle Balance)"), c, m_end);
             appendFormat(after, "\n%-16.16s\n", tr("Starting Coordinates"));
-            appendFormat(after, "%-16.16s: %.5f\n%-16.16s: %.5f\n", tr("North"), start.north, tr("East"), start.east);
+            appendFormat(after, "%-16.16s: %.5f\n%-16.16s: %.5f\n", tr("North"), start.north,
+                         tr("East"), start.east);
             appendFormat(after, "%-16.16s\n", tr("Ending   Coordinates"));
-            appendFormat(after, "%-16.16s: %.5f\n%-16.16s: %.5f\n", tr("North"), m_computedEnd.north, tr("East"),
-                         m_computedEnd.east);
-            appendFormat(after, "%s: %.4f\n%s: %.4f\n", tr("Total Hz Dist Traversed"), c.horizontalTraversed,
-                         tr("Total Sl Dist Traversed"), c.slopeTraversed);
+            appendFormat(after, "%-16.16s: %.5f\n%-16.16s: %.5f\n", tr("North"),
+                         m_computedEnd.north, tr("East"), m_computedEnd.east);
+            appendFormat(after, "%s: %.4f\n%s: %.4f\n", tr("Total Hz Dist Traversed"),
+                         c.horizontalTraversed, tr("Total Sl Dist Traversed"), c.slopeTraversed);
             m_result.report.append(tr("Closure Results (After Angle Balance)"), after);
             if (m_opt.method == AdjustMethod::AngleBalance) {
                 m_sideshots = temporary("sideshot.tmp", pass.sideshots);
@@ -794,9 +867,9 @@ private:
             }
         }
 
-        const LinearRule rule = m_opt.method == AdjustMethod::Transit  ? LinearRule::Transit
+        const LinearRule rule = m_opt.method == AdjustMethod::Transit    ? LinearRule::Transit
                                 : m_opt.method == AdjustMethod::Crandall ? LinearRule::Crandall
-                                                                          : LinearRule::Compass;
+                                                                         : LinearRule::Compass;
         const LinearAdjustment adj = adjustTraverse(start, sides, c, rule, m_opt.verticalAdjust);
         if (!adj.ok)
             return fail(adj.error);
@@ -805,8 +878,9 @@ private:
                                    : rule == LinearRule::Crandall ? tr("Crandall Closure")
                                                                   : tr("Compass Closure");
         appendFormat(t, "%s\n\n", closureTitle);
-        appendFormat(t, "%-9.9s %-11.11s %-11.11s %-11.11s %-11.11s %-6.6s %s\n", tr("Point"), tr("North"), tr("East"),
-                     tr("Elevation"), tr("Side"), tr("Shift"), tr("Description"));
+        appendFormat(t, "%-9.9s %-11.11s %-11.11s %-11.11s %-11.11s %-6.6s %s\n", tr("Point"),
+                     tr("North"), tr("East"), tr("Elevation"), tr("Side"), tr("Shift"),
+                     tr("Description"));
         PassInput in = passInput();
         if (balance) {
             // Keep the balanced directions for the final pass.
@@ -824,7 +898,8 @@ private:
             m_warnings.push_back(adj.warning);
         }
         if (m_opt.verticalAdjust)
-            appendFormat(t, "\n%s\n%s: %.5f\n", tr("Elevation Adjust"), tr("Vertical Error"), c.vertical);
+            appendFormat(t, "\n%s\n%s: %.5f\n", tr("Elevation Adjust"), tr("Vertical Error"),
+                         c.vertical);
         m_result.report.append(methodTab(m_opt.method), t);
         if (m_opt.reportUnadjusted)
             m_result.report.append(tr("Unadjusted Points"), pointList(pass));
@@ -849,7 +924,8 @@ private:
         std::string out;
         for (const auto *p : points)
             appendFormat(out, "%-9.9s %12.4f %12.4f %s %s\n", p->name.c_str(), p->north, p->east,
-                         p->hasElevation ? format("%10.4f", p->elevation).c_str() : "          ", p->description.c_str());
+                         p->hasElevation ? format("%10.4f", p->elevation).c_str() : "          ",
+                         p->description.c_str());
         return out;
     }
 
@@ -875,7 +951,8 @@ private:
         m_result.pointsStored = storedCount;
         for (size_t i = 0; i < errors.size() && i < points.size(); ++i)
             if (errors[i] != 0)
-                m_warnings.push_back(format(tr("\nFailed to store point %s\non line %ld."), points[i].name.c_str(), lines[i]));
+                m_warnings.push_back(format(tr("\nFailed to store point %s\non line %ld."),
+                                            points[i].name.c_str(), lines[i]));
         for (const auto &note : m_final.notes) {
             const size_t tab = note.find('\t');
             m_crd.addNote(note.substr(0, tab), note.substr(tab + 1));
@@ -905,8 +982,9 @@ private:
 
 } // namespace
 
-ProcessResult processRaw(raw::RawFile &file, const std::string &rawFileName, crd::CoordinateFile &coordinates,
-                         const ProcessOptions &options, Interaction &ui) {
+ProcessResult processRaw(raw::RawFile &file, const std::string &rawFileName,
+                         crd::CoordinateFile &coordinates, const ProcessOptions &options,
+                         Interaction &ui) {
     Run run(file, rawFileName, coordinates, options, ui);
     return run.run();
 }

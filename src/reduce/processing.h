@@ -30,7 +30,8 @@ struct ProcessResult {
 
 /// Runs the processing of `file` (which the store point checks may change)
 /// into `coordinates`, asking `ui` what the run cannot decide itself.
-ProcessResult processRaw(raw::RawFile &file, const std::string &rawFileName, crd::CoordinateFile &coordinates,
-                         const ProcessOptions &options, Interaction &ui);
+ProcessResult processRaw(raw::RawFile &file, const std::string &rawFileName,
+                         crd::CoordinateFile &coordinates, const ProcessOptions &options,
+                         Interaction &ui);
 
 } // namespace tramline::reduce

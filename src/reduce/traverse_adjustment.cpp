@@ -38,7 +38,8 @@ LinearAdjustment adjustTraverse(const TraversePoint &start, const std::vector<Tr
                                 const Closure &closure, LinearRule rule, bool vertical) {
     LinearAdjustment result;
     if (sides.size() < 2) {
-        result.error = format(tr("Error: only %d traverse sides found."), static_cast<int>(sides.size()));
+        result.error =
+            format(tr("Error: only %d traverse sides found."), static_cast<int>(sides.size()));
         return result;
     }
     const double eN = closure.north, eE = closure.east;
@@ -74,7 +75,8 @@ LinearAdjustment adjustTraverse(const TraversePoint &start, const std::vector<Tr
             break;
         case LinearRule::Crandall:
             if (s.horizontal > 0) {
-                p.northCorrection = (s.dNorth * s.dNorth * a + s.dNorth * s.dEast * b) / s.horizontal;
+                p.northCorrection =
+                    (s.dNorth * s.dNorth * a + s.dNorth * s.dEast * b) / s.horizontal;
                 p.eastCorrection = (s.dNorth * s.dEast * a + s.dEast * s.dEast * b) / s.horizontal;
             }
             break;
@@ -102,14 +104,16 @@ LinearAdjustment adjustTraverse(const TraversePoint &start, const std::vector<Tr
     }
     result.allowedShift = std::max(closure.horizontal, 0.7) * 1.1;
     if (result.maxShift > result.allowedShift)
-        result.warning = format(tr("Warning: adjustment moved points by up to %.3f"), result.maxShift);
+        result.warning =
+            format(tr("Warning: adjustment moved points by up to %.3f"), result.maxShift);
     result.ok = true;
     return result;
 }
 
 std::string adjustedPointLine(const AdjustedPoint &p) {
-    return format("%-9.9s %-11.3f %-11.3f %-11.3f %-11.3f %-6.3f %s", p.point.name.c_str(), p.point.north,
-                  p.point.east, p.point.elevation, p.sideLength, p.shift, p.point.description.c_str());
+    return format("%-9.9s %-11.3f %-11.3f %-11.3f %-11.3f %-6.3f %s", p.point.name.c_str(),
+                  p.point.north, p.point.east, p.point.elevation, p.sideLength, p.shift,
+                  p.point.description.c_str());
 }
 
 double angularError(double referenceAzimuthDegrees, double measuredAzimuthDegrees) {

@@ -18,24 +18,24 @@ struct TraversePoint {
 /// One side as computed from the field measurements.
 struct TraverseSide {
     std::string from, to;
-    double horizontal = 0.0;       ///< horizontal distance
-    double slope = 0.0;            ///< slope distance
+    double horizontal = 0.0; ///< horizontal distance
+    double slope = 0.0;      ///< slope distance
     double dNorth = 0.0, dEast = 0.0;
     double dElevation = 0.0;
     bool hasElevation = false;
-    long line = 0;                 ///< raw line of the shot
-    std::string description;       ///< of the foresight point
+    long line = 0;           ///< raw line of the shot
+    std::string description; ///< of the foresight point
 };
 
 struct Closure {
     double north = 0.0, east = 0.0, vertical = 0.0; ///< computed - known
-    double horizontal = 0.0;       ///< hypot of north and east errors
-    double slope = 0.0;            ///< hypot of horizontal and vertical errors
-    double azimuth = 0.0;          ///< azimuth of the error, decimal degrees 0..360
+    double horizontal = 0.0;                        ///< hypot of north and east errors
+    double slope = 0.0;                             ///< hypot of horizontal and vertical errors
+    double azimuth = 0.0; ///< azimuth of the error, decimal degrees 0..360
     double horizontalTraversed = 0.0, slopeTraversed = 0.0;
     int sides = 0;
-    bool exact = false;            ///< horizontal error zero: precision 1 in 9999999
-    double precision = 0.0;        ///< horizontal traversed / horizontal error
+    bool exact = false;     ///< horizontal error zero: precision 1 in 9999999
+    double precision = 0.0; ///< horizontal traversed / horizontal error
 };
 
 /// The closure of `sides` whose computed end is `computedEnd` against the
@@ -50,20 +50,20 @@ std::string precisionLine(const Closure &closure);
 enum class LinearRule { Transit, Compass, Crandall };
 
 struct AdjustedPoint {
-    TraversePoint point;           ///< adjusted coordinates
-    double northCorrection = 0.0;  ///< taken off the side's north difference
+    TraversePoint point;          ///< adjusted coordinates
+    double northCorrection = 0.0; ///< taken off the side's north difference
     double eastCorrection = 0.0;
-    double sideLength = 0.0;       ///< adjusted horizontal length of the side to it
-    double shift = 0.0;            ///< how far the adjustment moved the point
+    double sideLength = 0.0; ///< adjusted horizontal length of the side to it
+    double shift = 0.0;      ///< how far the adjustment moved the point
 };
 
 struct LinearAdjustment {
     bool ok = false;
-    std::string error;             ///< "Error: only %d traverse sides found."
+    std::string error;                 ///< "Error: only %d traverse sides found."
     std::vector<AdjustedPoint> points; ///< one per side, in traverse order
     double maxShift = 0.0;
-    double allowedShift = 0.0;     ///< max(horizontal error, 0.7) x 1.1
-    std::string warning;           ///< "Warning: adjustment moved points by up to %.3f"
+    double allowedShift = 0.0; ///< max(horizontal error, 0.7) x 1.1
+    std::string warning;       ///< "Warning: adjustment moved points by up to %.3f"
 };
 
 /// Adjusts the sides from `start` so that the traverse ends on the known

@@ -50,7 +50,8 @@ inline void whenModal(std::function<void(QWidget *)> act) {
 /// "value|value=>Button" (or just "=>Button"). An empty script cancels.
 class ScriptedShell : public ScriptedInteraction, public app::ShellPrompts {
 public:
-    std::string askFileName(const std::string &title, const std::string &types, bool forSaving) override {
+    std::string askFileName(const std::string &title, const std::string &types,
+                            bool forSaving) override {
         asked.push_back(title + " (" + types + (forSaving ? ", save)" : ")"));
         if (files.empty())
             return {};
@@ -68,11 +69,13 @@ public:
         forms.pop_front();
         const size_t arrow = reply.find("=>");
         const std::string values = reply.substr(0, arrow);
-        const std::string button = arrow == std::string::npos ? std::string() : reply.substr(arrow + 2);
+        const std::string button =
+            arrow == std::string::npos ? std::string() : reply.substr(arrow + 2);
         size_t start = 0;
         for (size_t i = 0; i < fields.size() && !values.empty(); ++i) {
             const size_t bar = values.find('|', start);
-            fields[i].value = values.substr(start, bar == std::string::npos ? std::string::npos : bar - start);
+            fields[i].value =
+                values.substr(start, bar == std::string::npos ? std::string::npos : bar - start);
             if (bar == std::string::npos)
                 break;
             start = bar + 1;
@@ -114,10 +117,14 @@ protected:
         return std::make_unique<app::CKELMADlg>(options(commandLine));
     }
 
-    std::filesystem::path settingsFolder() const { return dir / "appdata" / "Halvren Software" / "Halvren Tramline"; }
+    std::filesystem::path settingsFolder() const {
+        return dir / "appdata" / "Halvren Software" / "Halvren Tramline";
+    }
     std::filesystem::path settingsFile() const { return settingsFolder() / "tramline.ini"; }
     std::filesystem::path workingFolder() const { return dir / "documents" / "Halvren Tramline"; }
-    static std::filesystem::path example() { return std::filesystem::path(TRAMLINE_SOURCE_DIR) / "data/examples/closed-traverse.rw5"; }
+    static std::filesystem::path example() {
+        return std::filesystem::path(TRAMLINE_SOURCE_DIR) / "data/examples/closed-traverse.rw5";
+    }
 
     ScriptedShell shell;
 };

@@ -1,8 +1,8 @@
 // The main window: start-up with its folders, settings and command line,
 // the menu, resizing, the exit path and the language.
-#include "app_test_support.h"
 #include "app/coordinate_grid_model.h"
 #include "app/raw_grid_model.h"
+#include "app_test_support.h"
 #include "base/translation.h"
 #include "crd/coordinate_file.h"
 
@@ -105,7 +105,8 @@ TEST_F(MainDialogTest, StartsWithSettingsFileAndAnOldWorkingFile) {
         EXPECT_TRUE(dialog->checkTable().checked(id)) << id;
     EXPECT_EQ(dialog->coordinateModel()->headerData(1, Qt::Horizontal).toString(), "Easting");
     ASSERT_TRUE(dialog->exitProgram());
-    EXPECT_EQ(slurp(settingsFile()), "tmpdir=" + tmpdir.string() + "/\nang_display_mode=0\nne_order=1\nlang_mode=0\n");
+    EXPECT_EQ(slurp(settingsFile()),
+              "tmpdir=" + tmpdir.string() + "/\nang_display_mode=0\nne_order=1\nlang_mode=0\n");
 }
 
 TEST_F(MainDialogTest, GarbageSettingsLeaveTheDefaults) {
@@ -139,8 +140,9 @@ TEST_F(MainDialogTest, WorkingFileThatCannotBeMadeEndsTheProgram) {
     auto dialog = start(example().string());
     EXPECT_TRUE(dialog->startupFailed());
     ASSERT_EQ(shell.messages.size(), 1u);
-    EXPECT_EQ(shell.messages[0],
-              "Error: failed to create " + (workingFolder() / "tramlinetmp.crd").string() + ".\nExiting.");
+    EXPECT_EQ(shell.messages[0], "Error: failed to create " +
+                                     (workingFolder() / "tramlinetmp.crd").string() +
+                                     ".\nExiting.");
     EXPECT_EQ(dialog->rawModel()->rowCount(), 0); // the command line is not reached
 }
 

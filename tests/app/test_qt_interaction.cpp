@@ -1,7 +1,7 @@
 // The real dialogs behind the core's questions, answered by a timer that
 // acts on whichever modal window is open, as a user would.
-#include "app_test_support.h"
 #include "app/qt_interaction.h"
+#include "app_test_support.h"
 
 #include <QComboBox>
 #include <QKeyEvent>
@@ -49,7 +49,9 @@ TEST_F(QtInteractionTest, ChooseReturnsTheButtonPressed) {
     };
     for (const auto &c : cases) {
         whenModal(c.act);
-        EXPECT_EQ(ui.choose("Halvren Tramline", "Save Raw Data Changes?", {"&Yes", "&No", "Cancel"}), c.expected);
+        EXPECT_EQ(
+            ui.choose("Halvren Tramline", "Save Raw Data Changes?", {"&Yes", "&No", "Cancel"}),
+            c.expected);
     }
     // Without a Cancel button Escape cannot pick one.
     whenModal([](QWidget *w) {
@@ -57,13 +59,16 @@ TEST_F(QtInteractionTest, ChooseReturnsTheButtonPressed) {
         if (QApplication::activeModalWidget() == w)
             click(w, "Return To &Editor");
     });
-    EXPECT_EQ(ui.choose("Point Protect", "Duplicate Point Numbers", {"Continue &Processing", "Return To &Editor"}), 1);
+    EXPECT_EQ(ui.choose("Point Protect", "Duplicate Point Numbers",
+                        {"Continue &Processing", "Return To &Editor"}),
+              1);
 }
 
 TEST_F(QtInteractionTest, FormsAreBuiltFromTheFields) {
-    std::vector<FormField> fields = {{"Starting Point Number", "1", {}},
-                                     {"Ending Point Number", "", {}},
-                                     {"Specify Traverse Points From Start To End", "Automatic", {"Automatic", "Prompt"}}};
+    std::vector<FormField> fields = {
+        {"Starting Point Number", "1", {}},
+        {"Ending Point Number", "", {}},
+        {"Specify Traverse Points From Start To End", "Automatic", {"Automatic", "Prompt"}}};
     whenModal([](QWidget *w) {
         EXPECT_EQ(w->windowTitle(), "Traverse Points");
         w->findChild<QLineEdit *>("Ending Point Number")->setText("6");
@@ -117,7 +122,8 @@ TEST_F(QtInteractionTest, MessagesShowWithoutTheirLeadingLineFeed) {
 
 TEST(FileFilter, FromTypes) {
     EXPECT_EQ(fileFilter("rw5").toStdString(), "RW5 Files (*.rw5 *.RW5);;All Files (*)");
-    EXPECT_EQ(fileFilter("rw5;sav").toStdString(), "RW5/SAV Files (*.rw5 *.RW5 *.sav *.SAV);;All Files (*)");
+    EXPECT_EQ(fileFilter("rw5;sav").toStdString(),
+              "RW5/SAV Files (*.rw5 *.RW5 *.sav *.SAV);;All Files (*)");
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 // The menu commands run through the command switch, over the real grids,
 // with scripted answers to their dialogs.
-#include "app_test_support.h"
 #include "app/coordinate_grid_model.h"
 #include "app/raw_grid_model.h"
 #include "app/report_windows.h"
+#include "app_test_support.h"
 #include "crd/coordinate_file.h"
 
 #include <QApplication>
@@ -52,7 +52,14 @@ TEST_F(ShellCommandTest, DisplayModesOverALoadedFile) {
         std::vector<int> checked;
     };
     const Step steps[] = {
-        {31, "345.4539", "-0.0027", "85.824", "VertAng", "SlopeDist", false, {31, 35, 32850, 32862}},
+        {31,
+         "345.4539",
+         "-0.0027",
+         "85.824",
+         "VertAng",
+         "SlopeDist",
+         false,
+         {31, 35, 32850, 32862}},
         {33, "345.4539", "-0.0112", "85.824", "ElevDiff", "SlopeDist", false, {33}},
         {36, "345.4539", "-0.0112", "85.824", "ElevDiff", "HorzDist", false, {33, 36}},
         {34, "345.4539", "-0.0027", "85.824", "VertAng", "HorzDist", true, {34, 36}},
@@ -68,7 +75,8 @@ TEST_F(ShellCommandTest, DisplayModesOverALoadedFile) {
         EXPECT_EQ(cell(*d, 9, vertical + 1), s.distance) << s.id;
         EXPECT_EQ(header(*d, vertical), s.verticalCaption) << s.id;
         EXPECT_EQ(header(*d, vertical + 1), s.distanceCaption) << s.id;
-        EXPECT_EQ(d->rawModel()->index(9, vertical).data(Qt::ToolTipRole).toString(), s.verticalCaption);
+        EXPECT_EQ(d->rawModel()->index(9, vertical).data(Qt::ToolTipRole).toString(),
+                  s.verticalCaption);
         EXPECT_EQ(d->rawGrid()->isColumnHidden(vertical), s.hidden) << s.id;
         for (int id : s.checked) {
             EXPECT_TRUE(d->checkTable().checked(id)) << s.id << " " << id;
@@ -106,8 +114,9 @@ TEST_F(ShellCommandTest, HeadersFollowTheCurrentRow) {
         int row;
         const char *first, *second;
     };
-    for (const Case c : {Case{4, "PntNo", "Northing"}, Case{7, "OcPt", "BsPt"}, Case{8, "InstHt", "RodHt"},
-                         Case{9, "OcPt", "FsPt"}, Case{2, "Note", ""}}) {
+    for (const Case c :
+         {Case{4, "PntNo", "Northing"}, Case{7, "OcPt", "BsPt"}, Case{8, "InstHt", "RodHt"},
+          Case{9, "OcPt", "FsPt"}, Case{2, "Note", ""}}) {
         setCurrent(*d, c.row, 1);
         EXPECT_EQ(header(*d, 1), c.first) << c.row;
         EXPECT_EQ(header(*d, 2), c.second) << c.row;
@@ -123,8 +132,8 @@ TEST_F(ShellCommandTest, AddAndDeleteRows) {
         const char *type;
         int rows, at;
     };
-    const Step steps[] = {{51, "SS", 1, 0}, {55, "", 2, 1}, {52, "BK", 3, 2}, {32859, "DO", 4, 3},
-                          {54, "PT", 5, 4}, {50, "TR", 6, 5}};
+    const Step steps[] = {{51, "SS", 1, 0},    {55, "", 2, 1},   {52, "BK", 3, 2},
+                          {32859, "DO", 4, 3}, {54, "PT", 5, 4}, {50, "TR", 6, 5}};
     for (const auto &s : steps) {
         d->dispatch(s.id);
         ASSERT_EQ(d->rawModel()->rowCount(), s.rows) << s.id;
@@ -156,8 +165,9 @@ TEST_F(ShellCommandTest, AddAndDeleteRows) {
     d->dispatch(214);
     EXPECT_EQ(cell(*d, 1, 0), "NAME");
     EXPECT_EQ(d->rawModel()->rowCount(), 7);
-    EXPECT_EQ(d->rawDocument().text(), "NAME,\nNAME,\nNAME,\nBK,OP,BP,BS,BC\nDO,Data On/Off\nSP,PN,N ,E ,EL,--\n"
-                                       "TR,OP,FP,AR,ZE,SD,--\n");
+    EXPECT_EQ(d->rawDocument().text(),
+              "NAME,\nNAME,\nNAME,\nBK,OP,BP,BS,BC\nDO,Data On/Off\nSP,PN,N ,E ,EL,--\n"
+              "TR,OP,FP,AR,ZE,SD,--\n");
 }
 
 // The Type and Code cells are edited by choosing from their lists.
@@ -171,10 +181,12 @@ TEST_F(ShellCommandTest, TypeAndCodeEditorsOfferTheirLists) {
         int count;
         const char *first, *chosen;
     };
-    const Case cases[] = {{9, 0, "Type", 26, "TR", "CL+AB"}, {10, RawGridModel::kCodeColumn, "Code", 10, "NE", "DL"}};
+    const Case cases[] = {{9, 0, "Type", 26, "TR", "CL+AB"},
+                          {10, RawGridModel::kCodeColumn, "Code", 10, "NE", "DL"}};
     for (const auto &c : cases) {
         const QModelIndex index = d->rawModel()->index(c.row, c.column);
-        QWidget *editor = delegate->createEditor(d->rawGrid()->viewport(), QStyleOptionViewItem(), index);
+        QWidget *editor =
+            delegate->createEditor(d->rawGrid()->viewport(), QStyleOptionViewItem(), index);
         auto *list = qobject_cast<QComboBox *>(editor);
         ASSERT_NE(list, nullptr) << c.name;
         EXPECT_EQ(list->objectName(), c.name);
@@ -203,13 +215,15 @@ TEST_F(ShellCommandTest, SaveAndReopenGiveTheSameBytes) {
     d->dispatch(203);
     EXPECT_EQ(shell.asked, std::vector<std::string>{"Raw File To Save (rw5, save)"});
     EXPECT_EQ(slurp(copy), slurp(example()));
-    EXPECT_EQ(d->windowTitle().toStdString(), "Halvren Tramline - [RW5: " + copy.string() + "] - [CRD: NONE]");
+    EXPECT_EQ(d->windowTitle().toStdString(),
+              "Halvren Tramline - [RW5: " + copy.string() + "] - [CRD: NONE]");
 
     ASSERT_TRUE(d->rawModel()->setData(d->rawModel()->index(9, 7), "REBAR, CAP 5678"));
     d->dispatch(202);
     EXPECT_FALSE(d->rawDocument().modified());
     const std::string saved = slurp(copy);
-    EXPECT_NE(saved.find("SS,OP1,FP101,AR345.4539,ZE90.0027,SD85.824,--REBAR, CAP 5678\n"), std::string::npos);
+    EXPECT_NE(saved.find("SS,OP1,FP101,AR345.4539,ZE90.0027,SD85.824,--REBAR, CAP 5678\n"),
+              std::string::npos);
 
     shell.files = {copy.string()};
     d->dispatch(201);
@@ -291,11 +305,13 @@ TEST_F(ShellCommandTest, CoordinateFilesThroughTheWorkingCopy) {
     const fs::path other = dir / "other.crd";
     shell.files = {other.string()};
     d->dispatch(32808);
-    EXPECT_EQ(d->windowTitle().toStdString(), "Halvren Tramline - [RW5: NONE] - [CRD: " + other.string() + "]");
+    EXPECT_EQ(d->windowTitle().toStdString(),
+              "Halvren Tramline - [RW5: NONE] - [CRD: " + other.string() + "]");
     d->show();
     QApplication::setActiveWindow(d.get());
     d->coordinateGrid()->setFocus();
-    d->coordinateGrid()->setCurrentIndex(d->coordinateModel()->index(d->coordinateModel()->rowOf("10"), 1));
+    d->coordinateGrid()->setCurrentIndex(
+        d->coordinateModel()->index(d->coordinateModel()->rowOf("10"), 1));
     QApplication::processEvents();
     d->dispatch(40007);
     EXPECT_EQ(d->coordinateModel()->rowCount(), 1);
@@ -355,9 +371,11 @@ TEST_F(ShellCommandTest, ModifyMeasurements) {
         const char *message, *row10Horizontal, *row10Distance;
     };
     const Case cases[] = {
-        {"Horizontal Angle|0.0100|By Line Number||11|11", "Modified 1 values", "64.3427", "453.567"},
+        {"Horizontal Angle|0.0100|By Line Number||11|11", "Modified 1 values", "64.3427",
+         "453.567"},
         {"Distance|0.5|By Point Number|2-3|1|1", "Modified 2 values", "64.3427", "454.067"},
-        {"Vertical Angle|0.0001|By Line Number||100|200", "Modified 0 values", "64.3427", "454.067"},
+        {"Vertical Angle|0.0001|By Line Number||100|200", "Modified 0 values", "64.3427",
+         "454.067"},
         {"Distance|abc|By Line Number||1|42", "Error: abc is not a number", "64.3427", "454.067"},
     };
     for (const auto &c : cases) {
@@ -374,7 +392,8 @@ TEST_F(ShellCommandTest, CutCopyAndPaste) {
     d->rawGrid()->setFocus();
     setCurrent(*d, 9, 1);
     d->rawGrid()->selectionModel()->select(
-        QItemSelection(d->rawModel()->index(9, 1), d->rawModel()->index(10, 2)), QItemSelectionModel::ClearAndSelect);
+        QItemSelection(d->rawModel()->index(9, 1), d->rawModel()->index(10, 2)),
+        QItemSelectionModel::ClearAndSelect);
     d->dispatch(211);
     EXPECT_EQ(QApplication::clipboard()->text(), "1\t101\n1\t2");
     setCurrent(*d, 14, 1);
@@ -383,7 +402,8 @@ TEST_F(ShellCommandTest, CutCopyAndPaste) {
     EXPECT_EQ(cell(*d, 15, 2), "2");
     EXPECT_TRUE(d->rawDocument().modified());
     d->rawGrid()->selectionModel()->select(
-        QItemSelection(d->rawModel()->index(14, 0), d->rawModel()->index(14, 7)), QItemSelectionModel::ClearAndSelect);
+        QItemSelection(d->rawModel()->index(14, 0), d->rawModel()->index(14, 7)),
+        QItemSelectionModel::ClearAndSelect);
     d->dispatch(210);
     EXPECT_EQ(cell(*d, 14, 0), "SS"); // a row keeps its type
     EXPECT_EQ(cell(*d, 14, 2), "");
@@ -519,8 +539,9 @@ TEST_F(ShellCommandTest, SettingsDialogKeepsTheLanguageForTheNextStart) {
 
 TEST_F(ShellCommandTest, ImportRawDataAddsTheRecords) {
     auto d = startWithExample();
-    const auto tds = write("field.raw", "JB,NMX,DT01-01-2026,TM08:00:00\nMO,AD0,UN2,SF1.00000000,EC0,EO0,AU0\n"
-                                        "SS,OP7,FP8,AR1.0000,ZE90.0000,SD5.000,--TDS\n");
+    const auto tds =
+        write("field.raw", "JB,NMX,DT01-01-2026,TM08:00:00\nMO,AD0,UN2,SF1.00000000,EC0,EO0,AU0\n"
+                           "SS,OP7,FP8,AR1.0000,ZE90.0000,SD5.000,--TDS\n");
     shell.files = {tds.string(), tds.string(), (dir / "missing.rw5").string()};
     d->dispatch(32840);
     EXPECT_EQ(d->rawModel()->rowCount(), 43); // job and mode records left out
@@ -528,8 +549,9 @@ TEST_F(ShellCommandTest, ImportRawDataAddsTheRecords) {
     EXPECT_EQ(d->rawModel()->rowCount(), 46);
     d->dispatch(47);
     EXPECT_EQ(shell.messages.back(), "Error: unable to read raw file");
-    EXPECT_EQ(shell.asked, (std::vector<std::string>{"TDS Raw File to Import (rw5;raw)", "Raw File to Add (rw5;sav)",
-                                                    "Raw File to Add (rw5;sav)"}));
+    EXPECT_EQ(shell.asked,
+              (std::vector<std::string>{"TDS Raw File to Import (rw5;raw)",
+                                        "Raw File to Add (rw5;sav)", "Raw File to Add (rw5;sav)"}));
 }
 
 TEST_F(ShellCommandTest, ProcessSettingsApplyToTheNextRun) {
@@ -541,7 +563,8 @@ TEST_F(ShellCommandTest, ProcessSettingsApplyToTheNextRun) {
     shell.reply("1|1|Automatic");
     d->dispatch(39);
     ASSERT_NE(d->processResultsWindow(), nullptr);
-    EXPECT_TRUE(d->processResultsWindow()->tabText("Report Header").contains("Scale Factor: 1.00010000"));
+    EXPECT_TRUE(
+        d->processResultsWindow()->tabText("Report Header").contains("Scale Factor: 1.00010000"));
 }
 
 } // namespace

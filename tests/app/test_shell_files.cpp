@@ -28,14 +28,14 @@ TEST(ShellSettings, Lines) {
         {"ang_display_mode=0", 0, 0, 0, ""},
         {"lang_mode=1", 1, 0, 1, ""},
         {"tmpdir=/jobs/tmp/", 1, 0, 0, "/jobs/tmp/"},
-        {"tmpdir=/a=b/", 1, 0, 0, "/a=b/"},       // split at the first "="
-        {"ne_order=", 1, 0, 0, ""},               // no value
-        {"ne_order", 1, 0, 0, ""},                // no "="
-        {"NE_ORDER=1", 1, 0, 0, ""},              // keys compare exactly
+        {"tmpdir=/a=b/", 1, 0, 0, "/a=b/"}, // split at the first "="
+        {"ne_order=", 1, 0, 0, ""},         // no value
+        {"ne_order", 1, 0, 0, ""},          // no "="
+        {"NE_ORDER=1", 1, 0, 0, ""},        // keys compare exactly
         {" ne_order=1", 1, 0, 0, ""},
-        {"colour=blue", 1, 0, 0, ""},             // unknown key
-        {"ne_order=x", 1, 0, 0, ""},              // no number: left alone
-        {"ne_order= 1", 1, 1, 0, ""},             // decimal as atoi reads it
+        {"colour=blue", 1, 0, 0, ""}, // unknown key
+        {"ne_order=x", 1, 0, 0, ""},  // no number: left alone
+        {"ne_order= 1", 1, 1, 0, ""}, // decimal as atoi reads it
         {"lang_mode=1junk", 1, 0, 1, ""},
         {"ang_display_mode=99999999999999", 1, 0, 0, ""}, // out of range
     };
@@ -57,7 +57,8 @@ TEST_F(SettingsFileTest, WrittenInItsOrderAndReadBack) {
     s.langMode = 1;
     const auto path = dir / "tramline.ini";
     ASSERT_TRUE(writeSettingsFile(path, s));
-    EXPECT_EQ(tramline::test::slurp(path), "tmpdir=/jobs/tmp/\nang_display_mode=0\nne_order=1\nlang_mode=1\n");
+    EXPECT_EQ(tramline::test::slurp(path),
+              "tmpdir=/jobs/tmp/\nang_display_mode=0\nne_order=1\nlang_mode=1\n");
     ShellSettings back;
     ASSERT_TRUE(readSettingsFile(path, back));
     EXPECT_EQ(back.tmpdir, s.tmpdir);
@@ -75,8 +76,9 @@ TEST_F(SettingsFileTest, OverlongLinesAndGarbage) {
     for (int i = 0; i < 4096; ++i)
         binary.push_back(static_cast<char>((i * 37) & 0xff));
     const std::string piece(221, 'y');
-    const auto path = write("tramline.ini", garbage + "\n" + binary + "\nne_order=1\r\n" + piece + "lang_mode=1\n" +
-                                                "ang_display_mode=" + std::string(4000, '0') + "\n");
+    const auto path = write("tramline.ini",
+                            garbage + "\n" + binary + "\nne_order=1\r\n" + piece + "lang_mode=1\n" +
+                                "ang_display_mode=" + std::string(4000, '0') + "\n");
     ShellSettings s;
     ASSERT_TRUE(readSettingsFile(path, s));
     EXPECT_EQ(s.neOrder, 1);
@@ -133,10 +135,10 @@ TEST(CommandLine, Forms) {
         {"site.cgc", "", "site.cgc"},
         {"site.mdb", "", "site.mdb"},
         {"site.zak", "", "site.zak"},
-        {"job.rw5x", "", ""},           // no extension at the end of a name
-        {"job.rw5 ", "job.rw5", ""},    // one character after: no further name
+        {"job.rw5x", "", ""},        // no extension at the end of a name
+        {"job.rw5 ", "job.rw5", ""}, // one character after: no further name
         {"notes.txt", "", ""},
-        {"a.rw5 b.rw5", "a.rw5", ""},   // one raw file only
+        {"a.rw5 b.rw5", "a.rw5", ""}, // one raw file only
     };
     for (const auto &c : cases) {
         const CommandLineFiles files = parseCommandLine(c.line);
@@ -155,21 +157,23 @@ TEST(Language, Choice) {
     };
     const Case cases[] = {
         {"win", std::nullopt, "de_DE", "en", "US", "de_DE", "de"},
-        {"win", "fr_CA", "de_DE", "en", "US", "fr_CA", "fr"},     // LANGUAGE outranks LANG
-        {"win", "0", "de_DE", "en", "US", "de_DE", "de"},         // a numeric LANGUAGE is ignored
-        {"win", "0", "1", "de", "AT", "de_AT", "de"},             // both numeric: the system locale
+        {"win", "fr_CA", "de_DE", "en", "US", "fr_CA", "fr"}, // LANGUAGE outranks LANG
+        {"win", "0", "de_DE", "en", "US", "de_DE", "de"},     // a numeric LANGUAGE is ignored
+        {"win", "0", "1", "de", "AT", "de_AT", "de"},         // both numeric: the system locale
         {"win", std::nullopt, "en_US", "de", "DE", "en", "en"},
         {"win", std::nullopt, "de_DE.UTF-8", "en", "US", "de_DE", "de"},
         {"win", "de:en", std::nullopt, "en", "US", "de", "de"},
         {"win", std::nullopt, "C.UTF-8", "de", "DE", "en", "en"},
-        {"win", std::nullopt, std::nullopt, "en", "US", "en", "en"}, // English (United States): nothing to load
+        {"win", std::nullopt, std::nullopt, "en", "US", "en",
+         "en"}, // English (United States): nothing to load
         {"win", std::nullopt, std::nullopt, "de", "DE", "de", "de"}, // language and country alike
         {"win", std::nullopt, std::nullopt, "de", "CH", "de_CH", "de"},
         {"win", std::nullopt, std::nullopt, "en", "GB", "en", "en"},
         {"en", std::nullopt, "de_DE", "de", "DE", "en", "en"},
         {"EN", std::nullopt, "de_DE", "de", "DE", "en", "en"},
-        {"de", std::nullopt, std::nullopt, "de", "DE", "de", "de"},   // accepted: the system's language
-        {"fr", std::nullopt, std::nullopt, "de", "DE", "en", "en"},   // not the system's: English
+        {"de", std::nullopt, std::nullopt, "de", "DE", "de",
+         "de"}, // accepted: the system's language
+        {"fr", std::nullopt, std::nullopt, "de", "DE", "en", "en"}, // not the system's: English
     };
     for (const auto &c : cases) {
         LanguageEnvironment e;
@@ -186,7 +190,8 @@ TEST(Language, Choice) {
 TEST_F(SettingsFileTest, StartupFileSuppliesTheCode) {
     LanguageEnvironment e;
     e.lang = "de_DE";
-    e.startupFile = write("morvstart.ini", "[other]\nlang_code=fr\n[morvstart]\n lang_code = de \n");
+    e.startupFile =
+        write("morvstart.ini", "[other]\nlang_code=fr\n[morvstart]\n lang_code = de \n");
     EXPECT_EQ(startupLanguageCode(e.startupFile), "de");
     EXPECT_EQ(chooseLanguage("", e).full, "de_DE");
     write("morvstart.ini", "[morvstart]\nlang_code=en\n");
@@ -201,7 +206,8 @@ TEST_F(SettingsFileTest, CatalogueSearchAndWarnings) {
     const auto warnings = startTranslation(dir / "LANG", code);
     ASSERT_EQ(warnings.size(), 1u);
     // The path tried last, the short code's.
-    EXPECT_EQ(warnings[0], "\nWarning: Missing translation file " + cataloguePath(dir / "LANG", "xx").string());
+    EXPECT_EQ(warnings[0],
+              "\nWarning: Missing translation file " + cataloguePath(dir / "LANG", "xx").string());
     EXPECT_TRUE(startTranslation(dir / "LANG", LanguageCode{}).empty());
 }
 
@@ -215,12 +221,12 @@ TEST(MenuTable, CheckGroupsActAsRadioItems) {
     table.choose(33);
     EXPECT_TRUE(table.checked(33));
     EXPECT_FALSE(table.checked(32));
-    EXPECT_TRUE(table.checked(35));   // other groups keep theirs
+    EXPECT_TRUE(table.checked(35)); // other groups keep theirs
     EXPECT_TRUE(table.checked(32850));
     table.choose(32863);
     EXPECT_FALSE(table.checked(32862));
     EXPECT_TRUE(table.checked(32863));
-    table.choose(201);                // not a display command
+    table.choose(201); // not a display command
     EXPECT_TRUE(table.checked(33));
     EXPECT_FALSE(table.checked(201));
 }

@@ -21,10 +21,10 @@ TEST(Angles, UnpackDms) {
         {45.3000, 45.5},
         {45.3015, 45.0 + 30.0 / 60 + 15.0 / 3600},
         {359.5959, 359.0 + 59.0 / 60 + 59.0 / 3600},
-        {10.6000, 11.0},              // 60 minutes read as a whole degree
-        {10.0060, 10.0 + 1.0 / 60},   // 60 seconds read as a minute
+        {10.6000, 11.0},            // 60 minutes read as a whole degree
+        {10.0060, 10.0 + 1.0 / 60}, // 60 seconds read as a minute
         {-10.3000, -10.5},
-        {-0.3000, -0.5},              // the sign of a value under one degree
+        {-0.3000, -0.5}, // the sign of a value under one degree
         {90.0, 90.0},
         {12.34565, 12.0 + 34.0 / 60 + 56.5 / 3600}, // tenths of a second
     };
@@ -44,11 +44,11 @@ TEST(Angles, ValidityTestLetsExactlySixtyPass) {
         bool valid;
     };
     const Case cases[] = {
-        {0.0, true},       {359.5959, true}, {360.0, true},   {-360.0, true},
-        {10.6000, true},   {10.0060, true},  {10.6060, true}, // exactly 60 passes
-        {10.6100, false},  {10.0061, false}, {10.9900, false},
-        {360.0001, false}, {-360.0001, false}, {NAN, false},  {INFINITY, false},
-        {-45.3060, true},  {-45.6100, false},
+        {0.0, true},        {359.5959, true}, {360.0, true},     {-360.0, true},
+        {10.6000, true},    {10.0060, true},  {10.6060, true}, // exactly 60 passes
+        {10.6100, false},   {10.0061, false}, {10.9900, false},  {360.0001, false},
+        {-360.0001, false}, {NAN, false},     {INFINITY, false}, {-45.3060, true},
+        {-45.6100, false},
     };
     for (const auto &c : cases)
         EXPECT_EQ(isValidDms(c.dms), c.valid) << c.dms;
@@ -62,7 +62,8 @@ TEST(Angles, FormatCarriesRoundedSeconds) {
     };
     const Case cases[] = {
         {45.5, 4, "45.3000"},
-        {359.0 + 59.0 / 60 + 59.6 / 3600, 4, "360.0000"}, // 59.6 s rounds up through the minute and degree
+        {359.0 + 59.0 / 60 + 59.6 / 3600, 4,
+         "360.0000"}, // 59.6 s rounds up through the minute and degree
         {10.0 + 14.0 / 60 + 59.9999 / 3600, 4, "10.1500"},
         {12.0 + 34.0 / 60 + 56.5 / 3600, 5, "12.34565"},
         {-10.5, 4, "-10.3000"},

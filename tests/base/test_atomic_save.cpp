@@ -1,5 +1,5 @@
-#include "base/atomic_save.h"
 #include "../support/test_support.h"
+#include "base/atomic_save.h"
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,8 @@ TEST_F(AtomicSave, ReplacesAndKeepsPermissions) {
     EXPECT_EQ(slurp(file), "new\n");
     EXPECT_EQ(fs::status(file).permissions() & fs::perms::all,
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 1); // no temporaries
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}),
+              1); // no temporaries
 }
 
 TEST_F(AtomicSave, FailuresLeaveTheOldFile) {
@@ -35,7 +36,8 @@ TEST_F(AtomicSave, FailuresLeaveTheOldFile) {
     ASSERT_TRUE(saveTextAtomically(file, "old\n"));
     std::string error;
     // A writer that gives up.
-    EXPECT_FALSE(saveAtomically(file, [](std::ostream &) { return false; }, &error));
+    EXPECT_FALSE(saveAtomically(
+        file, [](std::ostream &) { return false; }, &error));
     EXPECT_EQ(slurp(file), "old\n");
     // A folder where the file should be.
     EXPECT_FALSE(saveTextAtomically(dir, "x", &error));

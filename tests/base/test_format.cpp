@@ -23,7 +23,7 @@ TEST(Format, ParseNumber) {
     };
     const Case cases[] = {
         {"12.5", true, 12.5}, {" -3 ", true, -3.0}, {"1e3", true, 1000.0}, {"", false, 0},
-        {"12a", false, 0},    {"nan", false, 0},   {"inf", false, 0},     {"0x10", false, 0},
+        {"12a", false, 0},    {"nan", false, 0},    {"inf", false, 0},     {"0x10", false, 0},
         {"1,5", false, 0},    {"  ", false, 0},
     };
     for (const auto &c : cases) {
@@ -38,7 +38,8 @@ TEST(Format, ParseNumber) {
 TEST(Units, FactorsAndCodes) {
     EXPECT_DOUBLE_EQ(unitsPerMetre(LinearUnit::InternationalFeet), 1.0 / 0.3048);
     EXPECT_DOUBLE_EQ(unitsPerMetre(LinearUnit::UsSurveyFeet), 3937.0 / 1200.0);
-    EXPECT_NEAR(convertLength(1000.0, LinearUnit::UsSurveyFeet, LinearUnit::InternationalFeet), 1000.002, 1e-6);
+    EXPECT_NEAR(convertLength(1000.0, LinearUnit::UsSurveyFeet, LinearUnit::InternationalFeet),
+                1000.002, 1e-6);
     LinearUnit u;
     EXPECT_TRUE(linearUnitFromCode(2, u));
     EXPECT_EQ(u, LinearUnit::UsSurveyFeet);

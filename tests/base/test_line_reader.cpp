@@ -40,7 +40,8 @@ TEST(LineReader, LineEnds) {
 
 TEST(LineReader, LongLinesComeInPieces) {
     // Capacity 5 holds four characters a piece.
-    EXPECT_EQ(readAll("abcdefghij\nxy\n", 5), (std::vector<std::string>{"abcd", "efgh", "ij", "xy"}));
+    EXPECT_EQ(readAll("abcdefghij\nxy\n", 5),
+              (std::vector<std::string>{"abcd", "efgh", "ij", "xy"}));
     // A line end right after a full piece ends it; no empty line follows.
     EXPECT_EQ(readAll("abcd\nxy\n", 5), (std::vector<std::string>{"abcd", "xy"}));
     EXPECT_EQ(readAll("abcd\r\nxy", 5), (std::vector<std::string>{"abcd", "xy"}));

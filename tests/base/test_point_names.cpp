@@ -12,17 +12,34 @@ TEST(PointNames, Order) {
         int sign;
     };
     const Case cases[] = {
-        {"2", "10", -1},     {"A2", "A10", -1},  {"a2", "A2", 0},     {"10", "9", 1},
-        {"B1", "A9", 1},     {"1A", "1B", -1},   {"", "1", -1},       {"", "", 0},
-        {"100", "100", 0},   {"CP", "cp", 0},    {"12345678901234567890", "9", 1},
+        {"2", "10", -1},
+        {"A2", "A10", -1},
+        {"a2", "A2", 0},
+        {"10", "9", 1},
+        {"B1", "A9", 1},
+        {"1A", "1B", -1},
+        {"", "1", -1},
+        {"", "", 0},
+        {"100", "100", 0},
+        {"CP", "cp", 0},
+        {"12345678901234567890", "9", 1},
         // Leading zeros: equal values move on, the whole names decide.
-        {"A01", "A1", -1},   {"007", "7", -1},   {"10", "010", -1},
+        {"A01", "A1", -1},
+        {"007", "7", -1},
+        {"10", "010", -1},
         // A '.' further on makes the numbers decimal.
-        {"1.5", "1.10", 1},  {"1.10", "1.9", -1}, {"2.0", "2A", -1},  {"2", "2.0", -1},
+        {"1.5", "1.10", 1},
+        {"1.10", "1.9", -1},
+        {"2.0", "2A", -1},
+        {"2", "2.0", -1},
         // '_' (from '-' and ',') sorts before letters, as lower case does.
-        {"A_1", "AB", -1},   {"A_1", "A1", 1},   {"A[", "AB", -1},
+        {"A_1", "AB", -1},
+        {"A_1", "A1", 1},
+        {"A[", "AB", -1},
         // Number against letter: the characters decide.
-        {"A1", "AB", -1},    {"1", "A", -1},     {"Z9", "10", 1},
+        {"A1", "AB", -1},
+        {"1", "A", -1},
+        {"Z9", "10", 1},
     };
     for (const auto &c : cases) {
         const int r = comparePointNames(c.a, c.b);
@@ -31,8 +48,9 @@ TEST(PointNames, Order) {
         EXPECT_EQ((back > 0) - (back < 0), -c.sign) << c.b << " vs " << c.a;
     }
     std::vector<std::string> names = {"10", "A10", "2", "A2", "1", "B"};
-    std::sort(names.begin(), names.end(),
-              [](const std::string &x, const std::string &y) { return comparePointNames(x, y) < 0; });
+    std::sort(names.begin(), names.end(), [](const std::string &x, const std::string &y) {
+        return comparePointNames(x, y) < 0;
+    });
     EXPECT_EQ(names, (std::vector<std::string>{"1", "2", "10", "A2", "A10", "B"}));
 }
 

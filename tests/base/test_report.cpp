@@ -12,7 +12,9 @@ TEST(Report, TabsInOrderAndAppend) {
     r.append("Results", "line 2\n");
     ASSERT_EQ(r.tabs().size(), 2u);
     EXPECT_EQ(r.tabs()[0].text, "line 1\nline 2\n");
-    EXPECT_EQ(r.toText(), "Process Results\n\nResults\n=======\nline 1\nline 2\n\nWarnings\n========\ncareful\n\n");
+    EXPECT_EQ(
+        r.toText(),
+        "Process Results\n\nResults\n=======\nline 1\nline 2\n\nWarnings\n========\ncareful\n\n");
 }
 
 TEST(ScriptedInteraction, RepliesInOrder) {

@@ -16,14 +16,17 @@ namespace {
 
 using Result = tramline::test::CliResult;
 
-Result cli(const std::vector<std::string> &args) { return tramline::test::runCli(args); }
+Result cli(const std::vector<std::string> &args) {
+    return tramline::test::runCli(args);
+}
 
 class CrdCommands : public ::testing::Test {
 protected:
     void SetUp() override {
         dir = std::filesystem::temp_directory_path() /
-              ("tramline-cli-crd-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()) +
-               "-" + std::to_string(::getpid()));
+              ("tramline-cli-crd-" +
+               std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()) + "-" +
+               std::to_string(::getpid()));
         std::filesystem::remove_all(dir);
         std::filesystem::create_directories(dir);
         path = (dir / "site.crd").string();
@@ -42,19 +45,23 @@ TEST_F(CrdCommands, AlphanumericRoundTrip) {
     };
     const std::vector<Step> steps = {
         {{"crd", "new", path, "--alpha"}, 0, "Created " + path + " (alphanumeric)\n"},
-        {{"crd", "put", path, "a-10", "1000", "-2000.125", "12.5", "iron pin"}, 0,
+        {{"crd", "put", path, "a-10", "1000", "-2000.125", "12.5", "iron pin"},
+         0,
          "A_10,1000.0000,-2000.1250,12.5000,iron pin\n"},
         {{"crd", "put", path, "2", "1", "2", "3"}, 0, "2,1.0000,2.0000,3.0000,\n"},
-        {{"crd", "put", path, "10", "4", "5", "98765432.1", "no elevation"}, 0,
+        {{"crd", "put", path, "10", "4", "5", "98765432.1", "no elevation"},
+         0,
          "10,4.0000,5.0000,0.0000,no elevation\n"},
         {{"crd", "get", path, "A_10"}, 0, "A_10,1000.0000,-2000.1250,12.5000,iron pin\n"},
         {{"crd", "get", path, "3", "--next"}, 0, "10,4.0000,5.0000,0.0000,no elevation\n"},
         {{"crd", "get", path, "3", "--previous"}, 0, "2,1.0000,2.0000,3.0000,\n"},
-        {{"crd", "list", path}, 0,
+        {{"crd", "list", path},
+         0,
          "2,1.0000,2.0000,3.0000,\n10,4.0000,5.0000,0.0000,no elevation\n"
          "A_10,1000.0000,-2000.1250,12.5000,iron pin\n"},
         {{"crd", "list", path, "--range", "3-A1"}, 0, "10,4.0000,5.0000,0.0000,no elevation\n"},
-        {{"crd", "list", path, "--range", "10", "--json"}, 0,
+        {{"crd", "list", path, "--range", "10", "--json"},
+         0,
          "[\n {\n  \"description\": \"no elevation\",\n  \"easting\": 5.0,\n  \"elevation\": 0.0,\n"
          "  \"name\": \"10\",\n  \"northing\": 4.0\n }\n]\n"},
         {{"crd", "delete", path, "1-5,A_10"}, 0, "Deleted 2 points\n"},
@@ -79,11 +86,13 @@ TEST_F(CrdCommands, FailuresAndUsage) {
         std::string errHas; // a piece of the error output
     };
     const Case cases[] = {
-        {{"crd", "put", path, "7A", "1", "2", "3"}, 1,
+        {{"crd", "put", path, "7A", "1", "2", "3"},
+         1,
          "Error: pt# 7A invalid for current CRD format of numeric only point numbers.\n"
          "Point name contains an invalid character for numeric format crd files.\n"},
         {{"crd", "put", path, "100000", "1", "2", "3"}, 1, "Point name is numerically too high."},
-        {{"crd", "get", path, "4"}, 1,
+        {{"crd", "get", path, "4"},
+         1,
          "Requested point number greater than highest in file.\nRequested point# 4 has no "
          "coordinate stored.\nThe specified point was not found.\n"},
         {{"crd", "get", (dir / "missing.crd").string(), "4"}, 1, "does not exist."},

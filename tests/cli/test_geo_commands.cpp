@@ -15,7 +15,9 @@ namespace {
 
 using Result = tramline::test::CliResult;
 
-Result cli(const std::vector<std::string> &args) { return tramline::test::runCli(args); }
+Result cli(const std::vector<std::string> &args) {
+    return tramline::test::runCli(args);
+}
 
 std::vector<std::string> lines(const std::string &text) {
     std::vector<std::string> result;
@@ -33,10 +35,13 @@ std::vector<double> numbers(const std::string &line) {
     return values;
 }
 
-const std::vector<std::string> kBritishGrid = {"--type",  "0", "--param", "latitude_of_origin=49",
-                                               "--param", "central_meridian=-2", "--param",
-                                               "scale_factor=0.9996012717", "--param", "false_easting=400000",
-                                               "--param", "false_northing=-100000", "--ellipsoid", "Airy 1830"};
+const std::vector<std::string> kBritishGrid = {"--type",      "0",
+                                               "--param",     "latitude_of_origin=49",
+                                               "--param",     "central_meridian=-2",
+                                               "--param",     "scale_factor=0.9996012717",
+                                               "--param",     "false_easting=400000",
+                                               "--param",     "false_northing=-100000",
+                                               "--ellipsoid", "Airy 1830"};
 
 std::vector<std::string> with(std::vector<std::string> head, const std::vector<std::string> &tail) {
     head.insert(head.end(), tail.begin(), tail.end());
@@ -100,16 +105,20 @@ TEST(GeoCommands, ForwardAndInverse) {
 // WGS 84 in: the datum shift runs first. cs2cs gives OSGB36 52.499626127 N,
 // 1.498511869 W for WGS 84 52.5 N, 1.5 W under this shift.
 TEST(GeoCommands, ForwardFromWgs84) {
-    const auto grid = with(kBritishGrid, {"--towgs84", "446.448,-125.157,542.06,0.15,0.247,0.842,-20.489"});
-    const auto shifted = numbers(cli(with({"geo", "forward"}, with(grid, {"--wgs84", "52.5", "-1.5"}))).out);
-    const auto direct = numbers(cli(with({"geo", "forward"}, with(grid, {"52.499626127", "-1.498511869"}))).out);
+    const auto grid =
+        with(kBritishGrid, {"--towgs84", "446.448,-125.157,542.06,0.15,0.247,0.842,-20.489"});
+    const auto shifted =
+        numbers(cli(with({"geo", "forward"}, with(grid, {"--wgs84", "52.5", "-1.5"}))).out);
+    const auto direct =
+        numbers(cli(with({"geo", "forward"}, with(grid, {"52.499626127", "-1.498511869"}))).out);
     ASSERT_EQ(shifted.size(), 4u);
     ASSERT_EQ(direct.size(), 4u);
     EXPECT_NEAR(shifted[0], direct[0], 2e-3);
     EXPECT_NEAR(shifted[1], direct[1], 2e-3);
 
     const auto back = numbers(
-        cli(with({"geo", "inverse"}, with(grid, {"--wgs84", std::to_string(direct[0]), std::to_string(direct[1])})))
+        cli(with({"geo", "inverse"},
+                 with(grid, {"--wgs84", std::to_string(direct[0]), std::to_string(direct[1])})))
             .out);
     ASSERT_EQ(back.size(), 4u);
     EXPECT_NEAR(back[0], 52.5, 1e-7);
@@ -117,7 +126,8 @@ TEST(GeoCommands, ForwardFromWgs84) {
 }
 
 TEST(GeoCommands, WktWriteAppendAndRead) {
-    const auto dir = std::filesystem::temp_directory_path() / ("tramline-geo-cli-" + std::to_string(::getpid()));
+    const auto dir =
+        std::filesystem::temp_directory_path() / ("tramline-geo-cli-" + std::to_string(::getpid()));
     std::filesystem::create_directories(dir);
     const auto file = (dir / "systems.prj").string();
 
@@ -127,8 +137,8 @@ TEST(GeoCommands, WktWriteAppendAndRead) {
     EXPECT_NE(r.out.find("PARAMETER[\"latitude_of_origin\",0.85521133348]"), std::string::npos);
 
     ASSERT_EQ(cli(with({"geo", "wkt", "--out", file, "--name", "first"}, kBritishGrid)).code, 0);
-    ASSERT_EQ(cli({"geo", "wkt", "--out", file, "--append", "--family", "France NTF-GR3DF97A", "--zone",
-                   "Lambert II - Carto"})
+    ASSERT_EQ(cli({"geo", "wkt", "--out", file, "--append", "--family", "France NTF-GR3DF97A",
+                   "--zone", "Lambert II - Carto"})
                   .code,
               0);
     r = cli({"geo", "wkt", "--read", file});
@@ -138,7 +148,8 @@ TEST(GeoCommands, WktWriteAppendAndRead) {
     EXPECT_NE(r.out.find("Name: France NTF-GR3DF97A: Lambert II - Carto"), std::string::npos);
     EXPECT_NE(r.out.find("Type: 1 Lambert Conformal Conic 1SP"), std::string::npos);
     EXPECT_NE(r.out.find("Central Meridian: 2.337229170"), std::string::npos);
-    EXPECT_NE(r.out.find("Translate (m) DX: 168.0000 DY: 60.0000 DZ: -320.0000"), std::string::npos);
+    EXPECT_NE(r.out.find("Translate (m) DX: 168.0000 DY: 60.0000 DZ: -320.0000"),
+              std::string::npos);
 
     r = cli({"geo", "wkt", "--read", (dir / "missing.prj").string()});
     EXPECT_EQ(r.code, 1);
@@ -153,16 +164,26 @@ TEST(GeoCommands, FailuresAndUsage) {
         const char *message; // expected in the error stream
     };
     const Case cases[] = {
-        {{"geo", "forward", "--type", "14", "40", "-100"}, 1, "Error: projection type Oblique Mercator 27 is not supported"},
+        {{"geo", "forward", "--type", "14", "40", "-100"},
+         1,
+         "Error: projection type Oblique Mercator 27 is not supported"},
         {{"geo", "forward", "--type", "6", "56", "10"}, 1, "not supported"},
-        {{"geo", "forward", "--family", "7", "--zone", "NZ Map Grid", "-41", "173"}, 1,
+        {{"geo", "forward", "--family", "7", "--zone", "NZ Map Grid", "-41", "173"},
+         1,
          "Error: zone NZ Map Grid is not supported"},
         {{"geo", "forward", "--type", "0", "91", "0"}, 1, "Error: latitude beyond the poles"},
-        {{"geo", "inverse", "--family", "UTM", "--zone", "Automatic", "0", "500000"}, 1,
+        {{"geo", "inverse", "--family", "UTM", "--zone", "Automatic", "0", "500000"},
+         1,
          "needs a grid zone number or a position"},
-        {{"geo", "forward", "--type", "0", "--param", "bogus=1", "1", "1"}, 2, "no parameter bogus"},
-        {{"geo", "forward", "--type", "0", "--param", "central_meridian", "1", "1"}, 2, "NAME=VALUE"},
-        {{"geo", "forward", "--type", "0", "--ellipsoid", "Mars 2000", "1", "1"}, 2, "no ellipsoid"},
+        {{"geo", "forward", "--type", "0", "--param", "bogus=1", "1", "1"},
+         2,
+         "no parameter bogus"},
+        {{"geo", "forward", "--type", "0", "--param", "central_meridian", "1", "1"},
+         2,
+         "NAME=VALUE"},
+        {{"geo", "forward", "--type", "0", "--ellipsoid", "Mars 2000", "1", "1"},
+         2,
+         "no ellipsoid"},
         {{"geo", "forward", "--type", "0", "--towgs84", "1,2,3", "1", "1"}, 2, "seven numbers"},
         {{"geo", "forward", "1", "1"}, 2, "name a system"},
         {{"geo", "forward", "--family", "UTM", "1", "1"}, 2, "--zone"},
@@ -177,7 +198,8 @@ TEST(GeoCommands, FailuresAndUsage) {
 }
 
 TEST(GeoCommands, HelpForEveryCommand) {
-    for (const char *command : {"types", "families", "ellipsoids", "zones", "wkt", "forward", "inverse"}) {
+    for (const char *command :
+         {"types", "families", "ellipsoids", "zones", "wkt", "forward", "inverse"}) {
         const auto r = cli({"geo", command, "--help"});
         EXPECT_EQ(r.code, 0) << command;
         EXPECT_NE(r.out.find("Usage"), std::string::npos) << command;
@@ -214,10 +236,11 @@ TEST(GeoidCommands, SeparationFromTheGeoidsFolder) {
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "14.5000\n");
 
-    r = cli({"geoid", "separation", "--model", "36", "--data", f.path.string(), "--server", "http://127.0.0.1:9/",
-             "--timeout", "2", "52", "-1"});
+    r = cli({"geoid", "separation", "--model", "36", "--data", f.path.string(), "--server",
+             "http://127.0.0.1:9/", "--timeout", "2", "52", "-1"});
     EXPECT_EQ(r.code, 1);
-    EXPECT_EQ(r.err, "Error 7: failed to download geoid from\nhttp://127.0.0.1:9/GeoidGrids/osgm02.grd\n");
+    EXPECT_EQ(r.err,
+              "Error 7: failed to download geoid from\nhttp://127.0.0.1:9/GeoidGrids/osgm02.grd\n");
     r = cli({"geoid", "separation", "--model", "99", "--data", f.path.string(), "1", "1"});
     EXPECT_EQ(r.code, 1);
     EXPECT_EQ(r.err, "Error: unable to find geoid model\n");
@@ -228,8 +251,8 @@ TEST(GeoidCommands, AreaRemembersItsEntries) {
     TempFolder f;
     std::ofstream(f.path / "egm96.grd") << kWorld;
     const std::string data = f.path.string(), out = (f.path / "job.grd").string();
-    auto r = cli({"geoid", "area", "--model", "6", "--lat", "45.3", "--lon", "100.15", "--west", "--size", "50",
-                  "--data", data, "--out", out});
+    auto r = cli({"geoid", "area", "--model", "6", "--lat", "45.3", "--lon", "100.15", "--west",
+                  "--size", "50", "--data", data, "--out", out});
     EXPECT_EQ(r.code, 1);
     EXPECT_EQ(r.err, "Warning: max geoid size is 15 degrees\n");
     EXPECT_FALSE(std::filesystem::exists(out));
@@ -274,7 +297,8 @@ TEST(GeoidCommands, ImportAGtxGrid) {
     std::ifstream in(grd);
     std::stringstream text;
     text << in.rdbuf();
-    EXPECT_EQ(text.str(), "40.0000\n350.0000\n41.0000\n351.0000\n1.0\n1.0\n1.5000\n2.5000\n3.5000\n4.5000\n");
+    EXPECT_EQ(text.str(),
+              "40.0000\n350.0000\n41.0000\n351.0000\n1.0\n1.0\n1.5000\n2.5000\n3.5000\n4.5000\n");
     r = cli({"geoid", "import", (f.path / "none.gtx").string(), grd});
     EXPECT_EQ(r.code, 1);
     EXPECT_NE(r.err.find("Error: unable to open"), std::string::npos);

@@ -1,5 +1,5 @@
-#include "cli/cli.h"
 #include "../support/test_support.h"
+#include "cli/cli.h"
 
 #include "../support/cli_support.h"
 
@@ -38,7 +38,8 @@ protected:
 };
 
 TEST_F(RawCli, Classify) {
-    const Result r = runCli({"raw", "classify", "--", "LS,HI5", "--", "JB,NMX,DTD,TMT", "SS,OP1,FP2,AR1,ZE,SD3,--"});
+    const Result r = runCli(
+        {"raw", "classify", "--", "LS,HI5", "--", "JB,NMX,DTD,TMT", "SS,OP1,FP2,AR1,ZE,SD3,--"});
     EXPECT_EQ(r.code, 0);
     EXPECT_EQ(r.out, "3\t5\n-1\n0\n9\tSS\t1\t2\t1\t\t3\n");
     const Result withJob = runCli({"raw", "classify", "--job", "JB,NMX,DTD,TMT"});
@@ -64,7 +65,8 @@ TEST_F(RawCli, ShowTextAndJson) {
 
 TEST_F(RawCli, Modify) {
     const std::string out = (dir / "out.rw5").string();
-    Result r = runCli({"raw", "modify", job, "--field", "horizontal", "--delta", "0.0200", "--points", "2", "-o", out});
+    Result r = runCli({"raw", "modify", job, "--field", "horizontal", "--delta", "0.0200",
+                       "--points", "2", "-o", out});
     EXPECT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "Modified 1 values\n");
     EXPECT_NE(slurp(out).find("SS,OP1,FP2,AR0.0100,ZE90.0000,SD100.000,--IP\n"), std::string::npos);
@@ -74,7 +76,8 @@ TEST_F(RawCli, Modify) {
     EXPECT_EQ(r.out, "Modified 2 values\n");
     EXPECT_NE(slurp(job).find("SD49.500"), std::string::npos); // saved in place
 
-    r = runCli({"raw", "modify", job, "--field", "elevdiff", "--delta", "1", "--points", "2", "-o", out});
+    r = runCli(
+        {"raw", "modify", job, "--field", "elevdiff", "--delta", "1", "--points", "2", "-o", out});
     EXPECT_EQ(r.out, "Modified 1 values\n");
     EXPECT_NE(slurp(out).find("SS,OP1,FP2,AR359.5900,CE1.0000,SD99.500,--IP"), std::string::npos);
 }
@@ -83,10 +86,12 @@ TEST_F(RawCli, UsageErrorsExitTwo) {
     const std::vector<std::vector<std::string>> cases = {
         {},
         {"raw"},
-        {"raw", "modify", "x.rw5", "--field", "distance", "--delta", "1"},                  // no rows chosen
-        {"raw", "modify", "x.rw5", "--field", "speed", "--delta", "1", "--points", "1"},    // unknown field
+        {"raw", "modify", "x.rw5", "--field", "distance", "--delta", "1"}, // no rows chosen
+        {"raw", "modify", "x.rw5", "--field", "speed", "--delta", "1", "--points",
+         "1"}, // unknown field
         {"raw", "modify", "x.rw5", "--field", "distance", "--delta", "1", "--lines", "5-2"},
-        {"raw", "modify", "x.rw5", "--field", "distance", "--delta", "1", "--points", "1", "--lines", "1-2"},
+        {"raw", "modify", "x.rw5", "--field", "distance", "--delta", "1", "--points", "1",
+         "--lines", "1-2"},
         {"raw", "show"},
         {"nonsense"},
     };
@@ -107,8 +112,8 @@ TEST_F(RawCli, FailuresPrintTheMessageAndExitOne) {
         EXPECT_EQ(r.code, 1);
         EXPECT_EQ(r.err, "Error: unable to read raw file\n");
     }
-    const Result w = runCli({"raw", "modify", job, "--field", "distance", "--delta", "1", "--points", "2", "-o",
-                             dir.string()});
+    const Result w = runCli({"raw", "modify", job, "--field", "distance", "--delta", "1",
+                             "--points", "2", "-o", dir.string()});
     EXPECT_EQ(w.code, 1);
     EXPECT_EQ(w.err, "Error: failed to write rawfile\n");
 }

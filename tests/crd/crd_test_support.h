@@ -12,9 +12,9 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <string>
-#include <functional>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -73,7 +73,9 @@ inline Bytes alphaHeader(const std::string &date, const std::string &title,
     return b;
 }
 
-inline void append(Bytes &to, const Bytes &from) { to.insert(to.end(), from.begin(), from.end()); }
+inline void append(Bytes &to, const Bytes &from) {
+    to.insert(to.end(), from.begin(), from.end());
+}
 
 inline Bytes readBytes(const std::filesystem::path &path) {
     std::ifstream in(path, std::ios::binary);
@@ -82,7 +84,8 @@ inline Bytes readBytes(const std::filesystem::path &path) {
 
 inline void writeBytes(const std::filesystem::path &path, const Bytes &bytes) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    out.write(reinterpret_cast<const char *>(bytes.data()),
+              static_cast<std::streamsize>(bytes.size()));
 }
 
 /// Runs `check` as an unprivileged user when the tests run as root (who

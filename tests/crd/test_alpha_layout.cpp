@@ -60,9 +60,14 @@ TEST_F(AlphaLayout, NamesAreNormalised) {
         int error;
     };
     const Case cases[] = {
-        {"a-1", "A_1", 0},      {"  b,2 \r\n", "B_2", 0}, {"xyz123456", "XYZ123456", 0},
-        {"", "", kNameBlank},   {"   ", "", kNameBlank},  {"ABCDEFGHIJ", "", kNameTooLong},
-        {std::string(300, 'N'), "", kNameTooLong},        {"A\x01", "", kNameInvalidCharacter},
+        {"a-1", "A_1", 0},
+        {"  b,2 \r\n", "B_2", 0},
+        {"xyz123456", "XYZ123456", 0},
+        {"", "", kNameBlank},
+        {"   ", "", kNameBlank},
+        {"ABCDEFGHIJ", "", kNameTooLong},
+        {std::string(300, 'N'), "", kNameTooLong},
+        {"A\x01", "", kNameInvalidCharacter},
         {std::string("A\0B", 3), "", kNameInvalidCharacter},
     };
     for (const auto &c : cases) {
@@ -72,7 +77,8 @@ TEST_F(AlphaLayout, NamesAreNormalised) {
         EXPECT_EQ(crd.writePoint(p), c.error == 0) << c.given;
         EXPECT_EQ(crd.lastError(), c.error) << c.given;
         if (c.error == kNameBlank) {
-            EXPECT_EQ(ui.messages, std::vector<std::string>{"\nInvalid point number: empty string."});
+            EXPECT_EQ(ui.messages,
+                      std::vector<std::string>{"\nInvalid point number: empty string."});
         }
         if (c.error == 0) {
             CrdPoint back;
@@ -92,7 +98,8 @@ TEST_F(AlphaLayout, ReplaceInPlaceAndTruncate) {
     ASSERT_TRUE(crd.writePoint(p, false, &previous));
     EXPECT_EQ(previous.name, "P1");
     EXPECT_EQ(previous.description, "old");
-    EXPECT_EQ(ui.messages.back(), "\nWarning: Truncating description that contains too many characters.");
+    EXPECT_EQ(ui.messages.back(),
+              "\nWarning: Truncating description that contains too many characters.");
     Bytes expected = alphaHeader("04/15/2009", "");
     append(expected, alphaRecord(8, 7, 0, d32.substr(0, 31), "P1")); // no elevation: 0.0
     append(expected, alphaRecord(3, 2, 4, "", "P2"));
@@ -128,8 +135,8 @@ TEST_F(AlphaLayout, ReadingWithDirections) {
         const char *found;
     };
     const Case cases[] = {
-        {"D", 0, "D"}, {"C", 0, nullptr}, {"C", 1, "D"}, {"C", -1, "B"}, {"A", 1, "B"},
-        {"A", -1, nullptr}, {"G", -1, "F"}, {"G", 1, nullptr}, {"E", -1, "D"}, {"f", 0, "F"},
+        {"D", 0, "D"},      {"C", 0, nullptr}, {"C", 1, "D"},     {"C", -1, "B"}, {"A", 1, "B"},
+        {"A", -1, nullptr}, {"G", -1, "F"},    {"G", 1, nullptr}, {"E", -1, "D"}, {"f", 0, "F"},
     };
     for (const auto &c : cases) {
         CrdPoint p;

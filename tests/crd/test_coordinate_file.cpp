@@ -36,8 +36,9 @@ TEST(CrdErrors, TextsAndUnknownCodes) {
     EXPECT_EQ(errorText(0), "No error.");
     EXPECT_EQ(errorText(21), "The coordinate file could not be opened. Perhaps it is read-only or\n"
                              "is being used by another program or does not exist.");
-    EXPECT_EQ(errorText(52), "Point name contains an invalid character for numeric format crd files.\n"
-                             "Consider switching crd file format to alphanumeric.");
+    EXPECT_EQ(errorText(52),
+              "Point name contains an invalid character for numeric format crd files.\n"
+              "Consider switching crd file format to alphanumeric.");
     EXPECT_EQ(errorText(56), "Failed to find Feature in the DB");
     for (int unknown : {14, 19, 36, 41, 43, 49, 57, -1})
         EXPECT_EQ(errorText(unknown),
@@ -51,10 +52,10 @@ TEST(CrdFileKinds, ExtensionMapping) {
         const char *text;
     };
     const Case cases[] = {
-        {"a.crd", 0, 0, "crd"},  {"a.CRD", 1, 1, "crd"},  {"a.crd", 4, 4, "crd"},
-        {"a.crd", 7, 1, "crd"},  {"a.crd", -1, 1, "crd"}, {"a.cgc", 0, 3, "cgc"},
-        {"a.zak", 0, 5, "zak"},  {"a.mdb", 0, 6, "mdb"},  {"a.dwg", 0, 7, "dwg"},
-        {"a.crdb", 0, 8, "crdb"}, {"a.txt", 0, -1, ""},   {"crd", 0, -1, ""},
+        {"a.crd", 0, 0, "crd"},   {"a.CRD", 1, 1, "crd"},  {"a.crd", 4, 4, "crd"},
+        {"a.crd", 7, 1, "crd"},   {"a.crd", -1, 1, "crd"}, {"a.cgc", 0, 3, "cgc"},
+        {"a.zak", 0, 5, "zak"},   {"a.mdb", 0, 6, "mdb"},  {"a.dwg", 0, 7, "dwg"},
+        {"a.crdb", 0, 8, "crdb"}, {"a.txt", 0, -1, ""},    {"crd", 0, -1, ""},
     };
     for (const auto &c : cases) {
         EXPECT_EQ(formatFromExtension(c.path, c.defaultFormat), c.format) << c.path;
@@ -110,8 +111,8 @@ TEST_F(CoordinateFileTest, DamagedFiles) {
         const char *what;
         Bytes bytes;
         bool opens;
-        int error;            // of the open, or of the first read
-        long readable;        // points a walk gets before it stops
+        int error;     // of the open, or of the first read
+        long readable; // points a walk gets before it stops
     };
     Bytes numeric;
     addDouble(numeric, 3.0);
@@ -153,11 +154,12 @@ TEST_F(CoordinateFileTest, DamagedFiles) {
         EXPECT_EQ(count, c.readable) << c.what;
         EXPECT_EQ(crd.lastError(), c.error) << c.what;
     }
-    EXPECT_NE(std::find(ui.messages.begin(), ui.messages.end(),
-                        "\nError 23: Could not open file: " + file("damaged.crd").string() +
-                            "\nUnspecified error reading or writing file.\nIt might be read-only or "
-                            "in use by another application or be invalid."),
-              ui.messages.end());
+    EXPECT_NE(
+        std::find(ui.messages.begin(), ui.messages.end(),
+                  "\nError 23: Could not open file: " + file("damaged.crd").string() +
+                      "\nUnspecified error reading or writing file.\nIt might be read-only or "
+                      "in use by another application or be invalid."),
+        ui.messages.end());
 }
 
 TEST_F(CoordinateFileTest, ZeroLengthFileIsMadeNew) {
@@ -244,8 +246,9 @@ TEST_F(CoordinateFileTest, DeleteKeepsTheRestTheHeaderAndOtherNotes) {
         tramline::PointList list;
         ASSERT_TRUE(list.parse("1-2,5,9"));
         std::vector<CrdPoint> removed;
-        EXPECT_EQ(crd.deletePoints([&](const CrdPoint &p) { return list.contains(p.name); }, &removed),
-                  3);
+        EXPECT_EQ(
+            crd.deletePoints([&](const CrdPoint &p) { return list.contains(p.name); }, &removed),
+            3);
         ASSERT_EQ(removed.size(), 3u);
         EXPECT_EQ(removed[1].description, "d2");
         EXPECT_EQ(names(crd), (std::vector<std::string>{"3", "4", "7"}));
@@ -263,7 +266,8 @@ TEST_F(CoordinateFileTest, DeleteKeepsTheRestTheHeaderAndOtherNotes) {
         ASSERT_TRUE(crd.openForReading(path));
         EXPECT_EQ(names(crd), (std::vector<std::string>{"3", "4", "7", "8"}));
     }
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), {}), 4); // files and notes, no temporary
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), {}),
+              4); // files and notes, no temporary
 }
 
 TEST_F(CoordinateFileTest, CreatingAnewRemovesTheNotes) {
@@ -333,7 +337,8 @@ TEST_F(CoordinateFileTest, SaveAsAndRenameCarryTheSideFiles) {
 }
 
 TEST(CrdNotes, TextSurvivesEscapes) {
-    const auto path = std::filesystem::temp_directory_path() / ("tramline-notes-" + std::to_string(::getpid()) + ".not");
+    const auto path = std::filesystem::temp_directory_path() /
+                      ("tramline-notes-" + std::to_string(::getpid()) + ".not");
     NotesFile notes;
     notes.add("A\t1", "line one\nline\\two\r");
     notes.add("a1", "second");

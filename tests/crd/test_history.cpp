@@ -87,7 +87,7 @@ TEST_F(History, EntriesByteForByte) {
     ASSERT_EQ(entries.size(), 4u);
     EXPECT_EQ(entries[1].text, "raw.rw5"); // repeated from the entry before
     EXPECT_EQ(entries[1].secondText, "amy");
-    EXPECT_EQ(entries[1].time, 1000u);     // the stamp before it
+    EXPECT_EQ(entries[1].time, 1000u); // the stamp before it
     EXPECT_FALSE(entries[1].stamped);
     EXPECT_EQ(entries[1].elevation, 4.0);
     EXPECT_EQ(entries[3].operation, 85);
@@ -98,7 +98,8 @@ TEST_F(History, EntriesByteForByte) {
     EXPECT_EQ(describeHistoryEntry(entries[0]),
               "Thu Jan  1 00:16:40 1970  Input-Edit Point  12: N 2.5000 E 1.5000 Z 3.5000 "
               "description \"IP\" (raw.rw5)");
-    EXPECT_EQ(describeHistoryEntry(entries[2]), "Thu Jan  1 00:16:50 1970  Delete Points  12: removed");
+    EXPECT_EQ(describeHistoryEntry(entries[2]),
+              "Thu Jan  1 00:16:50 1970  Delete Points  12: removed");
 }
 
 TEST_F(History, ChangeMask) {
@@ -114,7 +115,12 @@ TEST_F(History, ChangeMask) {
         {"name", [](CrdPoint &p) { p.name = "B"; }, 4},
         {"description", [](CrdPoint &p) { p.description = "x"; }, 8},
         {"code", [](CrdPoint &p) { p.code = "x"; }, 16},
-        {"easting and elevation", [](CrdPoint &p) { p.easting = 9; p.elevation = 9; }, 32 | 128},
+        {"easting and elevation",
+         [](CrdPoint &p) {
+             p.easting = 9;
+             p.elevation = 9;
+         },
+         32 | 128},
         {"northing", [](CrdPoint &p) { p.northing = 9; }, 64},
     };
     for (const auto &c : cases) {

@@ -49,7 +49,7 @@ TEST_F(NumericLayout, NewFileIsOneHeaderRecordDatedToday) {
 TEST_F(NumericLayout, PointFiveFillsTheGapWithEmptySlots) {
     ASSERT_TRUE(put("5", 2000.5, 1000.25, 12.5, "IP"));
     Bytes expected = newNumericHeader(5.0);
-    append(expected, numericRecord(0, 0, 0, ""));  // left to the file system
+    append(expected, numericRecord(0, 0, 0, "")); // left to the file system
     for (int i = 2; i <= 4; ++i)
         append(expected, numericRecord(0, 0, 0, " ")); // filler records
     append(expected, numericRecord(1000.25, 2000.5, 12.5, "IP"));
@@ -86,11 +86,11 @@ TEST_F(NumericLayout, RecordRules) {
     const std::string d32(32, 'x');
     const Case cases[] = {
         {0, 0, 0, "origin", 1e-6, "origin", 0.0, false},      // not an empty slot
-        {5, 6, 98765432.1, "", 0.0, "", 0.0, false},           // no elevation
-        {0, 0, 98765432.1, "", 1e-6, "", 0.0, false},          // both: still a point
-        {0, 1, 1e-6, "", 1e-6, "", 1e-6, false},               // 1e-6 is real off the origin
-        {1, 2, 3, d32, 3, d32.substr(0, 31), 3, true},         // cut with a warning
-        {1, 2, 3, "tab\tbell\a", 3, "tab\tbell\a", 3, false},   // control characters kept
+        {5, 6, 98765432.1, "", 0.0, "", 0.0, false},          // no elevation
+        {0, 0, 98765432.1, "", 1e-6, "", 0.0, false},         // both: still a point
+        {0, 1, 1e-6, "", 1e-6, "", 1e-6, false},              // 1e-6 is real off the origin
+        {1, 2, 3, d32, 3, d32.substr(0, 31), 3, true},        // cut with a warning
+        {1, 2, 3, "tab\tbell\a", 3, "tab\tbell\a", 3, false}, // control characters kept
         {1, 2, 3, std::string("cut\0here", 8), 3, "cut", 3, false},
     };
     for (const auto &c : cases) {
@@ -163,13 +163,18 @@ TEST_F(NumericLayout, ReadingWithDirections) {
         int error;
     };
     const Case cases[] = {
-        {"5", 0, "5", 0},     {"3", 0, nullptr, kPointNotFound},
-        {"3", 1, "5", 0},     {"3", -1, "2", 0},
-        {"50", -1, "9", 0},   {"50", 0, nullptr, kPointNotFound},
+        {"5", 0, "5", 0},
+        {"3", 0, nullptr, kPointNotFound},
+        {"3", 1, "5", 0},
+        {"3", -1, "2", 0},
+        {"50", -1, "9", 0},
+        {"50", 0, nullptr, kPointNotFound},
         {"50", 1, nullptr, kPointNotFound},
-        {"0", 1, "2", 0},     {"0", 0, nullptr, kNameTooLow},
+        {"0", 1, "2", 0},
+        {"0", 0, nullptr, kNameTooLow},
         {"-4", -1, nullptr, kNameTooLow},
-        {"1", -1, nullptr, kPointNotFound}, {"7", 1, "9", 0},
+        {"1", -1, nullptr, kPointNotFound},
+        {"7", 1, "9", 0},
     };
     for (const auto &c : cases) {
         CrdPoint p;
@@ -186,9 +191,9 @@ TEST_F(NumericLayout, ReadMessagesUnlessQuiet) {
     ASSERT_TRUE(put("2", 2, 2, 2));
     CrdPoint p;
     EXPECT_FALSE(crd.readPoint("8", p));
-    EXPECT_EQ(ui.messages, (std::vector<std::string>{
-                               "\nRequested point number greater than highest in file.",
-                               "\nRequested point# 8 has no coordinate stored."}));
+    EXPECT_EQ(ui.messages,
+              (std::vector<std::string>{"\nRequested point number greater than highest in file.",
+                                        "\nRequested point# 8 has no coordinate stored."}));
     ui.messages.clear();
     EXPECT_FALSE(crd.readPoint("0", p));
     EXPECT_EQ(ui.messages, std::vector<std::string>{"\nPoint numbers must be >= 1"});

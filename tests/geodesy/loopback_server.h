@@ -48,13 +48,14 @@ class LoopbackServer {
 public:
     explicit LoopbackServer(const std::filesystem::path &root) : m_port(freePort()) {
         const std::string port = std::to_string(m_port), directory = root.string();
-        const char *argv[] = {"python3", "-m", "http.server", port.c_str(), "--bind", "127.0.0.1",
-                              "--directory", directory.c_str(), nullptr};
+        const char *argv[] = {"python3",   "-m",          "http.server",     port.c_str(), "--bind",
+                              "127.0.0.1", "--directory", directory.c_str(), nullptr};
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
         posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-        if (posix_spawnp(&m_pid, "python3", &actions, nullptr, const_cast<char **>(argv), environ) != 0)
+        if (posix_spawnp(&m_pid, "python3", &actions, nullptr, const_cast<char **>(argv),
+                         environ) != 0)
             m_pid = -1;
         posix_spawn_file_actions_destroy(&actions);
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);

@@ -27,18 +27,21 @@ struct Folder : tramline::test::ScratchFolder {
 // An NTv2 ASCII file: 2 x 3 nodes over 40..41 N, 10..12 E (seconds, west
 // positive), latitude shifts 1, 2, 3..., longitude shifts 10, 20, 30...
 std::string ntv2(const std::string &overview = "", const std::string &sub = "", int nodes = 6) {
-    std::string text = overview.empty() ? "NUM_OREC      11\nNUM_SREC      11\nNUM_FILE       1\n"
-                                          "GS_TYPE SECONDS\nVERSION NTv2.0\nSYSTEM_FA\nSYSTEM_TB\n"
-                                          "MAJOR_F 6378137.0\nMINOR_F 6356752.3\nMAJOR_T 6378137.0\n"
-                                          "MINOR_T 6356752.3\n"
-                                        : overview;
-    text += sub.empty() ? "SUB_NAMETEST\nPARENT  NONE\nCREATED 2020\nUPDATED 2020\nS_LAT   144000.0\n"
-                          "N_LAT   147600.0\nE_LONG  -43200.0\nW_LONG  -36000.0\nLAT_INC 3600.0\n"
-                          "LONG_INC3600.0\nGS_COUNT 6\n"
-                        : sub;
+    std::string text = overview.empty()
+                           ? "NUM_OREC      11\nNUM_SREC      11\nNUM_FILE       1\n"
+                             "GS_TYPE SECONDS\nVERSION NTv2.0\nSYSTEM_FA\nSYSTEM_TB\n"
+                             "MAJOR_F 6378137.0\nMINOR_F 6356752.3\nMAJOR_T 6378137.0\n"
+                             "MINOR_T 6356752.3\n"
+                           : overview;
+    text += sub.empty()
+                ? "SUB_NAMETEST\nPARENT  NONE\nCREATED 2020\nUPDATED 2020\nS_LAT   144000.0\n"
+                  "N_LAT   147600.0\nE_LONG  -43200.0\nW_LONG  -36000.0\nLAT_INC 3600.0\n"
+                  "LONG_INC3600.0\nGS_COUNT 6\n"
+                : sub;
     for (int i = 0; i < nodes; ++i) {
         char line[64];
-        std::snprintf(line, sizeof line, "%10.6f%10.6f%10.6f%10.6f\n", i + 1.0, 10.0 * (i + 1), 0.0, 0.0);
+        std::snprintf(line, sizeof line, "%10.6f%10.6f%10.6f%10.6f\n", i + 1.0, 10.0 * (i + 1), 0.0,
+                      0.0);
         text += line;
     }
     return text;
@@ -124,10 +127,12 @@ TEST(ShiftGrids, OpenInterpolateAndRefuse) {
     Status status;
     ShiftGrids grids;
     status = grids.open("Belgium", f.path);
-    EXPECT_EQ(status.message, "Error: missing datum shift file " + (f.path / "Belgium72_dEast.grd").string());
+    EXPECT_EQ(status.message,
+              "Error: missing datum shift file " + (f.path / "Belgium72_dEast.grd").string());
     std::ofstream(f.path / "Belgium72_dEast.grd") << "49\n2\n52\n7\n1.0\n1.0\n0.1\n0.2\n0.3\n0.4\n";
     status = grids.open("Belgium", f.path);
-    EXPECT_EQ(status.message, "Error: missing datum shift file " + (f.path / "Belgium72_dNorth.grd").string());
+    EXPECT_EQ(status.message,
+              "Error: missing datum shift file " + (f.path / "Belgium72_dNorth.grd").string());
     std::ofstream(f.path / "Belgium72_dNorth.grd") << "49\n2\n52\n7\n1.0\n1.0\n-1\n-1\n-2\n-2\n";
     ASSERT_TRUE(grids.open("Belgium", f.path).ok());
     EXPECT_EQ(grids.size(), 2u);
@@ -150,17 +155,28 @@ TEST(Ntv2Grid, EveryHeaderCheckHasItsMessage) {
     };
     const Case cases[] = {
         {"empty", "", "Grid file truncated - header incomplete"},
-        {"overview cut short", good.substr(0, good.find("MAJOR_F")), "Grid file truncated - header incomplete"},
-        {"sub grid header cut short", good.substr(0, good.find("LAT_INC")), "Grid file truncated - header incomplete"},
-        {"no GS_TYPE", replaced(good, "GS_TYPE SECONDS", "GS_TYPX SECONDS"), "Missing GS_TYPE record in grid file header"},
-        {"metres", replaced(good, "GS_TYPE SECONDS", "GS_TYPE METRES"), "Unsupported GS_TYPE in grid file - must be SECONDS"},
-        {"two grids", replaced(good, "NUM_FILE       1", "NUM_FILE       2"), "Grid file contains multiple grids - not supported"},
-        {"bad NUM_SREC", replaced(good, "NUM_SREC      11", "NUM_SREC      xx"), "Invalid NUM_SREC record"},
-        {"tiny NUM_SREC", replaced(good, "NUM_SREC      11", "NUM_SREC       3"), "Invalid NUM_SREC record"},
-        {"zero LAT_INC", replaced(good, "LAT_INC 3600.0", "LAT_INC 0"), "Invalid LAT_INC record in sub grid header"},
-        {"text LAT_INC", replaced(good, "LAT_INC 3600.0", "LAT_INC abc"), "Invalid LAT_INC record in sub grid header"},
-        {"no LONG_INC", replaced(good, "LONG_INC3600.0", "LONG_IN 3600.0"), "Invalid LONG_INC record in sub grid header"},
-        {"count off", replaced(good, "GS_COUNT 6", "GS_COUNT 7"), "Invalid GS_COUNT record in sub grid header"},
+        {"overview cut short", good.substr(0, good.find("MAJOR_F")),
+         "Grid file truncated - header incomplete"},
+        {"sub grid header cut short", good.substr(0, good.find("LAT_INC")),
+         "Grid file truncated - header incomplete"},
+        {"no GS_TYPE", replaced(good, "GS_TYPE SECONDS", "GS_TYPX SECONDS"),
+         "Missing GS_TYPE record in grid file header"},
+        {"metres", replaced(good, "GS_TYPE SECONDS", "GS_TYPE METRES"),
+         "Unsupported GS_TYPE in grid file - must be SECONDS"},
+        {"two grids", replaced(good, "NUM_FILE       1", "NUM_FILE       2"),
+         "Grid file contains multiple grids - not supported"},
+        {"bad NUM_SREC", replaced(good, "NUM_SREC      11", "NUM_SREC      xx"),
+         "Invalid NUM_SREC record"},
+        {"tiny NUM_SREC", replaced(good, "NUM_SREC      11", "NUM_SREC       3"),
+         "Invalid NUM_SREC record"},
+        {"zero LAT_INC", replaced(good, "LAT_INC 3600.0", "LAT_INC 0"),
+         "Invalid LAT_INC record in sub grid header"},
+        {"text LAT_INC", replaced(good, "LAT_INC 3600.0", "LAT_INC abc"),
+         "Invalid LAT_INC record in sub grid header"},
+        {"no LONG_INC", replaced(good, "LONG_INC3600.0", "LONG_IN 3600.0"),
+         "Invalid LONG_INC record in sub grid header"},
+        {"count off", replaced(good, "GS_COUNT 6", "GS_COUNT 7"),
+         "Invalid GS_COUNT record in sub grid header"},
         {"nodes cut short", ntv2("", "", 5), "Grid file truncated - grid nodes incomplete"},
         {"node of text", replaced(good, "  1.000000", "  1.0x0000"), "Invalid grid node record"},
         {"garbage", std::string(2000, '\xff'), "Grid file truncated - header incomplete"},
@@ -212,11 +228,14 @@ TEST(Ntv2Grid, AgreesWithProjOnARealGrid) {
     PJ *pj = proj_create(ctx, ("+proj=hgridshift +grids=" + gsb.string()).c_str());
     ASSERT_NE(pj, nullptr);
     std::mt19937 random(3);
-    std::uniform_real_distribution<double> latitude(grid.southSeconds() / 3600, grid.northSeconds() / 3600);
-    std::uniform_real_distribution<double> longitude(-grid.westSeconds() / 3600, -grid.eastSeconds() / 3600);
+    std::uniform_real_distribution<double> latitude(grid.southSeconds() / 3600,
+                                                    grid.northSeconds() / 3600);
+    std::uniform_real_distribution<double> longitude(-grid.westSeconds() / 3600,
+                                                     -grid.eastSeconds() / 3600);
     for (int i = 0; i < 200; ++i) {
         double lat = latitude(random), lon = longitude(random);
-        const PJ_COORD out = proj_trans(pj, PJ_FWD, proj_coord(lon * M_PI / 180, lat * M_PI / 180, 0, 0));
+        const PJ_COORD out =
+            proj_trans(pj, PJ_FWD, proj_coord(lon * M_PI / 180, lat * M_PI / 180, 0, 0));
         ASSERT_TRUE(grid.apply(lat, lon).ok());
         // 1e-9 degree is 0.1 mm; the ASCII form keeps shifts to 1e-6".
         EXPECT_NEAR(lat, out.lp.phi * 180 / M_PI, 1e-9);
@@ -229,7 +248,8 @@ TEST(Ntv2Grid, AgreesWithProjOnARealGrid) {
 TEST(Ostn02, PairShiftsAndReturns) {
     Folder f;
     Ostn02 ostn;
-    EXPECT_EQ(ostn.open(f.path).message, "Error: missing OSTN file " + (f.path / "ostn02_x.bin").string());
+    EXPECT_EQ(ostn.open(f.path).message,
+              "Error: missing OSTN file " + (f.path / "ostn02_x.bin").string());
     // 3 x 3 km grid from the origin; shifts grow eastward (x) and northward (y).
     OstnGrid x(4, 4, 0, 0, 1000), y(4, 4, 0, 0, 1000);
     for (int r = 0; r < 4; ++r)
@@ -241,7 +261,8 @@ TEST(Ostn02, PairShiftsAndReturns) {
         std::ofstream out(f.path / "ostn02_x.bin", std::ios::binary);
         ASSERT_TRUE(x.write(out));
     }
-    EXPECT_EQ(ostn.open(f.path).message, "Error: missing OSTN file " + (f.path / "ostn02_y.bin").string());
+    EXPECT_EQ(ostn.open(f.path).message,
+              "Error: missing OSTN file " + (f.path / "ostn02_y.bin").string());
     {
         std::ofstream out(f.path / "ostn02_y.bin", std::ios::binary);
         ASSERT_TRUE(y.write(out));
@@ -276,7 +297,8 @@ TEST(NadConverter, MissingGridsAndAGridThatIsThere) {
     Status status = converter.open(f.path, "no_such_grid.tif");
     EXPECT_EQ(status.message, "\nInternal Error1: failed to open NadConverter");
     double lat = 50, lon = 10;
-    EXPECT_EQ(converter.convert(lat, lon).message, "\nInternal Error1: failed to open NadConverter");
+    EXPECT_EQ(converter.convert(lat, lon).message,
+              "\nInternal Error1: failed to open NadConverter");
 
     // Any NTv2 grid in the data folder serves to show the path works.
     const std::filesystem::path gsb = "/usr/share/proj/BETA2007.gsb";

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-
 #include <chrono>
 #include <fstream>
 
@@ -43,7 +42,9 @@ struct Folders {
     ~Folders() { std::filesystem::remove_all(root); }
 };
 
-std::string refusedServer() { return "http://127.0.0.1:" + std::to_string(tramline::testing::freePort()) + "/"; }
+std::string refusedServer() {
+    return "http://127.0.0.1:" + std::to_string(tramline::testing::freePort()) + "/";
+}
 
 } // namespace
 
@@ -97,7 +98,8 @@ TEST(GeoidFiles, MissingOnTheServer) {
     double n = 0;
     const Status status = models.separation(6, 45, 10, n);
     EXPECT_EQ(status.code, StatusCode::Download);
-    EXPECT_EQ(status.message, "Error 404: failed to download geoid from\n" + server.base() + "GeoidGrids/egm96.grd");
+    EXPECT_EQ(status.message, "Error 404: failed to download geoid from\n" + server.base() +
+                                  "GeoidGrids/egm96.grd");
     // Nothing that looks like a grid is left behind.
     EXPECT_FALSE(std::filesystem::exists(f.data / "egm96.grd"));
     EXPECT_FALSE(std::filesystem::exists(f.data / "egm96.grd.part"));
@@ -110,9 +112,11 @@ TEST(GeoidFiles, ServerThatNeverAnswers) {
     double n = 0;
     const auto start = std::chrono::steady_clock::now();
     const Status status = models.separation(6, 45, 10, n);
-    const auto seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const auto seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     EXPECT_EQ(status.code, StatusCode::Download);
-    EXPECT_EQ(status.message, "Error 28: failed to download geoid from\n" + server.base() + "GeoidGrids/egm96.grd");
+    EXPECT_EQ(status.message,
+              "Error 28: failed to download geoid from\n" + server.base() + "GeoidGrids/egm96.grd");
     EXPECT_LT(seconds, 10.0) << "the download must give up by its time limit";
 }
 
@@ -122,7 +126,8 @@ TEST(GeoidFiles, NoServerAtAll) {
     GeoidModels models({f.data, base, 5});
     double n = 0;
     const Status status = models.separation(6, 45, 10, n);
-    EXPECT_EQ(status.message, "Error 7: failed to download geoid from\n" + base + "GeoidGrids/egm96.grd");
+    EXPECT_EQ(status.message,
+              "Error 7: failed to download geoid from\n" + base + "GeoidGrids/egm96.grd");
 }
 
 TEST(GeoidFiles, GpsReductionMessages) {
@@ -137,23 +142,27 @@ TEST(GeoidFiles, GpsReductionMessages) {
     };
     const Case cases[] = {
         {0, 52, -1, "Warning: Geoid model not set.\nRun Configure Field->GPS Settings."},
-        {36, 40, -1, "Warning: Beyond set Geoid model area.\nRun Configure Field->GPS Settings to reset."},
-        {1, 10, -100, "Warning: Beyond set Geoid model area.\nRun Configure Field->GPS Settings to reset."},
+        {36, 40, -1,
+         "Warning: Beyond set Geoid model area.\nRun Configure Field->GPS Settings to reset."},
+        {1, 10, -100,
+         "Warning: Beyond set Geoid model area.\nRun Configure Field->GPS Settings to reset."},
         {kAusGeoid98, -35, 149, "Error: AUSGeoid98 Geoid model not installed."},
     };
     for (const auto &c : cases) {
         const Status status = gpsSeparation(models, c.code, c.latitude, c.longitude, n);
         EXPECT_EQ(status.message, c.message) << c.code;
     }
-    ASSERT_TRUE(gpsSeparation(models, 36, 55, 1, n).ok()); // 1 E is 361 in a grid that runs past 360
-    EXPECT_NEAR(n, 35.0 / 12.0, 1e-6); // 11/12 of the way east, half way north
+    ASSERT_TRUE(
+        gpsSeparation(models, 36, 55, 1, n).ok()); // 1 E is 361 in a grid that runs past 360
+    EXPECT_NEAR(n, 35.0 / 12.0, 1e-6);             // 11/12 of the way east, half way north
 
     // AUSGeoid98 installed, but not where the point is: every tile present,
     // none covers it.
     for (const auto &file : geoidModelFiles(kAusGeoid98))
         write(f.data / file, "-40.0000\n140.0000\n-39.0000\n141.0000\n1.0\n1.0\n1\n1\n1\n1\n");
     EXPECT_EQ(gpsSeparation(models, kAusGeoid98, -35, 149, n).message,
-              "Warning: AUSGeoid98 Geoid model not defined for current position.\nRun Configure Field->GPS Settings.");
+              "Warning: AUSGeoid98 Geoid model not defined for current position.\nRun Configure "
+              "Field->GPS Settings.");
     ASSERT_TRUE(gpsSeparation(models, kAusGeoid98, -39.5, 140.5, n).ok());
     EXPECT_NEAR(n, 1.0, 1e-9);
 }

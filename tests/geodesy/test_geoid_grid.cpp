@@ -29,7 +29,8 @@ GeoidGrid smallGrid() {
 }
 
 std::filesystem::path tempDir() {
-    auto dir = std::filesystem::temp_directory_path() / ("tramline-geoid-" + std::to_string(::getpid()));
+    auto dir =
+        std::filesystem::temp_directory_path() / ("tramline-geoid-" + std::to_string(::getpid()));
     std::filesystem::create_directories(dir);
     return dir;
 }
@@ -63,21 +64,23 @@ TEST(GeoidGrid, ReadsAndInterpolates) {
         double latitude, longitude, expected;
     };
     const Case cases[] = {
-        {10, 350, 1},           // south-west corner node
-        {12, 352, 23},          // a node on the north edge
-        {11, 350.5, 11.5},      // half way between nodes
-        {10.5, 351.5, 7.5},     // centre of a cell
-        {10, -10, 1},           // a longitude west of Greenwich finds the 0..360 grid
+        {10, 350, 1},       // south-west corner node
+        {12, 352, 23},      // a node on the north edge
+        {11, 350.5, 11.5},  // half way between nodes
+        {10.5, 351.5, 7.5}, // centre of a cell
+        {10, -10, 1},       // a longitude west of Greenwich finds the 0..360 grid
         {11.5, 352.5, 0.5 * (0.5 * (13 + 14) + 0.5 * (23 - 24.5))},
-        {12, 353, -24.5},       // the north-east corner
+        {12, 353, -24.5}, // the north-east corner
     };
     for (const auto &c : cases) {
         double n = 0;
-        ASSERT_TRUE(grid.separation(c.latitude, c.longitude, n)) << c.latitude << " " << c.longitude;
+        ASSERT_TRUE(grid.separation(c.latitude, c.longitude, n))
+            << c.latitude << " " << c.longitude;
         EXPECT_NEAR(n, c.expected, 1e-5) << c.latitude << " " << c.longitude;
     }
     double n = 0;
-    for (auto [lat, lon] : {std::pair{9.999, 351.0}, {12.001, 351.0}, {11.0, 349.9}, {11.0, 353.1}, {NAN, 351.0}})
+    for (auto [lat, lon] :
+         {std::pair{9.999, 351.0}, {12.001, 351.0}, {11.0, 349.9}, {11.0, 353.1}, {NAN, 351.0}})
         EXPECT_FALSE(grid.separation(lat, lon, n)) << lat << " " << lon;
     EXPECT_TRUE(grid.bounds().contains(11, -8.5));
     EXPECT_FALSE(grid.bounds().contains(11, 8.5));
@@ -107,14 +110,23 @@ TEST(GeoidGrid, BadFilesAreRefused) {
     };
     const Case cases[] = {
         {"empty", "", "Error: bad.grd is not a grid file"},
-        {"header only", good.substr(0, good.find("1.0000\n2.0000")), "Error: grid file bad.grd is truncated"},
+        {"header only", good.substr(0, good.find("1.0000\n2.0000")),
+         "Error: grid file bad.grd is truncated"},
         {"missing nodes", good.substr(0, good.size() - 9), "Error: grid file bad.grd is truncated"},
-        {"a node of text", [&] { std::string s = good; s.replace(s.find("13.0000"), 7, "13.x000"); return s; }(),
+        {"a node of text",
+         [&] {
+             std::string s = good;
+             s.replace(s.find("13.0000"), 7, "13.x000");
+             return s;
+         }(),
          "Error: bad.grd is not a grid file"},
         {"north below south", "12\n350\n10\n353\n2.0\n3.0\n", "Error: bad.grd is not a grid file"},
-        {"fractional intervals", "10\n350\n12\n353\n2.5\n3.0\n", "Error: bad.grd is not a grid file"},
-        {"absurd size", "10\n350\n12\n353\n100000000\n100000000\n", "Error: bad.grd is not a grid file"},
-        {"binary garbage", std::string("\x00\x01\xff\xfe\n\n\x7f", 7), "Error: bad.grd is not a grid file"},
+        {"fractional intervals", "10\n350\n12\n353\n2.5\n3.0\n",
+         "Error: bad.grd is not a grid file"},
+        {"absurd size", "10\n350\n12\n353\n100000000\n100000000\n",
+         "Error: bad.grd is not a grid file"},
+        {"binary garbage", std::string("\x00\x01\xff\xfe\n\n\x7f", 7),
+         "Error: bad.grd is not a grid file"},
         {"overlong header line", std::string(400, '1') + "\n350\n12\n353\n2.0\n3.0\n",
          "Error: bad.grd is not a grid file"},
     };
@@ -169,7 +181,8 @@ TEST(GtxImport, GlobalAndRegionalGrids) {
 TEST(GtxImport, AgreesWithProjAtAThousandPoints) {
     const std::filesystem::path source = "/usr/share/proj/egm96_15.gtx";
     if (!std::filesystem::exists(source))
-        GTEST_SKIP() << source << " is absent (install proj-data); the agreement with PROJ is not checked";
+        GTEST_SKIP() << source
+                     << " is absent (install proj-data); the agreement with PROJ is not checked";
     const auto converted = tempDir() / "egm96.grd";
     ASSERT_TRUE(importGtx(source, converted).ok());
     GeoidGrid grid;
@@ -185,7 +198,8 @@ TEST(GtxImport, AgreesWithProjAtAThousandPoints) {
     double worst = 0;
     for (int i = 0; i < 1000; ++i) {
         const double lat = latitude(random), lon = longitude(random);
-        const PJ_COORD out = proj_trans(pj, PJ_FWD, proj_coord(lon * M_PI / 180, lat * M_PI / 180, 0, 0));
+        const PJ_COORD out =
+            proj_trans(pj, PJ_FWD, proj_coord(lon * M_PI / 180, lat * M_PI / 180, 0, 0));
         double ours = 0;
         ASSERT_TRUE(grid.separation(lat, lon, ours)) << lat << " " << lon;
         ASSERT_TRUE(std::isfinite(out.xyz.z)) << lat << " " << lon;

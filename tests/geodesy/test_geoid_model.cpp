@@ -30,7 +30,7 @@ TEST(GeoidModel, FileChoice) {
     };
     const Case cases[] = {
         {6, 45, -100, "egm96.grd", 260},
-        {7, 0, 10, "egm08n.grd", 10},     // the equator belongs to the north
+        {7, 0, 10, "egm08n.grd", 10}, // the equator belongs to the north
         {7, -0.0001, 10, "egm08s.grd", 10},
         {1, 45, -100, "g1999u02.grd", 260}, // -100 is 260 east: second band
         {1, 30, -100, "g1999u06.grd", 260},
@@ -54,7 +54,8 @@ TEST(GeoidModel, FileChoice) {
     for (const auto &c : cases) {
         GeoidFileChoice choice;
         const Status status = chooseGeoidFile(c.code, c.latitude, c.longitude, nullptr, choice);
-        ASSERT_TRUE(status.ok()) << c.code << " " << c.latitude << " " << c.longitude << ": " << status.message;
+        ASSERT_TRUE(status.ok()) << c.code << " " << c.latitude << " " << c.longitude << ": "
+                                 << status.message;
         EXPECT_EQ(choice.file, c.file) << c.code << " " << c.latitude << " " << c.longitude;
         EXPECT_DOUBLE_EQ(choice.longitude, c.lookupLongitude) << c.code;
     }
@@ -99,12 +100,14 @@ TEST(GeoidModel, SearchedModels) {
     Status status = chooseGeoidFile(kAusGeoid98, -60, 125, reader, choice);
     EXPECT_EQ(status.code, StatusCode::NotFound);
 
-    const auto caribbean = headers({{"carib97e.grd", {9, 290, 28, 302}}, {"carib97w.grd", {9, 262, 28, 290}}});
+    const auto caribbean =
+        headers({{"carib97e.grd", {9, 290, 28, 302}}, {"carib97w.grd", {9, 262, 28, 290}}});
     ASSERT_TRUE(chooseGeoidFile(21, 18, -70, caribbean, choice).ok());
     EXPECT_EQ(choice.file, "carib97e.grd");
     ASSERT_TRUE(chooseGeoidFile(21, 18, -80, caribbean, choice).ok());
     EXPECT_EQ(choice.file, "carib97w.grd");
-    EXPECT_EQ(chooseGeoidFile(21, 40, -80, caribbean, choice).message, "Error: beyond area covered by CARIB97");
+    EXPECT_EQ(chooseGeoidFile(21, 40, -80, caribbean, choice).message,
+              "Error: beyond area covered by CARIB97");
 }
 
 TEST(GeoidModel, FilesOfTheModels) {

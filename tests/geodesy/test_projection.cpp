@@ -11,7 +11,9 @@ using namespace tramline::geodesy;
 
 namespace {
 
-double dms(int d, int m, double s) { return (std::abs(d) + m / 60.0 + s / 3600.0) * (d < 0 ? -1 : 1); }
+double dms(int d, int m, double s) {
+    return (std::abs(d) + m / 60.0 + s / 3600.0) * (d < 0 ? -1 : 1);
+}
 
 CoordinateSystem withEllipsoid(ProjectionType type, double a, double inverseF) {
     CoordinateSystem cs;
@@ -45,8 +47,8 @@ std::vector<WorkedExample> workedExamples() {
         cs.parameters.scaleFactor = 0.9996013;
         cs.parameters.falseEasting = 400000;
         cs.parameters.falseNorthing = -100000;
-        rows.push_back({"OSGB 1936 / British National Grid", cs, 50.5, 0.5, 69740.50, 577274.99, 0.01, 69740.4971,
-                        577274.9888, 1.0});
+        rows.push_back({"OSGB 1936 / British National Grid", cs, 50.5, 0.5, 69740.50, 577274.99,
+                        0.01, 69740.4971, 577274.9888, 1.0});
     }
     {
         auto cs = withEllipsoid(ProjectionType::LambertConformalConic1SP, 6378206.4, 294.97870);
@@ -54,8 +56,9 @@ std::vector<WorkedExample> workedExamples() {
         cs.parameters.centralMeridian = -77;
         cs.parameters.falseEasting = 250000;
         cs.parameters.falseNorthing = 150000;
-        rows.push_back({"JAD69 / Jamaica National Grid", cs, dms(17, 55, 55.80), -dms(76, 56, 37.26), 142493.51,
-                        255966.58, 0.01, 142493.5111, 255966.5819, 1.0});
+        rows.push_back({"JAD69 / Jamaica National Grid", cs, dms(17, 55, 55.80),
+                        -dms(76, 56, 37.26), 142493.51, 255966.58, 0.01, 142493.5111, 255966.5819,
+                        1.0});
     }
     {
         auto cs = withEllipsoid(ProjectionType::LambertConformalConic2SP, 6378206.4, 294.97870);
@@ -64,8 +67,8 @@ std::vector<WorkedExample> workedExamples() {
         cs.parameters.standardParallel1 = dms(28, 23, 0);
         cs.parameters.standardParallel2 = dms(30, 17, 0);
         cs.parameters.falseEasting = 2000000 / kUsSurveyFeetPerMetre;
-        rows.push_back({"NAD27 / Texas South Central (US feet)", cs, 28.5, -96, 254759.80, 2963503.91, 0.01,
-                        254759.8006, 2963503.9128, kUsSurveyFeetPerMetre});
+        rows.push_back({"NAD27 / Texas South Central (US feet)", cs, 28.5, -96, 254759.80,
+                        2963503.91, 0.01, 254759.8006, 2963503.9128, kUsSurveyFeetPerMetre});
     }
     {
         auto cs = withEllipsoid(ProjectionType::DoubleStereographic, 6377397.155, 299.15281);
@@ -74,8 +77,8 @@ std::vector<WorkedExample> workedExamples() {
         cs.parameters.scaleFactor = 0.9999079;
         cs.parameters.falseEasting = 155000;
         cs.parameters.falseNorthing = 463000;
-        rows.push_back(
-            {"Amersfoort / RD New", cs, 53, 6, 557057.739, 196105.283, 0.001, 557057.7394, 196105.2830, 1.0});
+        rows.push_back({"Amersfoort / RD New", cs, 53, 6, 557057.739, 196105.283, 0.001,
+                        557057.7394, 196105.2830, 1.0});
     }
     {
         auto cs = withEllipsoid(ProjectionType::ObliqueMercator, 6377298.556, 300.8017);
@@ -86,8 +89,9 @@ std::vector<WorkedExample> workedExamples() {
         cs.parameters.scaleFactor = 0.99984;
         cs.parameters.falseEasting = 590476.87;
         cs.parameters.falseNorthing = 442857.65;
-        rows.push_back({"Timbalai 1948 / RSO Borneo (variant B)", cs, dms(5, 23, 14.1129), dms(115, 48, 19.8196),
-                        596562.78, 679245.73, 0.01, 596562.7771, 679245.7277, 1.0});
+        rows.push_back({"Timbalai 1948 / RSO Borneo (variant B)", cs, dms(5, 23, 14.1129),
+                        dms(115, 48, 19.8196), 596562.78, 679245.73, 0.01, 596562.7771, 679245.7277,
+                        1.0});
         // Variant A of the same grid: its natural origin lies where the
         // centre's false origin puts it, so a zero false origin gives the
         // same grid to within the rounding of the printed centre values
@@ -95,8 +99,9 @@ std::vector<WorkedExample> workedExamples() {
         cs.type = ProjectionType::HotineObliqueMercator;
         cs.parameters.falseEasting = 0;
         cs.parameters.falseNorthing = 0;
-        rows.push_back({"Timbalai 1948 / RSO Borneo (variant A)", cs, dms(5, 23, 14.1129), dms(115, 48, 19.8196),
-                        596562.78, 679245.73, 0.02, 596562.7835, 679245.7330, 1.0});
+        rows.push_back({"Timbalai 1948 / RSO Borneo (variant A)", cs, dms(5, 23, 14.1129),
+                        dms(115, 48, 19.8196), 596562.78, 679245.73, 0.02, 596562.7835, 679245.7330,
+                        1.0});
     }
     {
         // Easting and northing are the negated westing and southing.
@@ -106,8 +111,8 @@ std::vector<WorkedExample> workedExamples() {
         cs.parameters.azimuth = dms(30, 17, 17.30311);
         cs.parameters.pseudoStandardParallel = 78.5;
         cs.parameters.scaleFactor = 0.9999;
-        rows.push_back({"S-JTSK / Krovak", cs, dms(50, 12, 32.442), dms(16, 50, 59.179), -1050538.63, -568991.00,
-                        0.01, -1050538.6308, -568990.9954, 1.0});
+        rows.push_back({"S-JTSK / Krovak", cs, dms(50, 12, 32.442), dms(16, 50, 59.179),
+                        -1050538.63, -568991.00, 0.01, -1050538.6308, -568990.9954, 1.0});
     }
     {
         // Trinidad's grid is in Clarke's links; working in links throughout
@@ -117,8 +122,8 @@ std::vector<WorkedExample> workedExamples() {
         cs.parameters.centralMeridian = -dms(61, 20, 0);
         cs.parameters.falseEasting = 430000;
         cs.parameters.falseNorthing = 325000;
-        rows.push_back({"Trinidad 1903 / Trinidad Grid (links)", cs, 10, -62, 82536.22, 66644.94, 0.01, 82536.2187,
-                        66644.9404, 1.0});
+        rows.push_back({"Trinidad 1903 / Trinidad Grid (links)", cs, 10, -62, 82536.22, 66644.94,
+                        0.01, 82536.2187, 66644.9404, 1.0});
     }
     return rows;
 }
@@ -184,9 +189,10 @@ TEST(Projection, FactorsAgreeWithFiniteDifferences) {
         ASSERT_TRUE(projection.forward(c.latitude, c.longitude + step / 2, n3, e3).ok());
         const Ellipsoid ell = cs.ellipsoid();
         const double phi = radians(c.latitude);
-        const double alongMeridian = std::hypot(n1 - n0, e1 - e0) / (ell.meridianRadius(phi) * radians(step));
-        const double alongParallel =
-            std::hypot(n3 - n2, e3 - e2) / (ell.primeVerticalRadius(phi) * std::cos(phi) * radians(step));
+        const double alongMeridian =
+            std::hypot(n1 - n0, e1 - e0) / (ell.meridianRadius(phi) * radians(step));
+        const double alongParallel = std::hypot(n3 - n2, e3 - e2) /
+                                     (ell.primeVerticalRadius(phi) * std::cos(phi) * radians(step));
         EXPECT_NEAR(std::sqrt(alongMeridian * alongParallel), f.scaleFactor, 1e-8);
         EXPECT_NEAR(-degrees(std::atan2(e1 - e0, n1 - n0)), f.convergence, 1e-6);
 
@@ -224,7 +230,8 @@ TEST(Projection, TypesWithoutFormulasAreNotSupported) {
         Projection projection;
         const Status status = projection.open(cs);
         EXPECT_EQ(status.code, StatusCode::NotSupported);
-        EXPECT_NE(status.message.find(projectionTypeName(type)), std::string::npos) << status.message;
+        EXPECT_NE(status.message.find(projectionTypeName(type)), std::string::npos)
+            << status.message;
         EXPECT_FALSE(projection.isOpen());
     }
 }

@@ -42,7 +42,7 @@ TEST(SetGeoidArea, CutsTheSquareOnTheModelsNodes) {
     GeoidModels models({f.path, "http://127.0.0.1:9/", 2});
     GeoidAreaSettings s;
     s.model = 6;
-    s.latitude = 45.3000; // 45 30' N
+    s.latitude = 45.3000;   // 45 30' N
     s.longitude = 100.1500; // 100 15' W
     s.size = 2.0;
     ScriptedInteraction ui;
@@ -149,8 +149,9 @@ TEST(SetGeoidArea, IniFileInItsOrder) {
     s.degrees = false;
     const auto ini = f.path / kSetGeoidIni;
     ASSERT_TRUE(saveGeoidAreaSettings(ini, s));
-    EXPECT_EQ(slurp(ini), "lat_val=45.3015\nlon_val=100.1000\nis_geoid99=6\nsize=2.50\nis_north=1\nis_east=0\n"
-                          "is_deg=0\n");
+    EXPECT_EQ(slurp(ini),
+              "lat_val=45.3015\nlon_val=100.1000\nis_geoid99=6\nsize=2.50\nis_north=1\nis_east=0\n"
+              "is_deg=0\n");
     GeoidAreaSettings back;
     ASSERT_TRUE(loadGeoidAreaSettings(ini, back));
     EXPECT_EQ(back.latitude, 45.3015);
@@ -159,7 +160,8 @@ TEST(SetGeoidArea, IniFileInItsOrder) {
     EXPECT_FALSE(back.east);
 
     // Unknown keys, bad values, CRLF and overlong lines are passed over.
-    std::ofstream(ini, std::ios::binary) << "size=abc\r\nbogus=1\r\n" << std::string(500, 'x') << "\r\nis_east=1\r\n";
+    std::ofstream(ini, std::ios::binary) << "size=abc\r\nbogus=1\r\n"
+                                         << std::string(500, 'x') << "\r\nis_east=1\r\n";
     GeoidAreaSettings partial;
     ASSERT_TRUE(loadGeoidAreaSettings(ini, partial));
     EXPECT_EQ(partial.size, 1.0);

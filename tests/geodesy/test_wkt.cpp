@@ -27,12 +27,15 @@ CoordinateSystem britishGrid() {
     return cs;
 }
 
-const std::string kTail = ",UNIT[\"Meters\",1],AXIS[\"East\",East],AXIS[\"North\",North]],VERT_CS[\"\","
-                          "VERT_DATUM[\"Ellipsoid\",2002],UNIT[\"Meters\",1],AXIS[\"Ellips height\",Up]]];\n";
-const std::string kGeog = "PRIMEM[\"Greenwich\",0],UNIT[\"Radians\",1],AXIS[\"Long\",East],AXIS[\"Lat\",North]],";
+const std::string kTail =
+    ",UNIT[\"Meters\",1],AXIS[\"East\",East],AXIS[\"North\",North]],VERT_CS[\"\","
+    "VERT_DATUM[\"Ellipsoid\",2002],UNIT[\"Meters\",1],AXIS[\"Ellips height\",Up]]];\n";
+const std::string kGeog =
+    "PRIMEM[\"Greenwich\",0],UNIT[\"Radians\",1],AXIS[\"Long\",East],AXIS[\"Lat\",North]],";
 
 std::filesystem::path tempFile(const char *name) {
-    auto dir = std::filesystem::temp_directory_path() / ("tramline-wkt-" + std::to_string(::getpid()));
+    auto dir =
+        std::filesystem::temp_directory_path() / ("tramline-wkt-" + std::to_string(::getpid()));
     std::filesystem::create_directories(dir);
     return dir / name;
 }
@@ -55,15 +58,19 @@ TEST(Wkt, WritesTheLineByteForByte) {
     };
     std::vector<Case> cases;
 
-    cases.push_back({"transverse Mercator", britishGrid(),
-                     "COMPD_CS[\"BNG\",PROJCS[\"\",GEOGCS[\"\",DATUM[\"OSGB36\",SPHEROID[\"Airy 1830\",6377563.396,"
-                     "299.32496470009],TOWGS84[446.44800,-125.15700,542.06000,0.150000,0.247000,0.842000,"
-                     "-20.48900000]]," +
-                         kGeog +
-                         "PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"false_easting\",400000.0000],"
-                         "PARAMETER[\"false_northing\",-100000.0000],PARAMETER[\"central_meridian\",-0.03490658504],"
-                         "PARAMETER[\"scale_factor\",0.999601271700],PARAMETER[\"latitude_of_origin\",0.85521133348]" +
-                         kTail});
+    cases.push_back(
+        {"transverse Mercator", britishGrid(),
+         "COMPD_CS[\"BNG\",PROJCS[\"\",GEOGCS[\"\",DATUM[\"OSGB36\",SPHEROID[\"Airy "
+         "1830\",6377563.396,"
+         "299.32496470009],TOWGS84[446.44800,-125.15700,542.06000,0.150000,0.247000,0.842000,"
+         "-20.48900000]]," +
+             kGeog +
+             "PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"false_easting\",400000.0000],"
+             "PARAMETER[\"false_northing\",-100000.0000],PARAMETER[\"central_meridian\",-0."
+             "03490658504],"
+             "PARAMETER[\"scale_factor\",0.999601271700],PARAMETER[\"latitude_of_origin\",0."
+             "85521133348]" +
+             kTail});
 
     CoordinateSystem lcc;
     lcc.type = ProjectionType::LambertConformalConic2SP;
@@ -76,13 +83,17 @@ TEST(Wkt, WritesTheLineByteForByte) {
     lcc.parameters.standardParallel2 = 30 + 17 / 60.0;
     lcc.parameters.falseEasting = 609601.2192;
     cases.push_back({"two-parallel cone, zero shift", lcc,
-                     "COMPD_CS[\"TX SC\",PROJCS[\"\",GEOGCS[\"\",DATUM[\"NAD27\",SPHEROID[\"Clarke 1866\",6378206.400,"
-                     "294.97869819987],TOWGS84[0.00000,0.00000,0.00000,0.000000,0.000000,0.000000,0.00000000]]," +
+                     "COMPD_CS[\"TX SC\",PROJCS[\"\",GEOGCS[\"\",DATUM[\"NAD27\",SPHEROID[\"Clarke "
+                     "1866\",6378206.400,"
+                     "294.97869819987],TOWGS84[0.00000,0.00000,0.00000,0.000000,0.000000,0.000000,"
+                     "0.00000000]]," +
                          kGeog +
-                         "PROJECTION[\"Lambert_Conformal_Conic_2SP\"],PARAMETER[\"latitude_of_origin\",0.48578330847],"
+                         "PROJECTION[\"Lambert_Conformal_Conic_2SP\"],PARAMETER[\"latitude_of_"
+                         "origin\",0.48578330847],"
                          "PARAMETER[\"central_meridian\",-1.72787595947],"
                          "PARAMETER[\"standard_parallel_1\",0.49538261936],"
-                         "PARAMETER[\"standard_parallel_2\",0.52854387515],PARAMETER[\"false_easting\",609601.2192],"
+                         "PARAMETER[\"standard_parallel_2\",0.52854387515],PARAMETER[\"false_"
+                         "easting\",609601.2192],"
                          "PARAMETER[\"false_northing\",0.0000]" +
                          kTail});
 
@@ -102,12 +113,16 @@ TEST(Wkt, WritesTheLineByteForByte) {
     om.parameters.falseNorthing = -5000000;
     cases.push_back(
         {"oblique Mercator, +10 ppm", om,
-         "COMPD_CS[\"AK 1\",PROJCS[\"\",GEOGCS[\"\",DATUM[\"NAD83\",SPHEROID[\"GRS_1980\",6378137.000,298.25722210121],"
+         "COMPD_CS[\"AK "
+         "1\",PROJCS[\"\",GEOGCS[\"\",DATUM[\"NAD83\",SPHEROID[\"GRS_1980\",6378137.000,298."
+         "25722210121],"
          "TOWGS84[-1.50000,0.00000,0.00000,-0.500000,0.000000,0.000000,-9.99990000]]," +
              kGeog +
              "PROJECTION[\"Oblique_Mercator\"],PARAMETER[\"latitude_of_center\",0.99483767364],"
-             "PARAMETER[\"longitude_of_center\",-2.33292343350],PARAMETER[\"azimuth\",5.63968419851],"
-             "PARAMETER[\"rectified_grid_angle\",5.63968419851],PARAMETER[\"XY_Plane_Rotation\",5.63968419851],"
+             "PARAMETER[\"longitude_of_center\",-2.33292343350],PARAMETER[\"azimuth\",5."
+             "63968419851],"
+             "PARAMETER[\"rectified_grid_angle\",5.63968419851],PARAMETER[\"XY_Plane_Rotation\",5."
+             "63968419851],"
              "PARAMETER[\"scale_factor\",0.999900000000],PARAMETER[\"false_easting\",5000000.0000],"
              "PARAMETER[\"false_northing\",-5000000.0000]" +
              kTail});
@@ -120,16 +135,19 @@ TEST(Wkt, WritesTheLineByteForByte) {
     danish.parameters.centralMeridian = 12.5;
     danish.parameters.denmarkArea = 2;
     danish.parameters.falseEasting = 200000;
-    cases.push_back({"Danish area as an integer", danish,
-                     "COMPD_CS[\"DK\",PROJCS[\"\",GEOGCS[\"\",DATUM[\"ED50\",SPHEROID[\"International_1924\","
-                     "6378388.000,297.00000000030],TOWGS84[0.00000,0.00000,0.00000,0.000000,0.000000,0.000000,"
-                     "0.00000000]]," +
-                         kGeog +
-                         "PROJECTION[\"Transverse_Mercator_34\"],PARAMETER[\"latitude_of_origin\",0.00000000000],"
-                         "PARAMETER[\"central_meridian\",0.21816615650],PARAMETER[\"scale_factor\",1.000000000000],"
-                         "PARAMETER[\"denmark_area\",2],PARAMETER[\"false_easting\",200000.0000],"
-                         "PARAMETER[\"false_northing\",0.0000]" +
-                         kTail});
+    cases.push_back(
+        {"Danish area as an integer", danish,
+         "COMPD_CS[\"DK\",PROJCS[\"\",GEOGCS[\"\",DATUM[\"ED50\",SPHEROID[\"International_1924\","
+         "6378388.000,297.00000000030],TOWGS84[0.00000,0.00000,0.00000,0.000000,0.000000,0.000000,"
+         "0.00000000]]," +
+             kGeog +
+             "PROJECTION[\"Transverse_Mercator_34\"],PARAMETER[\"latitude_of_origin\",0."
+             "00000000000],"
+             "PARAMETER[\"central_meridian\",0.21816615650],PARAMETER[\"scale_factor\",1."
+             "000000000000],"
+             "PARAMETER[\"denmark_area\",2],PARAMETER[\"false_easting\",200000.0000],"
+             "PARAMETER[\"false_northing\",0.0000]" +
+             kTail});
 
     CoordinateSystem coefficients;
     coefficients.type = ProjectionType::LambertConformalConic27;
@@ -139,14 +157,16 @@ TEST(Wkt, WritesTheLineByteForByte) {
     coefficients.userSemiMajorAxis = 6378000;
     coefficients.userInverseFlattening = 300;
     coefficients.parameters.coefficients = {1.5, 2000000, 0.000123};
-    cases.push_back({"coefficients, own ellipsoid, quotes in the name", coefficients,
-                     "COMPD_CS[\"Say '27'\",PROJCS[\"\",GEOGCS[\"\",DATUM[\"NAD27\",SPHEROID[\"User Defined\","
-                     "6378000.000,300.00000000000],TOWGS84[0.00000,0.00000,0.00000,0.000000,0.000000,0.000000,"
-                     "0.00000000]]," +
-                         kGeog +
-                         "PROJECTION[\"Lambert_Conformal_Conic_27\"],PARAMETER[\"l1\",1.5],PARAMETER[\"l2\",2000000],"
-                         "PARAMETER[\"l3\",0.000123]" +
-                         kTail});
+    cases.push_back(
+        {"coefficients, own ellipsoid, quotes in the name", coefficients,
+         "COMPD_CS[\"Say '27'\",PROJCS[\"\",GEOGCS[\"\",DATUM[\"NAD27\",SPHEROID[\"User Defined\","
+         "6378000.000,300.00000000000],TOWGS84[0.00000,0.00000,0.00000,0.000000,0.000000,0.000000,"
+         "0.00000000]]," +
+             kGeog +
+             "PROJECTION[\"Lambert_Conformal_Conic_27\"],PARAMETER[\"l1\",1.5],PARAMETER[\"l2\","
+             "2000000],"
+             "PARAMETER[\"l3\",0.000123]" +
+             kTail});
 
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -170,7 +190,10 @@ TEST(Wkt, ScaleDifferenceInversion) {
     };
     // Exact arithmetic gives -9.9999000010 for +10 ppm, which prints as
     // -9.99990000 at eight decimals.
-    const Case cases[] = {{0.0, "0.00000000"}, {10.0, "-9.99990000"}, {-10.0, "10.00010000"}, {1e6, "-500000.00000000"}};
+    const Case cases[] = {{0.0, "0.00000000"},
+                          {10.0, "-9.99990000"},
+                          {-10.0, "10.00010000"},
+                          {1e6, "-500000.00000000"}};
     for (const auto &c : cases) {
         CoordinateSystem cs;
         cs.shift.scalePpm = c.stored;
@@ -219,8 +242,10 @@ TEST(Wkt, ReadsBackWhatItWrites) {
         EXPECT_NEAR(back.shift.rz, cs.shift.rz, 1e-6);
         EXPECT_NEAR(back.shift.scalePpm, cs.shift.scalePpm, 1e-8);
         for (const auto &written : writtenParameters(cs.type)) {
-            const double tolerance = parameterKind(written.parameter) == ParameterKind::Angle ? 1e-9 : 1e-4;
-            EXPECT_NEAR(back.parameters.value(written.parameter), cs.parameters.value(written.parameter), tolerance)
+            const double tolerance =
+                parameterKind(written.parameter) == ParameterKind::Angle ? 1e-9 : 1e-4;
+            EXPECT_NEAR(back.parameters.value(written.parameter),
+                        cs.parameters.value(written.parameter), tolerance)
                 << written.wktName;
         }
         EXPECT_EQ(back.parameters.coefficients, cs.parameters.coefficients);
@@ -274,9 +299,21 @@ TEST(Wkt, MalformedTextIsRefusedWithAMessage) {
         "COMPD_CS[\"unterminated",
         good.substr(0, good.find("TOWGS84[") + 20),
         good.substr(0, good.find("SPHEROID[") + 12),
-        [&] { std::string s = good; s.replace(s.find("Transverse_Mercator"), 19, "Polyconic"); return s; }(),
-        [&] { std::string s = good; s.replace(s.find("400000.0000"), 11, "4e5x"); return s; }(),
-        [&] { std::string s = good; s.replace(s.find("6377563.396"), 11, "-1"); return s; }(),
+        [&] {
+            std::string s = good;
+            s.replace(s.find("Transverse_Mercator"), 19, "Polyconic");
+            return s;
+        }(),
+        [&] {
+            std::string s = good;
+            s.replace(s.find("400000.0000"), 11, "4e5x");
+            return s;
+        }(),
+        [&] {
+            std::string s = good;
+            s.replace(s.find("6377563.396"), 11, "-1");
+            return s;
+        }(),
         std::string("COMPD_CS[\"a\",") + std::string(5000, '[') + "\xff\x00garbage",
     };
     for (const auto &text : bad) {
@@ -308,7 +345,8 @@ TEST(Wkt, AppendModeAddsALine) {
     ASSERT_TRUE(saveWkt(second, path, false).ok());
     EXPECT_EQ(slurp(path), writeWkt(second));
 
-    EXPECT_EQ(saveWkt(first, path.parent_path() / "no" / "such" / "dir.prj", false).code, StatusCode::Io);
+    EXPECT_EQ(saveWkt(first, path.parent_path() / "no" / "such" / "dir.prj", false).code,
+              StatusCode::Io);
     EXPECT_EQ(loadWkt(path.parent_path() / "missing.prj", read).code, StatusCode::Io);
     std::filesystem::remove_all(path.parent_path());
 }
@@ -331,7 +369,8 @@ TEST(Wkt, ProjinfoAcceptsTheStandardTypes) {
     const auto path = tempFile("projinfo.prj");
     for (const auto &[system, expected] : cases) {
         ASSERT_TRUE(saveWkt(system, path, false).ok());
-        const std::string command = "projinfo -o PROJ -q \"$(cat '" + path.string() + "')\" 2>/dev/null";
+        const std::string command =
+            "projinfo -o PROJ -q \"$(cat '" + path.string() + "')\" 2>/dev/null";
         FILE *pipe = popen(command.c_str(), "r");
         ASSERT_NE(pipe, nullptr);
         char buffer[1024] = {};

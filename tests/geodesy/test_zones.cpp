@@ -12,7 +12,8 @@ TEST(Zones, FamilyNamesAndDescriptions) {
     EXPECT_STREQ(familyName(CoordinateSystemFamily::StatePlane83), "State Plane 83");
     EXPECT_STREQ(familyName(CoordinateSystemFamily::UserDefined), "More Pre-Defined/User-Defined");
     EXPECT_STREQ(familyName(CoordinateSystemFamily::AustraliaAgd66), "Australia-AGD66/AMG");
-    EXPECT_STREQ(familyDescription(CoordinateSystemFamily::GreatBritainOsgb36), "Projection: OSGB36");
+    EXPECT_STREQ(familyDescription(CoordinateSystemFamily::GreatBritainOsgb36),
+                 "Projection: OSGB36");
     EXPECT_STREQ(familyDescription(CoordinateSystemFamily::NewZealandNzgd49), "Projection: NZGD49");
     EXPECT_EQ(familyFromName("utm"), CoordinateSystemFamily::Utm);
     EXPECT_EQ(familyFromName("12"), CoordinateSystemFamily::AustraliaAgd66);
@@ -27,16 +28,33 @@ TEST(Zones, ListsInTheirFixedOrder) {
         std::vector<std::pair<int, const char *>> samples; // position, name
     };
     const Case cases[] = {
-        {CoordinateSystemFamily::Utm, 61,
-         {{0, "Automatic"}, {1, "1: W 174-180 deg"}, {2, "2: W 168-174 deg"}, {30, "30: W 0-6 deg"},
-          {31, "31: E 0-6 deg"}, {57, "57: E 156-162 deg"}, {60, "60: E 174-180 deg"}}},
-        {CoordinateSystemFamily::FranceNtf, 5,
-         {{0, "Lambert I"}, {1, "Lambert II"}, {2, "Lambert II - Carto"}, {3, "Lambert III"}, {4, "Lambert IV"}}},
-        {CoordinateSystemFamily::NewZealandNzgd2000, 29,
-         {{0, "NZ Transverse Mercator"}, {1, "Amuri"}, {2, "Bay of Plenty"}, {5, "Collingwood"},
-          {26, "Wairarapa"}, {28, "Wellington"}}},
+        {CoordinateSystemFamily::Utm,
+         61,
+         {{0, "Automatic"},
+          {1, "1: W 174-180 deg"},
+          {2, "2: W 168-174 deg"},
+          {30, "30: W 0-6 deg"},
+          {31, "31: E 0-6 deg"},
+          {57, "57: E 156-162 deg"},
+          {60, "60: E 174-180 deg"}}},
+        {CoordinateSystemFamily::FranceNtf,
+         5,
+         {{0, "Lambert I"},
+          {1, "Lambert II"},
+          {2, "Lambert II - Carto"},
+          {3, "Lambert III"},
+          {4, "Lambert IV"}}},
+        {CoordinateSystemFamily::NewZealandNzgd2000,
+         29,
+         {{0, "NZ Transverse Mercator"},
+          {1, "Amuri"},
+          {2, "Bay of Plenty"},
+          {5, "Collingwood"},
+          {26, "Wairarapa"},
+          {28, "Wellington"}}},
         {CoordinateSystemFamily::NewZealandNzgd49, 29, {{0, "NZ Map Grid"}, {1, "Amuri"}}},
-        {CoordinateSystemFamily::Australia, 5,
+        {CoordinateSystemFamily::Australia,
+         5,
          {{0, "GDA-MGA"}, {1, "AGD84-AMG"}, {2, "AGD84-ISG"}, {3, "AGD66-AMG"}, {4, "AGD66-ISG"}}},
         {CoordinateSystemFamily::AustraliaAgd84, 2, {{0, "AGD84-AMG"}, {1, "AGD84-ISG"}}},
         {CoordinateSystemFamily::AustraliaAgd66, 2, {{0, "AGD66-AMG"}, {1, "AGD66-ISG"}}},
@@ -59,7 +77,8 @@ TEST(Zones, StatePlaneOrder) {
     const auto sp27 = zoneNames(CoordinateSystemFamily::StatePlane27);
     ASSERT_GE(sp83.size(), 120u);
     EXPECT_EQ(std::vector<std::string>(sp83.begin(), sp83.begin() + 6),
-              (std::vector<std::string>{"AL East", "AL West", "AZ East", "AZ Central", "AZ West", "AR North"}));
+              (std::vector<std::string>{"AL East", "AL West", "AZ East", "AZ Central", "AZ West",
+                                        "AR North"}));
     EXPECT_EQ(sp83[sp83.size() - 11], "WY West");
     EXPECT_EQ(sp83[sp83.size() - 10], "AK Zone 1");
     EXPECT_EQ(sp83.back(), "AK Zone 10");
@@ -80,17 +99,24 @@ TEST(Zones, StatePlaneOrder) {
 // would otherwise give a surveyor another state's grid.
 TEST(Zones, StatePlaneCodesNameTheirZones) {
     const std::pair<const char *, const char *> states[] = {
-        {"AL", "Alabama"},   {"AK", "Alaska"},   {"AZ", "Arizona"},   {"AR", "Arkansas"},  {"CA", "California"},
-        {"CO", "Colorado"},  {"CT", "Connecticut"}, {"DE", "Delaware"}, {"FL", "Florida"}, {"GA", "Georgia"},
-        {"HI", "Hawaii"},    {"ID", "Idaho"},    {"IL", "Illinois"},  {"IN", "Indiana"},   {"IA", "Iowa"},
-        {"KS", "Kansas"},    {"KY", "Kentucky"}, {"LA", "Louisiana"}, {"ME", "Maine"},     {"MD", "Maryland"},
-        {"MA", "Massachusetts"}, {"MI", "Michigan"}, {"MN", "Minnesota"}, {"MS", "Mississippi"},
-        {"MO", "Missouri"},  {"MT", "Montana"},  {"NE", "Nebraska"},  {"NV", "Nevada"},    {"NH", "New Hampshire"},
-        {"NJ", "New Jersey"}, {"NM", "New Mexico"}, {"NY", "New York"}, {"NC", "North Carolina"},
-        {"ND", "North Dakota"}, {"OH", "Ohio"}, {"OK", "Oklahoma"},  {"OR", "Oregon"},    {"PA", "Pennsylvania"},
-        {"PR", "Puerto Rico"}, {"RI", "Rhode Island"}, {"SC", "South Carolina"}, {"SD", "South Dakota"},
-        {"TN", "Tennessee"}, {"TX", "Texas"},    {"UT", "Utah"},      {"VT", "Vermont"},   {"VI", "St. Croix"},
-        {"VA", "Virginia"},  {"WA", "Washington"}, {"WV", "West Virginia"}, {"WI", "Wisconsin"}, {"WY", "Wyoming"},
+        {"AL", "Alabama"},      {"AK", "Alaska"},         {"AZ", "Arizona"},
+        {"AR", "Arkansas"},     {"CA", "California"},     {"CO", "Colorado"},
+        {"CT", "Connecticut"},  {"DE", "Delaware"},       {"FL", "Florida"},
+        {"GA", "Georgia"},      {"HI", "Hawaii"},         {"ID", "Idaho"},
+        {"IL", "Illinois"},     {"IN", "Indiana"},        {"IA", "Iowa"},
+        {"KS", "Kansas"},       {"KY", "Kentucky"},       {"LA", "Louisiana"},
+        {"ME", "Maine"},        {"MD", "Maryland"},       {"MA", "Massachusetts"},
+        {"MI", "Michigan"},     {"MN", "Minnesota"},      {"MS", "Mississippi"},
+        {"MO", "Missouri"},     {"MT", "Montana"},        {"NE", "Nebraska"},
+        {"NV", "Nevada"},       {"NH", "New Hampshire"},  {"NJ", "New Jersey"},
+        {"NM", "New Mexico"},   {"NY", "New York"},       {"NC", "North Carolina"},
+        {"ND", "North Dakota"}, {"OH", "Ohio"},           {"OK", "Oklahoma"},
+        {"OR", "Oregon"},       {"PA", "Pennsylvania"},   {"PR", "Puerto Rico"},
+        {"RI", "Rhode Island"}, {"SC", "South Carolina"}, {"SD", "South Dakota"},
+        {"TN", "Tennessee"},    {"TX", "Texas"},          {"UT", "Utah"},
+        {"VT", "Vermont"},      {"VI", "St. Croix"},      {"VA", "Virginia"},
+        {"WA", "Washington"},   {"WV", "West Virginia"},  {"WI", "Wisconsin"},
+        {"WY", "Wyoming"},
     };
     for (const auto &zone : statePlaneZones()) {
         const std::string abbreviation = std::string(zone.name).substr(0, 2);
@@ -103,7 +129,8 @@ TEST(Zones, StatePlaneCodesNameTheirZones) {
             if (code == 0)
                 continue;
             const std::string name = epsgName(code);
-            EXPECT_NE(name.find(state), std::string::npos) << zone.name << " -> EPSG:" << code << " " << name;
+            EXPECT_NE(name.find(state), std::string::npos)
+                << zone.name << " -> EPSG:" << code << " " << name;
             if (code == zone.nad83) {
                 EXPECT_EQ(name.rfind("NAD83 / ", 0), 0u) << name;
             }
@@ -121,21 +148,22 @@ TEST(Zones, SystemsComeFromTheDatabase) {
     };
     const Case cases[] = {
         // cs2cs EPSG:4269 EPSG:26929 on 32.5 -86.0
-        {CoordinateSystemFamily::StatePlane83, "AL East", ProjectionType::TransverseMercator, kGrs1980, 32.5,
-         -86.0, 221759.6690, 184337.8237},
+        {CoordinateSystemFamily::StatePlane83, "AL East", ProjectionType::TransverseMercator,
+         kGrs1980, 32.5, -86.0, 221759.6690, 184337.8237},
         // cs2cs EPSG:4267 EPSG:32040 (US feet) on 28.5 -96, converted to metres
-        {CoordinateSystemFamily::StatePlane27, "TX South Central", ProjectionType::LambertConformalConic2SP, 6,
-         28.5, -96.0, 254759.8006 * 1200 / 3937, 2963503.9128 * 1200 / 3937},
-        {CoordinateSystemFamily::StatePlane83, "AK Zone 1", ProjectionType::ObliqueMercator83, kGrs1980, 57.0,
-         -134.0, 0, 0},
-        {CoordinateSystemFamily::GreatBritainOsgb36, "British National Grid", ProjectionType::TransverseMercator,
-         -1, 50.5, 0.5, 69740.4923, 577274.9838},
-        {CoordinateSystemFamily::FranceNtf, "Lambert II - Carto", ProjectionType::LambertConformalConic1SP, 9,
-         0, 0, 0, 0},
-        {CoordinateSystemFamily::NewZealandNzgd2000, "Wellington", ProjectionType::TransverseMercator, kGrs1980, 0,
-         0, 0, 0},
-        {CoordinateSystemFamily::Barbados, "Barbados National Grid", ProjectionType::TransverseMercator, -1, 0, 0,
-         0, 0},
+        {CoordinateSystemFamily::StatePlane27, "TX South Central",
+         ProjectionType::LambertConformalConic2SP, 6, 28.5, -96.0, 254759.8006 * 1200 / 3937,
+         2963503.9128 * 1200 / 3937},
+        {CoordinateSystemFamily::StatePlane83, "AK Zone 1", ProjectionType::ObliqueMercator83,
+         kGrs1980, 57.0, -134.0, 0, 0},
+        {CoordinateSystemFamily::GreatBritainOsgb36, "British National Grid",
+         ProjectionType::TransverseMercator, -1, 50.5, 0.5, 69740.4923, 577274.9838},
+        {CoordinateSystemFamily::FranceNtf, "Lambert II - Carto",
+         ProjectionType::LambertConformalConic1SP, 9, 0, 0, 0, 0},
+        {CoordinateSystemFamily::NewZealandNzgd2000, "Wellington",
+         ProjectionType::TransverseMercator, kGrs1980, 0, 0, 0, 0},
+        {CoordinateSystemFamily::Barbados, "Barbados National Grid",
+         ProjectionType::TransverseMercator, -1, 0, 0, 0, 0},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.zone);
@@ -159,7 +187,8 @@ TEST(Zones, SystemsComeFromTheDatabase) {
 
 TEST(Zones, ShiftsAndMeridians) {
     CoordinateSystem france;
-    ASSERT_TRUE(zoneSystem(CoordinateSystemFamily::FranceNtf, "Lambert II - Carto", {}, france).ok());
+    ASSERT_TRUE(
+        zoneSystem(CoordinateSystemFamily::FranceNtf, "Lambert II - Carto", {}, france).ok());
     // The Paris meridian, in degrees east of Greenwich.
     EXPECT_NEAR(france.parameters.centralMeridian, 2.33722917, 1e-8);
     EXPECT_NEAR(france.parameters.falseNorthing, 2200000, 1e-6);
@@ -168,7 +197,9 @@ TEST(Zones, ShiftsAndMeridians) {
     EXPECT_NEAR(france.shift.dz, -320, 1e-9);
 
     CoordinateSystem gb;
-    ASSERT_TRUE(zoneSystem(CoordinateSystemFamily::GreatBritainOsgb36, "British National Grid", {}, gb).ok());
+    ASSERT_TRUE(
+        zoneSystem(CoordinateSystemFamily::GreatBritainOsgb36, "British National Grid", {}, gb)
+            .ok());
     EXPECT_NEAR(gb.shift.dx, -446.448, 1e-9);
     EXPECT_NEAR(gb.shift.rz, 0.842, 1e-9);
     EXPECT_NEAR(invertScalePpm(gb.shift.scalePpm), -20.489, 1e-9);

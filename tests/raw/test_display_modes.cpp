@@ -1,5 +1,5 @@
-#include "raw/document.h"
 #include "../support/test_support.h"
+#include "raw/document.h"
 
 #include <gtest/gtest.h>
 
@@ -16,8 +16,12 @@ protected:
         EXPECT_TRUE(doc.open(write("in.rw5", text), ui));
         return doc;
     }
-    static std::string vertical(const RawDocument &doc, size_t row = 0) { return doc.row(row).cells[kVerticalCell]; }
-    static std::string distance(const RawDocument &doc, size_t row = 0) { return doc.row(row).cells[kDistanceCell]; }
+    static std::string vertical(const RawDocument &doc, size_t row = 0) {
+        return doc.row(row).cells[kVerticalCell];
+    }
+    static std::string distance(const RawDocument &doc, size_t row = 0) {
+        return doc.row(row).cells[kDistanceCell];
+    }
 
     ScriptedInteraction ui;
 };
@@ -55,7 +59,8 @@ TEST_F(DisplayModesTest, VerticalModeChanges) {
             doc.setCell(0, 1 + kDistanceCell, "99.863");
         doc.setModified(false);
         EXPECT_EQ(doc.changeVerticalMode(c.to), 1);
-        EXPECT_EQ(vertical(doc), c.after) << c.from << "->" << c.to << " distance mode " << c.distanceMode;
+        EXPECT_EQ(vertical(doc), c.after)
+            << c.from << "->" << c.to << " distance mode " << c.distanceMode;
         EXPECT_EQ(doc.captions("SS")[kVerticalCell], c.caption);
         EXPECT_EQ(doc.modes().vertical, c.to);
         EXPECT_FALSE(doc.modified());

@@ -1,5 +1,5 @@
-#include "raw/document.h"
 #include "../support/test_support.h"
+#include "raw/document.h"
 
 #include <gtest/gtest.h>
 
@@ -82,9 +82,11 @@ TEST_F(RawDocumentTest, GridFormatsRewriteValues) {
         const char *out;
     };
     const Case cases[] = {
-        {"SS,OP1,FP2,AR90.0000,VA2.3000,SD100.000,--", "SS,OP1,FP2,AR90.0000,ZE87.3000,SD100.000,--\n"},
+        {"SS,OP1,FP2,AR90.0000,VA2.3000,SD100.000,--",
+         "SS,OP1,FP2,AR90.0000,ZE87.3000,SD100.000,--\n"},
         {"SS,OP1,FP2,AR90,ZE90,HD100,--", "SS,OP1,FP2,AR90.0000,ZE90.0000,SD100.000,--\n"},
-        {"SS,OP1,FP2,AR90.12345,ZE90.0000,SD100.12345,--", "SS,OP1,FP2,AR90.1235,ZE90.0000,SD100.123,--\n"},
+        {"SS,OP1,FP2,AR90.12345,ZE90.0000,SD100.12345,--",
+         "SS,OP1,FP2,AR90.1235,ZE90.0000,SD100.123,--\n"},
         {"SS,OP1,FP2,AR359.59596,ZE90.0000,SD1,--", "SS,OP1,FP2,AR360.0000,ZE90.0000,SD1.000,--\n"},
         {"SS,OP1,FP2,ARabc,ZEdef,SDghi,--kept", "SS,OP1,FP2,ARabc,ZEdef,SDghi,--kept\n"},
         {"SP,PN1,N 1,E 2.12345,EL,--", "SP,PN1,N 1.0000,E 2.1235,EL,--\n"},
@@ -105,11 +107,16 @@ TEST_F(RawDocumentTest, DisplayModesDecideCellsAndWrittenCodes) {
         const char *vertCell, *distCell, *vertCaption, *distCaption, *written;
     };
     const Case cases[] = {
-        {2, 1, "60.0000", "100.000", "ZenithAng", "SlopeDist", "SS,OP1,FP2,AR90.0000,ZE60.0000,SD100.000,--\n"},
-        {1, 1, "30.0000", "100.000", "VertAng", "SlopeDist", "SS,OP1,FP2,AR90.0000,VA30.0000,SD100.000,--\n"},
-        {3, 2, "50.0000", "86.603", "ElevDiff", "HorzDist", "SS,OP1,FP2,AR90.0000,CE50.0000,HD86.603,--\n"},
-        {4, 1, "30.0000", "100.000", "VertAng", "SlopeDist", "SS,OP1,FP2,AR90.0000,VA30.0000,SD100.000,--\n"},
-        {0, 1, "60.0000", "100.000", "ZenithAng", "SlopeDist", "SS,OP1,FP2,AR90.0000,ZE60.0000,SD100.000,--\n"},
+        {2, 1, "60.0000", "100.000", "ZenithAng", "SlopeDist",
+         "SS,OP1,FP2,AR90.0000,ZE60.0000,SD100.000,--\n"},
+        {1, 1, "30.0000", "100.000", "VertAng", "SlopeDist",
+         "SS,OP1,FP2,AR90.0000,VA30.0000,SD100.000,--\n"},
+        {3, 2, "50.0000", "86.603", "ElevDiff", "HorzDist",
+         "SS,OP1,FP2,AR90.0000,CE50.0000,HD86.603,--\n"},
+        {4, 1, "30.0000", "100.000", "VertAng", "SlopeDist",
+         "SS,OP1,FP2,AR90.0000,VA30.0000,SD100.000,--\n"},
+        {0, 1, "60.0000", "100.000", "ZenithAng", "SlopeDist",
+         "SS,OP1,FP2,AR90.0000,ZE60.0000,SD100.000,--\n"},
     };
     for (const auto &c : cases) {
         DisplayModes modes;
@@ -129,7 +136,8 @@ TEST_F(RawDocumentTest, DisplayModesDecideCellsAndWrittenCodes) {
 TEST_F(RawDocumentTest, CaptionsByRowType) {
     RawDocument doc;
     EXPECT_EQ(doc.captions("HI"), (std::vector<std::string>{"InstHt", "RodHt"}));
-    EXPECT_EQ(doc.captions("PT"), (std::vector<std::string>{"PntNo", "Northing", "Easting", "Elevation", "Description"}));
+    EXPECT_EQ(doc.captions("PT"), (std::vector<std::string>{"PntNo", "Northing", "Easting",
+                                                            "Elevation", "Description"}));
     EXPECT_EQ(doc.captions("MSE").size(), 6u);
     EXPECT_EQ(doc.captions("SSE")[0], "Rod Ctr");
     EXPECT_EQ(doc.captions("CSE")[3], "Azimuth(sec)");
@@ -137,7 +145,8 @@ TEST_F(RawDocumentTest, CaptionsByRowType) {
     EXPECT_EQ(rowTypes().size(), 26u);
     EXPECT_EQ(rowTypes()[2], "HI");
     EXPECT_EQ(rowTypes()[4], "PT");
-    EXPECT_EQ(angleCodes(), (std::vector<std::string>{"NE", "SE", "SW", "NW", "AZ", "AR", "AL", "DR", "DL", "GN"}));
+    EXPECT_EQ(angleCodes(), (std::vector<std::string>{"NE", "SE", "SW", "NW", "AZ", "AR", "AL",
+                                                      "DR", "DL", "GN"}));
 }
 
 TEST_F(RawDocumentTest, NoteRowsThatHoldRecords) {
@@ -162,8 +171,8 @@ TEST_F(RawDocumentTest, NoteRowsThatHoldRecords) {
 
 TEST_F(RawDocumentTest, AddAndDeleteRows) {
     RawDocument doc;
-    const std::vector<std::string> types = {"TR", "SS", "BK", "HI", "PT", "EL", "GPS", "NAME", "", "DO",
-                                            "AZ", "CSE", "SSE", "MSE"};
+    const std::vector<std::string> types = {"TR",   "SS", "BK", "HI", "PT",  "EL",  "GPS",
+                                            "NAME", "",   "DO", "AZ", "CSE", "SSE", "MSE"};
     size_t at = 0;
     for (const auto &t : types)
         at = doc.addRow(t, at);
@@ -205,10 +214,17 @@ TEST_F(RawDocumentTest, ModifyMeasurements) {
         const char *result;
     };
     const Case cases[] = {
-        {ModifyField::HorizontalAngle, 0.0200, {"2", 0, 0}, 1, 0, kHorizontalCell, "0.0100"}, // wraps past 360
+        {ModifyField::HorizontalAngle,
+         0.0200,
+         {"2", 0, 0},
+         1,
+         0,
+         kHorizontalCell,
+         "0.0100"}, // wraps past 360
         {ModifyField::HorizontalAngle, -0.0200, {"3", 0, 0}, 1, 1, kHorizontalCell, "359.5900"},
         {ModifyField::VerticalAngle, 0.0030, {"1-3", 0, 0}, 2, 1, kVerticalCell, "89.5930"},
-        {ModifyField::Distance, 0.25, {"", 1, 4}, 2, 1, kDistanceCell, "50.250"}, // empty cell untouched
+        {ModifyField::Distance, 0.25, {"", 1, 4}, 2, 1, kDistanceCell, "50.250"}, // empty cell
+                                                                                  // untouched
         {ModifyField::Distance, 1.0, {"10", 0, 0}, 0, 3, kDistanceCell, ""},
         {ModifyField::Distance, 1.0, {"", 2, 3}, 1, 0, kDistanceCell, "100.000"},
     };
@@ -259,7 +275,8 @@ TEST_F(RawDocumentTest, FindAndReplace) {
 }
 
 TEST_F(RawDocumentTest, AppendAnotherFile) {
-    const auto other = write("other.rw5", "JB,NMOTHER,DT,TM\nMO,AD0,UN2,SF1.00000000,EC0,EO0,AU0\nLS,HI5\n");
+    const auto other =
+        write("other.rw5", "JB,NMOTHER,DT,TM\nMO,AD0,UN2,SF1.00000000,EC0,EO0,AU0\nLS,HI5\n");
     RawDocument doc = openText("--first\n");
     ASSERT_TRUE(doc.append(other, false, ui));
     EXPECT_EQ(doc.rowCount(), 4u);
@@ -276,7 +293,7 @@ TEST_F(RawDocumentTest, FailuresKeepEverything) {
     EXPECT_FALSE(doc.open(dir / "missing.rw5", ui));
     EXPECT_EQ(ui.messages.back(), "Error: unable to read raw file");
     EXPECT_FALSE(doc.open(dir, ui)); // a folder
-    EXPECT_EQ(doc.rowCount(), 1u);    // the open document is kept
+    EXPECT_EQ(doc.rowCount(), 1u);   // the open document is kept
 
     const auto target = write("keep.rw5", "old\n");
     doc.addRow("SS", 0);

@@ -40,8 +40,9 @@ TEST(RawReader, NormalisesVerticalAndDistance) {
         {"SS,OP1,FP2,AR0,VA-2.3000,hD100.000,--", -2.5, 100.0 / std::cos(radians(2.5))},
         {"SS,OP1,FP2,AR0,CE3.000,HD100.000,--", degrees(std::atan(ce / h)), std::hypot(h, ce)},
         {"SS,OP1,FP2,AR0,CE-3.000,HD100.000,--", -degrees(std::atan(ce / h)), std::hypot(h, ce)},
-        {"SS,OP1,FP2,AR0,CE3.000,SD100.000,--", degrees(std::atan(3.0 / std::sqrt(10000.0 - 9.0))), 100.0},
-        {"SS,OP1,FP2,AR0,CE5.000,SD5.000,--", 0.0, 5.0}, // straight up: no horizontal, angle 0
+        {"SS,OP1,FP2,AR0,CE3.000,SD100.000,--", degrees(std::atan(3.0 / std::sqrt(10000.0 - 9.0))),
+         100.0},
+        {"SS,OP1,FP2,AR0,CE5.000,SD5.000,--", 0.0, 5.0},      // straight up: no horizontal, angle 0
         {"SS,OP1,FP2,AR0,XX2.3000,SD100.000,--", 2.5, 100.0}, // unknown code reads as VA
     };
     for (const auto &c : cases) {
@@ -54,7 +55,8 @@ TEST(RawReader, NormalisesVerticalAndDistance) {
 }
 
 TEST(RawReader, GonFilesNormaliseInGons) {
-    const Observation o = readShot("SS,OP1,FP2,AR0,ZE97.5000,SD100.000,--", "MO,AD0,UN1,SF1.00000000,EC0,EO0,AU1\n");
+    const Observation o =
+        readShot("SS,OP1,FP2,AR0,ZE97.5000,SD100.000,--", "MO,AD0,UN1,SF1.00000000,EC0,EO0,AU1\n");
     EXPECT_NEAR(o.verticalAngle, 2.5, 1e-12); // 100 - 97.5 gons
     const Observation n = readShot("SS,OP1,FP2,AR0,VA2.5,HD100.000,--", "--UNITS GONS\n");
     EXPECT_NEAR(n.slopeDistance, 100.0 / std::cos(radians(2.25)), 1e-9);
@@ -109,7 +111,9 @@ TEST(RawReader, RecordsAndTextRows) {
                              "G1,BP1,PN2,DX1,DY2,DZ3\n"
                              "DO,Data On/Off\n"
                              "NAME,Loop A\n"
-                             "--" + std::string(100, 'n') + "\n"
+                             "--" +
+                             std::string(100, 'n') +
+                             "\n"
                              "ZZ,unknown\n";
     const RawFile f = readRawText(text);
     ASSERT_EQ(f.nodes.size(), 12u);
@@ -142,14 +146,19 @@ TEST(RawReader, Units) {
     };
     const Case cases[] = {
         {"", LinearUnit::Metres, AngleUnit::DegreesMinutesSeconds},
-        {"MO,AD0,UN0,SF1.00000000,EC0,EO0,AU0\n", LinearUnit::InternationalFeet, AngleUnit::DegreesMinutesSeconds},
-        {"MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\n", LinearUnit::Metres, AngleUnit::DegreesMinutesSeconds},
-        {"MO,AD0,UN2,SF1.00000000,EC0,EO0,AU0\n", LinearUnit::UsSurveyFeet, AngleUnit::DegreesMinutesSeconds},
+        {"MO,AD0,UN0,SF1.00000000,EC0,EO0,AU0\n", LinearUnit::InternationalFeet,
+         AngleUnit::DegreesMinutesSeconds},
+        {"MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\n", LinearUnit::Metres,
+         AngleUnit::DegreesMinutesSeconds},
+        {"MO,AD0,UN2,SF1.00000000,EC0,EO0,AU0\n", LinearUnit::UsSurveyFeet,
+         AngleUnit::DegreesMinutesSeconds},
         {"MO,AD0,UN1,SF1.00000000,EC0,EO0,AU2\n", LinearUnit::Metres, AngleUnit::Gons},
         {"--UNITS FOOT\n", LinearUnit::InternationalFeet, AngleUnit::DegreesMinutesSeconds},
         {"--UNITS METERS\r\n--UNITS GONS\n", LinearUnit::Metres, AngleUnit::Gons},
-        {"MO,AD0,UN0,SF1.00000000,EC0,EO0,AU0\n--UNITS METERS\n", LinearUnit::Metres, AngleUnit::DegreesMinutesSeconds},
-        {"MO,AD0,UN9,SF1.00000000,EC0,EO0,AU0\n", LinearUnit::Metres, AngleUnit::DegreesMinutesSeconds},
+        {"MO,AD0,UN0,SF1.00000000,EC0,EO0,AU0\n--UNITS METERS\n", LinearUnit::Metres,
+         AngleUnit::DegreesMinutesSeconds},
+        {"MO,AD0,UN9,SF1.00000000,EC0,EO0,AU0\n", LinearUnit::Metres,
+         AngleUnit::DegreesMinutesSeconds},
     };
     for (const auto &c : cases) {
         const RawFile f = readRawText(c.text);
@@ -195,8 +204,13 @@ TEST(RawRecords, OccupiedPointOfShortLines) {
     struct Case {
         const char *line, *point;
     };
-    const Case cases[] = {{"OC,OP12,N 1,E 2,EL3,--", "12"}, {"OC,PNA-7,N ,E ,EL,--", "A-7"}, {"OC,OP5", "5"},
-                          {"OC,A", ""}, {"OC,", ""}, {"OC,OP", ""}, {"SS,OP1,FP2", ""}};
+    const Case cases[] = {{"OC,OP12,N 1,E 2,EL3,--", "12"},
+                          {"OC,PNA-7,N ,E ,EL,--", "A-7"},
+                          {"OC,OP5", "5"},
+                          {"OC,A", ""},
+                          {"OC,", ""},
+                          {"OC,OP", ""},
+                          {"SS,OP1,FP2", ""}};
     for (const auto &c : cases)
         EXPECT_EQ(occupiedPointOf(c.line), c.point) << c.line;
 }

@@ -39,13 +39,15 @@ TEST(ValidateRaw, Warnings) {
 TEST(ValidateRaw, HeightLimits) {
     HeightLimits limits{true, 0.0, 10.0, 0.0, 20.0};
     const auto w = validateRaw(readRawText("LS,HI12.5,HR-1\nLS,HI-98765432.1\n"), limits);
-    EXPECT_EQ(w, (std::vector<std::string>{
-                     "Warning: Invalid Instrument Height 12.50 at row: 1 (Not within 0.00 to 10.00)",
-                     "Warning: Invalid Rod Height -1.00 at row: 1 (Not within 0.00 to 20.00)"}));
+    EXPECT_EQ(w,
+              (std::vector<std::string>{
+                  "Warning: Invalid Instrument Height 12.50 at row: 1 (Not within 0.00 to 10.00)",
+                  "Warning: Invalid Rod Height -1.00 at row: 1 (Not within 0.00 to 20.00)"}));
 }
 
 TEST(SummarizeRaw, CountsAndUnrecognisedLines) {
-    std::istringstream in("JB,NMX,DT,TM\nOC,OP1,N ,E ,EL,--\nSS,OP1,FP2,AR1,ZE2,SD3,--\nNAME,x\nQQ,what\nab\n--n\n");
+    std::istringstream in(
+        "JB,NMX,DT,TM\nOC,OP1,N ,E ,EL,--\nSS,OP1,FP2,AR1,ZE2,SD3,--\nNAME,x\nQQ,what\nab\n--n\n");
     const RawSummary s = summarizeRaw(in);
     EXPECT_EQ(s.lines, 7u);
     EXPECT_EQ(s.records, 6u);

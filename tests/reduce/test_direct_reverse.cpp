@@ -17,8 +17,8 @@ namespace {
 using tramline::test::readRawText;
 
 // A set in ddd.mmss with six decimals (tenths of a second and below).
-std::string faceSet(double bd, double fd, double fr, double br, double zd, double zr, double dd, double dr,
-                    const char *fs = "3") {
+std::string faceSet(double bd, double fd, double fr, double br, double zd, double zr, double dd,
+                    double dr, const char *fs = "3") {
     auto a = [](double deg) { return format("%.6f", packDms(deg, 4)); };
     std::string out;
     out += format("BD,OP2,FP1,AR%s,ZE%s,SD100.000,--\n", a(bd).c_str(), a(90.0).c_str());
@@ -31,17 +31,18 @@ std::string faceSet(double bd, double fd, double fr, double br, double zd, doubl
 TEST(DirectReverse, ReducesOneSetToTheMeanShot) {
     // Collimation error +4" and index error +4": the means cancel both.
     const double c = 4.0 / 3600.0;
-    const auto file = readRawText("--start\n" + faceSet(10.0 + c, 100.0 + c, 280.0 - c, 190.0 - c, 88.0 + c,
-                                                     272.0 + c, 150.002, 149.998) +
-                               "--end\n");
+    const auto file = readRawText(
+        "--start\n" +
+        faceSet(10.0 + c, 100.0 + c, 280.0 - c, 190.0 - c, 88.0 + c, 272.0 + c, 150.002, 149.998) +
+        "--end\n");
     const DirectReverseResult r = reduceDirectReverse(file, "job.rw5");
     ASSERT_TRUE(r.ok) << r.error;
     ASSERT_EQ(r.sets.size(), 1u);
     const ReducedSet &s = r.sets[0];
     EXPECT_NEAR(s.horizontalAngle, 90.0, 1e-6);
     EXPECT_NEAR(s.turnedDifference, 0.0, 1e-3);
-    EXPECT_NEAR(s.backsightDifference, 8.0, 1e-3);  // twice the collimation error
-    EXPECT_NEAR(s.vertical, 88.0, 1e-6);             // index error cancels
+    EXPECT_NEAR(s.backsightDifference, 8.0, 1e-3); // twice the collimation error
+    EXPECT_NEAR(s.vertical, 88.0, 1e-6);           // index error cancels
     EXPECT_NEAR(s.verticalDifference, 8.0, 1e-3);
     EXPECT_NEAR(s.distance, 150.0, 1e-9);
     EXPECT_TRUE(r.warnings.empty());
@@ -107,16 +108,19 @@ TEST(DirectReverse, Warnings) {
 }
 
 TEST(DirectReverse, ZeroReverseDistanceKeepsTheDirectOne) {
-    const auto r = reduceDirectReverse(readRawText(faceSet(0, 90, 270, 180, 90, 270, 12.345, 0.0)), "j");
+    const auto r =
+        reduceDirectReverse(readRawText(faceSet(0, 90, 270, 180, 90, 270, 12.345, 0.0)), "j");
     EXPECT_DOUBLE_EQ(r.sets[0].distance, 12.345);
 }
 
 TEST(DirectReverse, IncompleteSetsStop) {
-    for (const char *text : {"BD,OP2,FP1,AR0,ZE90,SD1,--\nFD,OP2,FP3,AR90,ZE90,SD1,--\nFR,OP2,FP3,AR270,ZE270,SD1,--\n",
-                             "BD,OP2,FP1,AR0,ZE90,SD1,--\nFD,OP2,FP3,AR90,ZE90,SD1,--\nSS,OP2,FP9,AR1,ZE90,SD1,--\n"
-                             "FR,OP2,FP3,AR270,ZE270,SD1,--\nBR,OP2,FP1,AR180,ZE270,SD1,--\n",
-                             "BD,OP2,FP1,AR0,ZE90,SD1,--\nBD,OP2,FP1,AR0,ZE90,SD1,--\nFD,OP2,FP3,AR90,ZE90,SD1,--\n"
-                             "FR,OP2,FP3,AR270,ZE270,SD1,--\nBR,OP2,FP1,AR180,ZE270,SD1,--\n"}) {
+    for (const char *text :
+         {"BD,OP2,FP1,AR0,ZE90,SD1,--\nFD,OP2,FP3,AR90,ZE90,SD1,--\nFR,OP2,FP3,AR270,ZE270,SD1,--"
+          "\n",
+          "BD,OP2,FP1,AR0,ZE90,SD1,--\nFD,OP2,FP3,AR90,ZE90,SD1,--\nSS,OP2,FP9,AR1,ZE90,SD1,--\n"
+          "FR,OP2,FP3,AR270,ZE270,SD1,--\nBR,OP2,FP1,AR180,ZE270,SD1,--\n",
+          "BD,OP2,FP1,AR0,ZE90,SD1,--\nBD,OP2,FP1,AR0,ZE90,SD1,--\nFD,OP2,FP3,AR90,ZE90,SD1,--\n"
+          "FR,OP2,FP3,AR270,ZE270,SD1,--\nBR,OP2,FP1,AR180,ZE270,SD1,--\n"}) {
         const auto r = reduceDirectReverse(readRawText(text), "j");
         EXPECT_FALSE(r.ok) << text;
         EXPECT_EQ(r.error, "Error: incomplete direct-reverse set");
@@ -124,15 +128,17 @@ TEST(DirectReverse, IncompleteSetsStop) {
 }
 
 TEST(DirectReverse, TraversePointsAndMeansOfRepeatedSets) {
-    const std::string text = faceSet(0, 90, 270, 180, 90, 270, 10, 10) +
-                             faceSet(0, 90 + 2.0 / 3600, 270 + 2.0 / 3600, 180, 90, 270, 10.01, 10.01) +
-                             "OC,OP3,N ,E ,EL,--\n";
+    const std::string text =
+        faceSet(0, 90, 270, 180, 90, 270, 10, 10) +
+        faceSet(0, 90 + 2.0 / 3600, 270 + 2.0 / 3600, 180, 90, 270, 10.01, 10.01) +
+        "OC,OP3,N ,E ,EL,--\n";
     const auto r = reduceDirectReverse(readRawText(text), "j");
     ASSERT_EQ(r.sets.size(), 2u);
     EXPECT_EQ(r.reduced.nodes[0].observation.type, "TR"); // 3 is occupied later
     const auto means = r.report.substr(r.report.find("\nMeans\n"));
     // Two sets 2" apart: sample standard deviation 1.4".
-    EXPECT_NE(means.find("  2         3            2      90.0001      1.4"), std::string::npos) << means;
+    EXPECT_NE(means.find("  2         3            2      90.0001      1.4"), std::string::npos)
+        << means;
     EXPECT_TRUE(hasDirectReverseSets(readRawText(text)));
     EXPECT_FALSE(hasDirectReverseSets(readRawText("SS,OP1,FP2,AR0,ZE90,SD1,--\n")));
 }

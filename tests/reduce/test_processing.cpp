@@ -1,9 +1,9 @@
+#include "../support/test_support.h"
 #include "base/angles.h"
 #include "base/format.h"
 #include "geodesy/projection.h"
 #include "geodesy/zones.h"
 #include "reduce/processing.h"
-#include "../support/test_support.h"
 
 #include "../support/raw_support.h"
 
@@ -67,10 +67,10 @@ TEST_F(Processing, HandComputedTraverse) {
                             "OC,OP2,N ,E ,EL,--\n"
                             "BK,OP2,BP1,BS,BC0.0000\n"
                             "LS,HI5.000,HR6.000\n"
-                            "TR,OP2,FP3,AR90.0000,ZE90.0000,SD200.000,--B\n"     // azimuth 0: due north
-                            "SS,OP2,FP10,DR30.0000,ZE60.0000,SD100.000,--C\n"    // azimuth 120
-                            "SS,OP2,FP11,BRS60.0000W,ZE90.0000,HD50.000,--D\n"   // azimuth 240
-                            "SS,OP2,FP12,AL90.0000,CE-2.500,HD40.000,--E\n";     // azimuth 180
+                            "TR,OP2,FP3,AR90.0000,ZE90.0000,SD200.000,--B\n" // azimuth 0: due north
+                            "SS,OP2,FP10,DR30.0000,ZE60.0000,SD100.000,--C\n"  // azimuth 120
+                            "SS,OP2,FP11,BRS60.0000W,ZE90.0000,HD50.000,--D\n" // azimuth 240
+                            "SS,OP2,FP12,AL90.0000,CE-2.500,HD40.000,--E\n";   // azimuth 180
     const ProcessResult r = process(job);
     ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
     struct Expected {
@@ -81,7 +81,8 @@ TEST_F(Processing, HandComputedTraverse) {
         {"1", 1000.0, 2000.0, 50.0},
         {"2", 1000.0, 2100.0, 50.0},
         {"3", 1200.0, 2100.0, 49.0},
-        {"10", 1000.0 - 86.6025403784 * 0.5, 2100.0 + 86.6025403784 * 0.8660254038, 50.0 + 50.0 + 5.0 - 6.0},
+        {"10", 1000.0 - 86.6025403784 * 0.5, 2100.0 + 86.6025403784 * 0.8660254038,
+         50.0 + 50.0 + 5.0 - 6.0},
         {"11", 1000.0 - 25.0, 2100.0 - 43.3012701892, 50.0 + 5.0 - 6.0},
         {"12", 960.0, 2100.0, 50.0 + 5.0 - 2.5 - 6.0},
     };
@@ -94,7 +95,8 @@ TEST_F(Processing, HandComputedTraverse) {
     }
     EXPECT_EQ(r.report.title(), "Process No Adjust Results");
     const std::string listing = tab(r, "Unadjusted Data");
-    EXPECT_NE(listing.find("Traverse Lines  : 2\nSideshot Traverses: 0\nSideShots       : 3\nStore Points    : 1\n"),
+    EXPECT_NE(listing.find("Traverse Lines  : 2\nSideshot Traverses: 0\nSideShots       : 3\nStore "
+                           "Points    : 1\n"),
               std::string::npos)
         << listing;
 }
@@ -103,15 +105,18 @@ TEST_F(Processing, HandComputedTraverse) {
 // the stations back within the errors put into the observations, and the
 // adjusted loop closes on its start exactly.
 TEST_F(Processing, BundledExampleByEveryMethod) {
-    const std::string job = test::slurp(fs::path(TRAMLINE_SOURCE_DIR) / "data/examples/closed-traverse.rw5");
+    const std::string job =
+        test::slurp(fs::path(TRAMLINE_SOURCE_DIR) / "data/examples/closed-traverse.rw5");
     struct Truth {
         const char *name;
         double north, east;
     };
-    const Truth truth[] = {{"2", 5412.337, 5188.914}, {"3", 5655.120, 5652.480}, {"4", 5360.745, 6041.322},
-                           {"5", 4921.583, 5903.460}, {"6", 4768.902, 5432.775}, {"104", 5701.640, 5610.022}};
-    for (AdjustMethod method : {AdjustMethod::None, AdjustMethod::AngleBalance, AdjustMethod::Compass,
-                                AdjustMethod::Transit, AdjustMethod::Crandall}) {
+    const Truth truth[] = {{"2", 5412.337, 5188.914}, {"3", 5655.120, 5652.480},
+                           {"4", 5360.745, 6041.322}, {"5", 4921.583, 5903.460},
+                           {"6", 4768.902, 5432.775}, {"104", 5701.640, 5610.022}};
+    for (AdjustMethod method :
+         {AdjustMethod::None, AdjustMethod::AngleBalance, AdjustMethod::Compass,
+          AdjustMethod::Transit, AdjustMethod::Crandall}) {
         SetUp();
         options.method = method;
         options.startPoint = options.endPoint = "1";
@@ -121,18 +126,24 @@ TEST_F(Processing, BundledExampleByEveryMethod) {
         for (const auto &t : truth) {
             const auto p = point(t.name);
             ASSERT_TRUE(p) << t.name;
-            EXPECT_NEAR(p->northing, t.north, 0.05) << t.name << " method " << static_cast<int>(method);
-            EXPECT_NEAR(p->easting, t.east, 0.05) << t.name << " method " << static_cast<int>(method);
+            EXPECT_NEAR(p->northing, t.north, 0.05)
+                << t.name << " method " << static_cast<int>(method);
+            EXPECT_NEAR(p->easting, t.east, 0.05)
+                << t.name << " method " << static_cast<int>(method);
         }
         const auto start = point("1");
         EXPECT_DOUBLE_EQ(start->northing, 5000.0); // control is never moved by the shot onto it
         if (method == AdjustMethod::Compass) {
             EXPECT_NE(tab(r, "Compass").find("Compass Closure"), std::string::npos);
-            EXPECT_NE(tab(r, "Angle Balance").find("Angular Error: -0.0003 for 6 traverse sides"), std::string::npos)
+            EXPECT_NE(tab(r, "Angle Balance").find("Angular Error: -0.0003 for 6 traverse sides"),
+                      std::string::npos)
                 << tab(r, "Angle Balance");
-            EXPECT_NE(tab(r, "Angle Balance").find("Corrected Angles\n1         2         AR64.3327\n"), std::string::npos);
-            EXPECT_NE(tab(r, "Closure Results (Before Angle Balance)").find("Closure Precision: 1 in 97"),
-                      std::string::npos);
+            EXPECT_NE(
+                tab(r, "Angle Balance").find("Corrected Angles\n1         2         AR64.3327\n"),
+                std::string::npos);
+            EXPECT_NE(
+                tab(r, "Closure Results (Before Angle Balance)").find("Closure Precision: 1 in 97"),
+                std::string::npos);
         }
         TearDown();
     }
@@ -156,7 +167,8 @@ TEST_F(Processing, PublishedCompassLotFromRawData) {
     const struct {
         const char *name;
         double north, east;
-    } published[] = {{"2", 19.3653, 78.1055}, {"3", 19.3653 - 37.5063, 78.1055 + 27.2678},
+    } published[] = {{"2", 19.3653, 78.1055},
+                     {"3", 19.3653 - 37.5063, 78.1055 + 27.2678},
                      {"4", 19.3653 - 37.5063 - 35.3716, 78.1055 + 27.2678 - 63.5874}};
     for (const auto &p : published) {
         const auto got = point(p.name);
@@ -174,22 +186,27 @@ TEST_F(Processing, ErrorsStopWithTheirTextAndStoreNothing) {
         std::string error;
     };
     const Case cases[] = {
-        {"backsight of another set-up", "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nBK,OP7,BP2,BS,BC0\n",
-         AdjustMethod::None, "Error: occupied pt# 7 does not match 1 on line# 3"},
-        {"no backsight", "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nBK,OP1,BP,BS,BC0\n", AdjustMethod::None,
-         "Error: no backsight point specified on line# 3"},
-        {"backsight on itself", "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nBK,OP1,BP1,BS,BC0\n", AdjustMethod::None,
+        {"backsight of another set-up",
+         "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nBK,OP7,BP2,BS,BC0\n", AdjustMethod::None,
+         "Error: occupied pt# 7 does not match 1 on line# 3"},
+        {"no backsight", "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nBK,OP1,BP,BS,BC0\n",
+         AdjustMethod::None, "Error: no backsight point specified on line# 3"},
+        {"backsight on itself", "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nBK,OP1,BP1,BS,BC0\n",
+         AdjustMethod::None,
          "Error: backsight record 1 on line# 3\nhas identical occupied and backsight pt#'s"},
-        {"angle right without orientation", "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nSS,OP1,FP2,AR1,ZE90,SD1,--\n",
+        {"angle right without orientation",
+         "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nSS,OP1,FP2,AR1,ZE90,SD1,--\n",
          AdjustMethod::None, "Error: no backsight point specified on line# 3"},
         {"one traverse side",
-         "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nTR,OP1,FP2,AZ90,ZE90,SD10,--\n", AdjustMethod::Compass,
-         "Error: only 1 traverse sides found."},
+         "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nTR,OP1,FP2,AZ90,ZE90,SD10,--\n",
+         AdjustMethod::Compass, "Error: only 1 traverse sides found."},
         {"incomplete set",
-         "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nBD,OP1,FP2,AR0,ZE90,SD1,--\nFD,OP1,FP3,AR1,ZE90,SD1,--\n",
+         "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E "
+         ",EL,--\nBD,OP1,FP2,AR0,ZE90,SD1,--\nFD,OP1,FP3,AR1,ZE90,SD1,--\n",
          AdjustMethod::None, "Error: incomplete direct-reverse set"},
         {"no angle balance shot",
-         "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nTR,OP1,FP2,AZ90,ZE90,SD10,--\nOC,OP2,N ,E ,EL,--\n"
+         "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nTR,OP1,FP2,AZ90,ZE90,SD10,--\nOC,OP2,N ,E "
+         ",EL,--\n"
          "TR,OP2,FP1,AZ270,ZE90,SD10,--\n",
          AdjustMethod::AngleBalance, "Error: no angle balance shot found"},
     };
@@ -235,18 +252,22 @@ TEST_F(Processing, MissingOccupiedPointIsAskedFor) {
     ui.reply("<cancel>");
     r = process(job);
     EXPECT_EQ(r.status, ProcessResult::Status::ReturnToEditor);
-    EXPECT_NE(std::find(ui.messages.begin(), ui.messages.end(), "Error: missing Northing"), ui.messages.end());
+    EXPECT_NE(std::find(ui.messages.begin(), ui.messages.end(), "Error: missing Northing"),
+              ui.messages.end());
     EXPECT_TRUE(point("99"));
     EXPECT_FALSE(point("6"));
 }
 
 TEST_F(Processing, StorePointChecksAndPointProtect) {
-    const std::string job = "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nSS,OP1,FP2,AZ0,ZE90,SD10,--\n"
-                            "SP,PN2,N 5,E 5,EL0,--LATER\nSP,PN1,N 0,E 0,EL0,--SAME\n";
+    const std::string job =
+        "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nSS,OP1,FP2,AZ0,ZE90,SD10,--\n"
+        "SP,PN2,N 5,E 5,EL0,--LATER\nSP,PN1,N 0,E 0,EL0,--SAME\n";
     ui.reply("Continue &Processing");
     ProcessResult r = process(job);
     ASSERT_EQ(r.status, ProcessResult::Status::Done);
-    EXPECT_EQ(ui.questions.at(0).rfind("Store Point Check: Warning: Store Point records found after Measurement", 0), 0u);
+    EXPECT_EQ(ui.questions.at(0).rfind(
+                  "Store Point Check: Warning: Store Point records found after Measurement", 0),
+              0u);
     EXPECT_EQ(ui.questions.size(), 1u); // equal coordinates are no conflict
     EXPECT_DOUBLE_EQ(point("2")->northing, 5.0);
 
@@ -267,7 +288,8 @@ TEST_F(Processing, StorePointChecksAndPointProtect) {
     ui.reply("&Report");
     r = process(job);
     EXPECT_EQ(r.status, ProcessResult::Status::ReturnToEditor);
-    EXPECT_NE(tab(r, "Point Protect").find("ForeSight Point: 2 Line: 3"), std::string::npos) << tab(r, "Point Protect");
+    EXPECT_NE(tab(r, "Point Protect").find("ForeSight Point: 2 Line: 3"), std::string::npos)
+        << tab(r, "Point Protect");
     EXPECT_DOUBLE_EQ(point("2")->northing, 9.0);
 }
 
@@ -283,14 +305,18 @@ TEST_F(Processing, WarningsAndNotes) {
     const ProcessResult r = process(job);
     ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
     const std::string text = tab(r, "No Adjust");
-    for (const char *w : {"Warning: backsight record on line# 4 azimuth different than backsight coordinate by 0.0002",
-                          "Warning: Calculate Elevations turned off by 'Elevation: 2D' note in raw file at line 7",
-                          "Warning: Bad horizontal angle: 10.6100 at row: 8 (Not dd.mmss format)",
-                          "Error: occupied pt# 1 same as foresight on line# 9"})
+    for (const char *w :
+         {"Warning: backsight record on line# 4 azimuth different than backsight coordinate by "
+          "0.0002",
+          "Warning: Calculate Elevations turned off by 'Elevation: 2D' note in raw file at line 7",
+          "Warning: Bad horizontal angle: 10.6100 at row: 8 (Not dd.mmss format)",
+          "Error: occupied pt# 1 same as foresight on line# 9"})
         EXPECT_NE(text.find(w), std::string::npos) << w << "\n" << text;
-    EXPECT_EQ(text.find("Instrument Height"), std::string::npos); // the unset height is not validated
+    EXPECT_EQ(text.find("Instrument Height"),
+              std::string::npos); // the unset height is not validated
     EXPECT_DOUBLE_EQ(point("3")->elevation, 100.0);
-    EXPECT_DOUBLE_EQ(point("4")->elevation, 0.0); // after the 2D note: none, which the store keeps as 0
+    EXPECT_DOUBLE_EQ(point("4")->elevation,
+                     0.0); // after the 2D note: none, which the store keeps as 0
     EXPECT_EQ(coordinates->notes("3"), (std::vector<std::string>{"LINE:6,FILE:job.rw5"}));
     EXPECT_TRUE(fs::exists(dir / "work" / "rawedit.tmp"));
     EXPECT_TRUE(fs::exists(dir / "work" / "warnings.tmp"));
@@ -301,21 +327,25 @@ TEST_F(Processing, WarningsAndNotes) {
 // by the earth's radius in feet.
 TEST_F(Processing, CombinedScaleFactorPerSetup) {
     geodesy::CoordinateSystem system;
-    ASSERT_TRUE(geodesy::zoneSystem(geodesy::CoordinateSystemFamily::Utm, geodesy::zoneName(geodesy::CoordinateSystemFamily::Utm, 33), {}, system));
+    ASSERT_TRUE(geodesy::zoneSystem(geodesy::CoordinateSystemFamily::Utm,
+                                    geodesy::zoneName(geodesy::CoordinateSystemFamily::Utm, 33), {},
+                                    system));
     geodesy::Projection projection;
     ASSERT_TRUE(projection.open(system));
     options.combinedScaleFactor = true;
     options.projection = &projection;
-    const ProcessResult r = process("MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\n"
-                                    "SP,PN1,N 5000000.0000,E 500000.0000,EL0.0000,--CM\n"
-                                    "SP,PN2,N 5000000.0000,E 500000.0000,EL1000.0000,--CM HIGH\n"
-                                    "OC,OP1,N ,E ,EL,--\nSS,OP1,FP10,AZ90.0000,ZE90.0000,SD100.000,--\n"
-                                    "OC,OP2,N ,E ,EL,--\nSS,OP2,FP20,AZ0.0000,ZE90.0000,SD100.000,--\n");
+    const ProcessResult r =
+        process("MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\n"
+                "SP,PN1,N 5000000.0000,E 500000.0000,EL0.0000,--CM\n"
+                "SP,PN2,N 5000000.0000,E 500000.0000,EL1000.0000,--CM HIGH\n"
+                "OC,OP1,N ,E ,EL,--\nSS,OP1,FP10,AZ90.0000,ZE90.0000,SD100.000,--\n"
+                "OC,OP2,N ,E ,EL,--\nSS,OP2,FP20,AZ0.0000,ZE90.0000,SD100.000,--\n");
     ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
     EXPECT_NEAR(point("10")->easting - 500000.0, 99.96, 1e-7);
     const double high = 0.9996 * 20906000.0 / (20906000.0 + 1000.0 * 3.280833333333);
     EXPECT_NEAR(point("20")->northing - 5000000.0, 100.0 * high, 1e-7);
-    EXPECT_NE(tab(r, "Report Header").find("Calculate Combined Scale Factor for Each Measurement: ON\nGeoid: None\n"),
+    EXPECT_NE(tab(r, "Report Header")
+                  .find("Calculate Combined Scale Factor for Each Measurement: ON\nGeoid: None\n"),
               std::string::npos);
 }
 
@@ -323,22 +353,30 @@ TEST_F(Processing, CombinedScaleFactorPerSetup) {
 // angular error, the balance spreads it, and Find Bad Angle names the
 // set-up where it was turned.
 TEST_F(Processing, AngleBalanceFindsTheBadAngle) {
-    std::string job = "SP,PN1,N 0.0000,E 0.0000,EL0.0000,--START\nSP,PN100,N -100.0000,E 0.0000,EL0.0000,--MARK\n"
-                      "OC,OP1,N ,E ,EL,--\nBK,OP1,BP100,BS,BC0.0000\nTR,OP1,FP2,AR270.0000,ZE90.0000,SD100.000,--\n";
+    std::string job =
+        "SP,PN1,N 0.0000,E 0.0000,EL0.0000,--START\nSP,PN100,N -100.0000,E 0.0000,EL0.0000,--MARK\n"
+        "OC,OP1,N ,E "
+        ",EL,--\nBK,OP1,BP100,BS,BC0.0000\nTR,OP1,FP2,AR270.0000,ZE90.0000,SD100.000,--\n";
     const char *angles[] = {"90.0000", "90.0100", "90.0000"};
     for (int s = 2; s <= 4; ++s)
-        job += format("OC,OP%d,N ,E ,EL,--\nBK,OP%d,BP%d,BS,BC0.0000\nTR,OP%d,FP%d,AR%s,ZE90.0000,SD100.000,--\n", s, s,
-                      s - 1, s, s % 4 + 1, angles[s - 2]);
-    job += "OC,OP1,N ,E ,EL,--\nBK,OP1,BP4,BS,BC0.0000\nAB,OP1,FP100,AR180.0000,ZE90.0000,SD100.000,--\n";
+        job +=
+            format("OC,OP%d,N ,E "
+                   ",EL,--\nBK,OP%d,BP%d,BS,BC0.0000\nTR,OP%d,FP%d,AR%s,ZE90.0000,SD100.000,--\n",
+                   s, s, s - 1, s, s % 4 + 1, angles[s - 2]);
+    job += "OC,OP1,N ,E "
+           ",EL,--\nBK,OP1,BP4,BS,BC0.0000\nAB,OP1,FP100,AR180.0000,ZE90.0000,SD100.000,--\n";
     options.method = AdjustMethod::AngleBalance;
     options.startPoint = options.endPoint = "1";
     const ProcessResult r = process(job);
     ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
     const std::string balance = tab(r, "Angle Balance");
-    EXPECT_NE(balance.find("Angular Error: -0.0100 for 4 traverse sides"), std::string::npos) << balance;
+    EXPECT_NE(balance.find("Angular Error: -0.0100 for 4 traverse sides"), std::string::npos)
+        << balance;
     EXPECT_NE(balance.find("Adjusting Each Angle: -0.0015"), std::string::npos);
     EXPECT_NE(balance.find("3         4         AR90.0045\n"), std::string::npos);
-    EXPECT_NE(balance.find("Bad Angle at Setup\nOccupy Point 3, Backsight Point 2"), std::string::npos) << balance;
+    EXPECT_NE(balance.find("Bad Angle at Setup\nOccupy Point 3, Backsight Point 2"),
+              std::string::npos)
+        << balance;
     // After the balance the square closes on its angles; 3 and 4 come back
     // to within the remaining linear error of their true places.
     EXPECT_NEAR(point("3")->northing, 100.0, 0.02);
@@ -346,11 +384,13 @@ TEST_F(Processing, AngleBalanceFindsTheBadAngle) {
 }
 
 TEST_F(Processing, BacksightAzimuthWithinOneSecondIsNoWarning) {
-    for (const auto &[bs, warns] : std::vector<std::pair<const char *, bool>>{{"0.00005", false}, {"0.0002", true}}) {
+    for (const auto &[bs, warns] :
+         std::vector<std::pair<const char *, bool>>{{"0.00005", false}, {"0.0002", true}}) {
         SetUp();
-        const ProcessResult r = process(std::string("SP,PN1,N 0,E 0,EL0,--\nSP,PN2,N 100,E 0,EL0,--\n"
-                                                    "OC,OP1,N ,E ,EL,--\nBK,OP1,BP2,BS") +
-                                        bs + ",BC0\n");
+        const ProcessResult r =
+            process(std::string("SP,PN1,N 0,E 0,EL0,--\nSP,PN2,N 100,E 0,EL0,--\n"
+                                "OC,OP1,N ,E ,EL,--\nBK,OP1,BP2,BS") +
+                    bs + ",BC0\n");
         EXPECT_EQ(tab(r, "No Adjust").find("azimuth different") != std::string::npos, warns) << bs;
         TearDown();
     }

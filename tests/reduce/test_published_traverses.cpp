@@ -1,8 +1,8 @@
 // Traverses from public course material, entered as raw data and processed
 // as a surveyor would; each folder under tests/data/reduce/published holds
 // the job, the run's options and the published coordinates.
-#include "reduce/processing.h"
 #include "../support/test_support.h"
+#include "reduce/processing.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,8 @@ std::vector<std::string> caseNames() {
     return names;
 }
 
-class PublishedTraverse : public test::ScratchFolderTest, public ::testing::WithParamInterface<std::string> {};
+class PublishedTraverse : public test::ScratchFolderTest,
+                          public ::testing::WithParamInterface<std::string> {};
 
 TEST_P(PublishedTraverse, MatchesThePublishedCoordinates) {
     const fs::path folder = kCases / GetParam();
@@ -72,14 +73,17 @@ TEST_P(PublishedTraverse, MatchesThePublishedCoordinates) {
         std::getline(fields, tolerance, ',');
         crd::CrdPoint p;
         ASSERT_TRUE(coordinates.readPoint(name, p, 0, true)) << name;
-        EXPECT_NEAR(p.northing, std::stod(north), std::stod(tolerance)) << GetParam() << " point " << name;
-        EXPECT_NEAR(p.easting, std::stod(east), std::stod(tolerance)) << GetParam() << " point " << name;
+        EXPECT_NEAR(p.northing, std::stod(north), std::stod(tolerance))
+            << GetParam() << " point " << name;
+        EXPECT_NEAR(p.easting, std::stod(east), std::stod(tolerance))
+            << GetParam() << " point " << name;
         ++checked;
     }
     EXPECT_GT(checked, 0);
     const std::string report = result.report.toText();
     for (const auto &line : reportLines)
-        EXPECT_NE(report.find(line), std::string::npos) << GetParam() << ": " << line << "\n" << report;
+        EXPECT_NE(report.find(line), std::string::npos) << GetParam() << ": " << line << "\n"
+                                                        << report;
 }
 
 INSTANTIATE_TEST_SUITE_P(Published, PublishedTraverse, ::testing::ValuesIn(caseNames()),

@@ -47,8 +47,10 @@ TraversePoint endOf(const TraversePoint &start, const std::vector<TraverseSide> 
 // latitudes and departures published to four decimals.
 TEST(TraverseAdjustment, PublishedCompassExample) {
     const TraversePoint a{"A", 0.0, 0.0, 0.0, false, ""};
-    const auto sides = sidesFrom("A", {{"B", 76.0, 80.40}, {"C", 180.0 - 36.0, 46.30},
-                                       {"D", 180.0 + 61.0, 72.80}, {"A", 360.0 - 38.0, 68.00}});
+    const auto sides = sidesFrom("A", {{"B", 76.0, 80.40},
+                                       {"C", 180.0 - 36.0, 46.30},
+                                       {"D", 180.0 + 61.0, 72.80},
+                                       {"A", 360.0 - 38.0, 68.00}});
     const Closure closure = computeClosure(endOf(a, sides), a, sides);
     EXPECT_NEAR(closure.north, 0.285, 0.0015);
     EXPECT_NEAR(closure.east, -0.311, 0.0015);
@@ -62,7 +64,8 @@ TEST(TraverseAdjustment, PublishedCompassExample) {
     for (size_t i = 0; i < 4; ++i) {
         n += lat[i];
         e += dep[i];
-        EXPECT_NEAR(adj.points[i].point.north, n, 0.002) << i; // the published figures were rounded twice
+        EXPECT_NEAR(adj.points[i].point.north, n, 0.002)
+            << i; // the published figures were rounded twice
         EXPECT_NEAR(adj.points[i].point.east, e, 0.002) << i;
     }
     EXPECT_NEAR(adj.points.back().point.north, 0.0, 1e-9);
@@ -75,9 +78,12 @@ TEST(TraverseAdjustment, PublishedCompassExample) {
 TEST(TraverseAdjustment, PublishedTransitExample) {
     auto dms = [](int d, int m) { return d + m / 60.0; };
     const TraversePoint a{"A", 1000.0, 1000.0, 0.0, false, ""};
-    const auto sides = sidesFrom("A", {{"B", dms(5, 30), 495.85}, {"C", dms(46, 2), 850.62},
-                                       {"D", dms(112, 22), 855.45}, {"E", dms(167, 35), 1020.87},
-                                       {"F", dms(263, 44), 1117.26}, {"A", dms(304, 51), 660.08}});
+    const auto sides = sidesFrom("A", {{"B", dms(5, 30), 495.85},
+                                       {"C", dms(46, 2), 850.62},
+                                       {"D", dms(112, 22), 855.45},
+                                       {"E", dms(167, 35), 1020.87},
+                                       {"F", dms(263, 44), 1117.26},
+                                       {"A", dms(304, 51), 660.08}});
     const Closure closure = computeClosure(endOf(a, sides), a, sides);
     EXPECT_NEAR(closure.north, 16.81, 0.01);
     EXPECT_NEAR(closure.east, 18.08, 0.01);
@@ -94,8 +100,12 @@ TEST(TraverseAdjustment, PublishedTransitExample) {
 // lengths of the sides, never their directions.
 TEST(TraverseAdjustment, RulesCloseAndCrandallKeepsDirections) {
     const TraversePoint start{"1", 5000.0, 5000.0, 100.0, true, ""};
-    auto sides = sidesFrom("1", {{"2", 24.62, 453.3}, {"3", 62.37, 523.2}, {"4", 127.12, 487.6},
-                                 {"5", 197.44, 460.1}, {"6", 251.95, 494.8}, {"1", 297.01, 490.6}});
+    auto sides = sidesFrom("1", {{"2", 24.62, 453.3},
+                                 {"3", 62.37, 523.2},
+                                 {"4", 127.12, 487.6},
+                                 {"5", 197.44, 460.1},
+                                 {"6", 251.95, 494.8},
+                                 {"1", 297.01, 490.6}});
     sides[2].dNorth += 0.04; // a small error in one side
     sides[4].dEast -= 0.03;
     for (auto &s : sides) {
@@ -108,13 +118,14 @@ TEST(TraverseAdjustment, RulesCloseAndCrandallKeepsDirections) {
         ASSERT_TRUE(adj.ok);
         EXPECT_NEAR(adj.points.back().point.north, start.north, 1e-9);
         EXPECT_NEAR(adj.points.back().point.east, start.east, 1e-9);
-        EXPECT_NEAR(adj.points.back().point.elevation, start.elevation, 1e-9); // vertical error spread
+        EXPECT_NEAR(adj.points.back().point.elevation, start.elevation,
+                    1e-9); // vertical error spread
         EXPECT_TRUE(adj.warning.empty());
         if (rule == LinearRule::Crandall)
             for (size_t i = 0; i < sides.size(); ++i) {
                 const double before = std::atan2(sides[i].dEast, sides[i].dNorth);
                 const double after = std::atan2(sides[i].dEast - adj.points[i].eastCorrection,
-                                                 sides[i].dNorth - adj.points[i].northCorrection);
+                                                sides[i].dNorth - adj.points[i].northCorrection);
                 EXPECT_NEAR(after, before, 1e-12) << i;
             }
     }
@@ -144,10 +155,12 @@ TEST(TraverseAdjustment, AngularErrorFoldsIntoHalfCircle) {
         double reference, measured, error;
     };
     const Case cases[] = {
-        {359.9990, 0.0, -0.0010}, {0.0, 359.9990, 0.0010}, {10.0, 9.5, 0.5}, {180.0, 0.0, 180.0}, {90.0, 270.5, 179.5},
+        {359.9990, 0.0, -0.0010}, {0.0, 359.9990, 0.0010}, {10.0, 9.5, 0.5},
+        {180.0, 0.0, 180.0},      {90.0, 270.5, 179.5},
     };
     for (const auto &c : cases)
-        EXPECT_NEAR(angularError(c.reference, c.measured), c.error, 1e-9) << c.reference << " " << c.measured;
+        EXPECT_NEAR(angularError(c.reference, c.measured), c.error, 1e-9)
+            << c.reference << " " << c.measured;
 }
 
 TEST(TraverseAdjustment, PointLineLayout) {
@@ -155,7 +168,8 @@ TEST(TraverseAdjustment, PointLineLayout) {
     p.point = {"12", 5000.12345, 4000.5, 100.25, true, "IRON ROD"};
     p.sideLength = 453.2;
     p.shift = 0.0125;
-    EXPECT_EQ(adjustedPointLine(p), "12        5000.123    4000.500    100.250     453.200     0.013  IRON ROD");
+    EXPECT_EQ(adjustedPointLine(p),
+              "12        5000.123    4000.500    100.250     453.200     0.013  IRON ROD");
 }
 
 } // namespace
