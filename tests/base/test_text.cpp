@@ -1,0 +1,56 @@
+#include "base/text.h"
+
+#include <gtest/gtest.h>
+
+namespace tramline {
+namespace {
+
+TEST(Text, TrimDropsBlanksAtBothEndsOnly) {
+    EXPECT_EQ(trim("  a b \t\r\n"), "a b");
+    EXPECT_EQ(trim(""), "");
+    EXPECT_EQ(trim(" \t "), "");
+    EXPECT_EQ(trimLeft("  x "), "x ");
+    EXPECT_EQ(trimRight("  x "), "  x");
+}
+
+TEST(Text, CaseFoldingIsAsciiOnly) {
+    EXPECT_EQ(toLower("State Plane 83 \xC4"), "state plane 83 \xC4");
+    EXPECT_EQ(toUpper("gsi-16 z"), "GSI-16 Z");
+    EXPECT_TRUE(equalsIgnoreCase("COMPD_cs", "compd_CS"));
+    EXPECT_FALSE(equalsIgnoreCase("abc", "abcd"));
+    EXPECT_FALSE(equalsIgnoreCase("[", "{")); // differ by 0x20 but are not letters
+    EXPECT_TRUE(startsWithIgnoreCase("--Elevation: 2D", "--ELEVATION"));
+    EXPECT_FALSE(startsWithIgnoreCase("--E", "--ELEVATION"));
+}
+
+TEST(Text, SplitKeepsEmptyFieldsAndTheRest) {
+    struct Case {
+        std::string_view text;
+        std::size_t most;
+        std::vector<std::string_view> fields;
+    };
+    const Case cases[] = {
+        {"a,,b", 10, {"a", "", "b"}},
+        {"", 10, {""}},
+        {"a,", 10, {"a", ""}},
+        {"SS,OP1,FP2,--note, with comma", 4, {"SS", "OP1", "FP2", "--note, with comma"}},
+        {"a,b,c", 1, {"a,b,c"}},
+    };
+    std::vector<std::string_view> out;
+    for (const Case &c : cases) {
+        splitAtMost(c.text, ',', c.most, out);
+        EXPECT_EQ(out, c.fields) << c.text;
+    }
+    EXPECT_EQ(split("1,2,,", ','), (std::vector<std::string_view>{"1", "2", "", ""}));
+}
+
+TEST(Text, KeyValueSplitsAtTheFirstSeparator) {
+    std::string_view key, value;
+    ASSERT_TRUE(splitKeyValue(" tmpdir = /a=b ", '=', key, value));
+    EXPECT_EQ(key, "tmpdir");
+    EXPECT_EQ(value, "/a=b");
+    EXPECT_FALSE(splitKeyValue("no separator", '=', key, value));
+}
+
+} // namespace
+} // namespace tramline
