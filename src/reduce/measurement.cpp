@@ -18,11 +18,17 @@ ReducedMeasurement reduceMeasurement(double slope, double zenith,
     double g = 0.0;
     double z = zenith;
     if (options.curvature) {
-        const double a = -slope * std::sin(zenith) /
-                         (options.metres ? kEarthDiameterMetres : kEarthDiameterFeet);
+        // g is half the central angle between instrument and target, and
+        // the line of sight bends down towards the ground, so the zenith
+        // read is too small by the refraction angle. The zenith of the
+        // straight line, counted from the vertical half-way along it (minus
+        // g), gives the height difference: a level sight rises by
+        // (1 - k) D^2 / 2R, k about 0.14.
+        const double a =
+            slope * std::sin(zenith) / (options.metres ? kEarthDiameterMetres : kEarthDiameterFeet);
         g = std::atan(a / std::sqrt(1.0 - a * a));
         const double feet = options.metres ? slope * kUsFeetPerMetre : slope;
-        const double refraction = radians(-1.9e-07 * feet * std::sin(zenith));
+        const double refraction = radians(1.9e-07 * feet * std::sin(zenith));
         z = zenith - g + refraction;
     }
     ReducedMeasurement r;
