@@ -104,12 +104,21 @@ TEST_F(SdrAdjustment, HorizontalAdjustmentMovesShotsAndItsInverseBringsThemBack)
         ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
         for (size_t i = 0; i < shot.size(); ++i) {
             const auto p = point(std::to_string(10 + i));
+            ASSERT_TRUE(p);
             EXPECT_NEAR(p->northing, shot[i].north, 1e-5) << "rotation " << t.rotation;
             EXPECT_NEAR(p->easting, shot[i].east, 1e-5) << "rotation " << t.rotation;
         }
         TearDown();
     }
+
+    // Declined, the note changes nothing.
     SetUp();
+    ui.reply("No");
+    const ProcessResult r = process(horizontalNote(planes[2]) + kSetupLines + shotsTo(shot));
+    ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
+    EXPECT_FALSE(contains(tab(r, "Report Header"), "SDR Horiz Adjustment"));
+    EXPECT_NEAR(point("10")->northing, 1010.0, 1e-6);
+    EXPECT_NEAR(point("10")->easting, 2000.0, 1e-6);
 }
 
 // Elevations on an inclined plane: constant + slope north x (north -
