@@ -8,6 +8,7 @@
 
 #include "base/angles.h"
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "reduce/setup_walk.h"
 
@@ -25,24 +26,18 @@ const ComputedPoint *PassResult::find(const std::string &name) const {
 
 namespace {
 
+// The first `count` comma-separated numbers after `prefix`; more may follow.
 std::optional<std::vector<double>> numbersAfter(std::string_view text, std::string_view prefix,
                                                 size_t count) {
     if (!text.starts_with(prefix))
         return std::nullopt;
-    text.remove_prefix(prefix.size());
-    std::vector<double> values;
-    while (values.size() < count) {
-        const size_t comma = text.find(',');
-        double v;
-        if (!parseNumber(text.substr(0, comma), v))
-            return std::nullopt;
-        values.push_back(v);
-        if (comma == std::string_view::npos)
-            break;
-        text.remove_prefix(comma + 1);
-    }
-    if (values.size() != count)
+    const auto parts = split(text.substr(prefix.size()), ',');
+    if (parts.size() < count)
         return std::nullopt;
+    std::vector<double> values(count);
+    for (size_t i = 0; i < count; ++i)
+        if (!parseNumber(parts[i], values[i]))
+            return std::nullopt;
     return values;
 }
 

@@ -36,6 +36,27 @@ void turnIntoNote(RawNode &node) {
     node.text = text;
 }
 
+// The two store point dialogs: turn the listed records into notes and go
+// on, go on, report (under the dialog's title) and go back, or go back.
+CheckOutcome answer(CheckContext &context, const char *title, const std::string &text,
+                    const char *changeButton, const std::vector<size_t> &records,
+                    const std::string &report) {
+    switch (ask(context.ui, title, text, {changeButton, kContinue, kReport, kReturn})) {
+    case 0:
+        for (size_t i : records)
+            turnIntoNote(context.file.nodes[i]);
+        context.rawChanged = true;
+        return CheckOutcome::Continue;
+    case 1:
+        return CheckOutcome::Continue;
+    case 2:
+        context.report.append(tr(title), report);
+        return CheckOutcome::ReturnToEditor;
+    default:
+        return CheckOutcome::ReturnToEditor;
+    }
+}
+
 bool isStored(crd::CoordinateFile &coordinates, const std::string &name) {
     crd::CrdPoint p;
     return !name.empty() && coordinates.readPoint(name, p, 0, true);
@@ -86,26 +107,11 @@ CheckOutcome storePointCheck(CheckContext &context) {
                        "\n" + tr("The final CRD file coordinates will be from the last point") +
                        "\n" + tr("number record in the raw file.") + "\n\n" +
                        tr("Point ID  Measure Line#  Store Line#") + list;
-    switch (
-        ask(context.ui, "Store Point Check", text, {kChangeNotes, kContinue, kReport, kReturn})) {
-    case 0:
-        for (size_t i : conflicts)
-            turnIntoNote(file.nodes[i]);
-        context.rawChanged = true;
-        return CheckOutcome::Continue;
-    case 1:
-        return CheckOutcome::Continue;
-    case 2: {
-        std::string report = format("\n%s: %s\n", tr("Raw File"), context.rawFileName.c_str());
-        appendFormat(report, "\n%-9.9s %-14.14s %s", tr("Point ID"), tr("Measure Line#"),
-                     tr("Store Line#"));
-        report += list + "\n";
-        context.report.append(tr("Store Point Check"), report);
-        return CheckOutcome::ReturnToEditor;
-    }
-    default:
-        return CheckOutcome::ReturnToEditor;
-    }
+    std::string report = format("\n%s: %s\n", tr("Raw File"), context.rawFileName.c_str());
+    appendFormat(report, "\n%-9.9s %-14.14s %s", tr("Point ID"), tr("Measure Line#"),
+                 tr("Store Line#"));
+    return answer(context, "Store Point Check", text, kChangeNotes, conflicts,
+                  report + list + "\n");
 }
 
 CheckOutcome storePointConflicts(CheckContext &context) {
@@ -138,23 +144,9 @@ CheckOutcome storePointConflicts(CheckContext &context) {
     const std::string text =
         std::string(tr("Warning: Multiple Store Point records to same point number")) + "\n" +
         tr("with different coordinates.") + "\n\n" + tr("Point ID  Store Line #'s") + list;
-    switch (ask(context.ui, "Store Point Conflicts", text,
-                {kChangeSecondary, kContinue, kReport, kReturn})) {
-    case 0:
-        for (size_t i : secondary)
-            turnIntoNote(file.nodes[i]);
-        context.rawChanged = true;
-        return CheckOutcome::Continue;
-    case 1:
-        return CheckOutcome::Continue;
-    case 2:
-        context.report.append(tr("Store Point Conflicts"),
-                              format("\n%s: %s\n", tr("Raw File"), context.rawFileName.c_str()) +
-                                  tr("Point ID  Store Line #'s") + list + "\n");
-        return CheckOutcome::ReturnToEditor;
-    default:
-        return CheckOutcome::ReturnToEditor;
-    }
+    return answer(context, "Store Point Conflicts", text, kChangeSecondary, secondary,
+                  format("\n%s: %s\n", tr("Raw File"), context.rawFileName.c_str()) +
+                      tr("Point ID  Store Line #'s") + list + "\n");
 }
 
 CheckOutcome pointProtect(CheckContext &context, crd::CoordinateFile &coordinates) {

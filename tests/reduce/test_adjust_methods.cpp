@@ -1,10 +1,7 @@
 // The one table of adjustment methods: what the report, the command line
 // and the desktop program's menu call each one.
-#include "../support/test_support.h"
+#include "process_run.h"
 #include "reduce/adjust_methods.h"
-#include "reduce/processing.h"
-
-#include "../support/raw_support.h"
 
 #include <gtest/gtest.h>
 
@@ -54,19 +51,13 @@ TEST(AdjustMethods, HistoryCodesOfTheLinearRules) {
 }
 
 TEST(AdjustMethods, AMethodNotBuiltSaysSoAndWritesNothing) {
-    test::ScratchFolder scratch;
-    ScriptedInteraction ui;
-    crd::CrdContext context;
-    context.messages = &ui;
-    crd::CoordinateFile coordinates(context);
-    ASSERT_TRUE(coordinates.open(scratch.path / "job.crd"));
-    raw::RawFile file = test::readRawText("SP,PN1,N 1000,E 1000,EL10,--\n");
+    test::ProcessRun run;
     ProcessOptions options;
     options.method = AdjustMethod::LeastSquares;
-    const ProcessResult r = processRaw(file, "job.rw5", coordinates, options, ui);
+    const ProcessResult r = run.run("SP,PN1,N 1000,E 1000,EL10,--\n", options);
     EXPECT_EQ(r.status, ProcessResult::Status::Failed);
     EXPECT_EQ(r.error, "Least-Squares: this command is not available yet.");
-    EXPECT_TRUE(coordinates.highestName().empty());
+    EXPECT_TRUE(run.coordinates->highestName().empty());
 }
 
 } // namespace

@@ -1,11 +1,11 @@
 // The angle balance: the correction of each angle, the corrected angles in
 // their written forms, and traverses by azimuths and bearings, whose every
 // direction stands on its own and must take all the corrections before it.
-#include "../support/test_support.h"
 #include "base/angles.h"
+#include "process_run.h"
 #include "reduce/angle_balance.h"
-#include "reduce/processing.h"
 #include "reduce/setup_walk.h"
+#include "walk_recorder.h"
 
 #include "../support/raw_support.h"
 
@@ -77,36 +77,18 @@ std::string loop(bool bearings) {
     return job;
 }
 
-struct DirectionCollector : SetupWalkClient {
-    std::map<std::string, TraversePoint> points;
-    std::vector<std::pair<std::string, double>> azimuths; ///< foresight, azimuth
-    std::optional<TraversePoint> known(const std::string &name) override {
-        const auto it = points.find(name);
-        return it == points.end() ? std::nullopt : std::optional<TraversePoint>(it->second);
-    }
-    void given(const TraversePoint &p, long, GivenBy) override { points[p.name] = p; }
-    void shot(const Setup &s, const ReducedShot &shot) override {
-        azimuths.emplace_back(shot.observation->foresight, shot.azimuth);
-        TraversePoint p;
-        p.name = shot.observation->foresight;
-        p.north = s.station.north + 100.0 * std::cos(radians(shot.azimuth));
-        p.east = s.station.east + 100.0 * std::sin(radians(shot.azimuth));
-        points.emplace(p.name, p);
-    }
-};
-
 TEST(AngleBalance, DirectionsOfTheirOwnTakeEveryCorrectionBefore) {
     for (const bool bearings : {false, true}) {
         const raw::RawFile file = readRawText(loop(bearings));
-        DirectionCollector c;
+        test::WalkRecorder c;
         ScriptedInteraction ui;
         ASSERT_EQ(walkSetups(file, ProcessOptions{}, -kTenSeconds, c, ui).status,
                   WalkOutcome::Status::Done);
         const double truth[] = {90.0, 0.0, 270.0, 180.0, 0.0}; // the last: the closing mark
-        ASSERT_EQ(c.azimuths.size(), std::size(truth));
+        ASSERT_EQ(c.rows.size(), std::size(truth));
         for (size_t i = 0; i < std::size(truth); ++i)
-            EXPECT_NEAR(std::remainder(c.azimuths[i].second - truth[i], 360.0), 0.0, 1e-9)
-                << (bearings ? "bearings " : "azimuths ") << c.azimuths[i].first;
+            EXPECT_NEAR(std::remainder(c.rows[i].azimuth - truth[i], 360.0), 0.0, 1e-9)
+                << (bearings ? "bearings " : "azimuths ") << c.rows[i].foresight;
     }
 }
 
@@ -115,32 +97,21 @@ TEST(AngleBalance, DirectionsOfTheirOwnTakeEveryCorrectionBefore) {
 // matches the reference.
 TEST(AngleBalance, AzimuthAndBearingLoopsCloseAfterTheBalance) {
     for (const bool bearings : {false, true}) {
-        test::ScratchFolder scratch;
-        ScriptedInteraction ui;
-        crd::CrdContext context;
-        context.messages = &ui;
-        crd::CoordinateFile coordinates(context);
-        ASSERT_TRUE(coordinates.open(scratch.path / "job.crd"));
-        raw::RawFile file = readRawText(loop(bearings));
+        test::ProcessRun run;
         ProcessOptions options;
         options.method = AdjustMethod::AngleBalance;
         options.startPoint = options.endPoint = "1";
-        const ProcessResult r = processRaw(file, "job.rw5", coordinates, options, ui);
+        const ProcessResult r = run.run(loop(bearings), options);
         ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
-        std::string balance, after;
-        for (const auto &tab : r.report.tabs()) {
-            if (tab.title == "Angle Balance" && balance.empty())
-                balance = tab.text;
-            if (tab.title == "Closure Results (After Angle Balance)")
-                after = tab.text;
-        }
+        const std::string balance = test::ProcessRun::tab(r, "Angle Balance");
+        const std::string after = test::ProcessRun::tab(r, "Closure Results (After Angle Balance)");
         EXPECT_NE(balance.find("Angular Error: -0.0040 for 4 traverse sides"), std::string::npos)
             << balance;
         EXPECT_NE(after.find("Hz Dist Error   : 0.00000"), std::string::npos) << after;
-        crd::CrdPoint p;
-        ASSERT_TRUE(coordinates.readPoint("3", p, 0, true));
-        EXPECT_NEAR(p.northing, 1100.0, 1e-6) << bearings;
-        EXPECT_NEAR(p.easting, 1100.0, 1e-6) << bearings;
+        const auto p = run.point("3");
+        ASSERT_TRUE(p);
+        EXPECT_NEAR(p->northing, 1100.0, 1e-6) << bearings;
+        EXPECT_NEAR(p->easting, 1100.0, 1e-6) << bearings;
     }
 }
 

@@ -1,11 +1,8 @@
 // Processing leaves its trace in the coordinate file's history: store
 // points under "Point Store", shots under "Sideshot", and the traverse
 // points a rule moved under that rule's code.
-#include "../support/test_support.h"
 #include "crd/history_file.h"
-#include "reduce/processing.h"
-
-#include "../support/raw_support.h"
+#include "process_run.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +12,6 @@ using namespace tramline;
 using namespace tramline::reduce;
 
 namespace {
-
-using tramline::test::readRawText;
 
 // A loop that misses its start by 0.3 north, with a sideshot from 3.
 const char *kLoop = "SP,PN1,N 1000,E 1000,EL10,--\n"
@@ -42,21 +37,15 @@ TEST(PointStore, EveryStoredPointHasItsHistoryEntry) {
         {AdjustMethod::Crandall, {{"1", 20}, {"2", 29}, {"3", 29}, {"30", 21}, {"4", 29}}},
     };
     for (const auto &c : cases) {
-        test::ScratchFolder scratch;
-        ScriptedInteraction ui;
-        crd::CrdContext context;
-        context.messages = &ui;
-        crd::CoordinateFile coordinates(context);
-        ASSERT_TRUE(coordinates.open(scratch.path / "job.crd"));
-        coordinates.setHistoryKeeping(true);
-        raw::RawFile file = readRawText(kLoop);
+        test::ProcessRun run;
+        run.coordinates->setHistoryKeeping(true);
         ProcessOptions options;
         options.method = c.method;
         options.startPoint = options.endPoint = "1";
-        const ProcessResult r = processRaw(file, "job.rw5", coordinates, options, ui);
+        const ProcessResult r = run.run(kLoop, options);
         ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
-        const auto historyPath = coordinates.historyPath();
-        coordinates.close();
+        const auto historyPath = run.coordinates->historyPath();
+        run.coordinates->close();
         std::vector<crd::HistoryEntry> entries;
         ASSERT_TRUE(crd::parseHistory(test::slurp(historyPath), entries));
         std::map<std::string, int> operations;
@@ -68,17 +57,9 @@ TEST(PointStore, EveryStoredPointHasItsHistoryEntry) {
 
 // Without history keeping the run writes no history file.
 TEST(PointStore, NoHistoryWhenTheFileKeepsNone) {
-    test::ScratchFolder scratch;
-    ScriptedInteraction ui;
-    crd::CrdContext context;
-    context.messages = &ui;
-    crd::CoordinateFile coordinates(context);
-    ASSERT_TRUE(coordinates.open(scratch.path / "job.crd"));
-    raw::RawFile file = readRawText(kLoop);
-    ProcessOptions options;
-    ASSERT_EQ(processRaw(file, "job.rw5", coordinates, options, ui).status,
-              ProcessResult::Status::Done);
-    EXPECT_FALSE(std::filesystem::exists(coordinates.historyPath()));
+    test::ProcessRun run;
+    ASSERT_EQ(run.run(kLoop, ProcessOptions{}).status, ProcessResult::Status::Done);
+    EXPECT_FALSE(std::filesystem::exists(run.coordinates->historyPath()));
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 // The set-up walk seen from a second client: every reduced shot arrives
 // with the set-up it was measured from, as a network adjustment needs it.
-#include "../support/test_support.h"
 #include "base/angles.h"
-#include "reduce/processing.h"
+#include "process_run.h"
 #include "reduce/setup_walk.h"
+#include "walk_recorder.h"
 
 #include "../support/raw_support.h"
 
@@ -18,37 +18,6 @@ namespace {
 
 using tramline::test::readRawText;
 
-// Collects observations the way a least-squares adjustment would.
-struct Collector : SetupWalkClient {
-    struct Row {
-        std::string occupied, backsight, foresight;
-        double orientation, azimuth, horizontal, vertical;
-        std::optional<double> hi, hr;
-        long setupLine, line;
-    };
-    std::map<std::string, TraversePoint> points;
-    std::vector<Row> rows;
-    std::vector<std::string> warnings;
-
-    std::optional<TraversePoint> known(const std::string &name) override {
-        const auto it = points.find(name);
-        return it == points.end() ? std::nullopt : std::optional<TraversePoint>(it->second);
-    }
-    void given(const TraversePoint &p, long, GivenBy) override { points[p.name] = p; }
-    void shot(const Setup &s, const ReducedShot &shot) override {
-        rows.push_back({s.occupied, s.backsight, shot.observation->foresight, s.orientation,
-                        shot.azimuth, shot.measurement.horizontal, shot.vertical, s.hi, s.hr,
-                        s.line, shot.line});
-        // Foresights become known, so that later set-ups can occupy them.
-        TraversePoint p;
-        p.name = shot.observation->foresight;
-        p.north = s.station.north + shot.measurement.horizontal * std::cos(radians(shot.azimuth));
-        p.east = s.station.east + shot.measurement.horizontal * std::sin(radians(shot.azimuth));
-        points.emplace(p.name, p);
-    }
-    void warning(const std::string &text) override { warnings.push_back(text); }
-};
-
 TEST(SetupWalk, EveryShotArrivesWithItsSetup) {
     const raw::RawFile file = readRawText("SP,PN1,N 1000,E 1000,EL10,--\n"
                                           "SP,PN9,N 1000,E 900,EL10,--\n"
@@ -60,7 +29,7 @@ TEST(SetupWalk, EveryShotArrivesWithItsSetup) {
                                           "BK,OP2,BP1,BS,BC0.0000\n"
                                           "LS,HR1.000\n" // HI carries over
                                           "SS,OP2,FP3,AL90.0000,ZE90.0000,SD50.000,--\n");
-    Collector c;
+    test::WalkRecorder c;
     ScriptedInteraction ui;
     const WalkOutcome out = walkSetups(file, ProcessOptions{}, 0.0, c, ui);
     ASSERT_EQ(out.status, WalkOutcome::Status::Done) << out.error;
@@ -100,7 +69,7 @@ TEST(SetupWalk, ShotFromAnotherOccupiedPointIsLeftOut) {
                                           "SS,OP1,FP2,AZ90.0000,ZE90.0000,SD100.000,--\n"
                                           "SS,OP5,FP3,AZ90.0000,ZE90.0000,SD100.000,--\n" // line 5
                                           "SS,OP1,FP4,AZ0.0000,ZE90.0000,SD100.000,--\n");
-    Collector c;
+    test::WalkRecorder c;
     ScriptedInteraction ui;
     ASSERT_EQ(walkSetups(file, ProcessOptions{}, 0.0, c, ui).status, WalkOutcome::Status::Done);
     ASSERT_EQ(c.rows.size(), 2u);
@@ -111,25 +80,14 @@ TEST(SetupWalk, ShotFromAnotherOccupiedPointIsLeftOut) {
 }
 
 TEST(SetupWalk, ShotFromAnotherOccupiedPointIsNotStored) {
-    test::ScratchFolder scratch;
-    ScriptedInteraction ui;
-    crd::CrdContext context;
-    context.messages = &ui;
-    crd::CoordinateFile coordinates(context);
-    ASSERT_TRUE(coordinates.open(scratch.path / "job.crd"));
-    raw::RawFile file = readRawText("SP,PN1,N 1000,E 1000,EL10,--\n"
+    test::ProcessRun run;
+    const ProcessResult r = run.run("SP,PN1,N 1000,E 1000,EL10,--\n"
                                     "OC,OP1,N ,E ,EL,--\n"
-                                    "SS,OP7,FP3,AZ90.0000,ZE90.0000,SD100.000,--\n");
-    ProcessOptions options;
-    const ProcessResult r = processRaw(file, "job.rw5", coordinates, options, ui);
+                                    "SS,OP7,FP3,AZ90.0000,ZE90.0000,SD100.000,--\n",
+                                    ProcessOptions{});
     ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
-    crd::CrdPoint p;
-    EXPECT_FALSE(coordinates.readPoint("3", p, 0, true));
-    bool warned = false;
-    for (const auto &tab : r.report.tabs())
-        warned |=
-            tab.text.find("Error: occupied pt# 7 does not match 1 on line# 3") != std::string::npos;
-    EXPECT_TRUE(warned);
+    EXPECT_FALSE(run.point("3"));
+    EXPECT_TRUE(test::ProcessRun::reports(r, "Error: occupied pt# 7 does not match 1 on line# 3"));
 }
 
 } // namespace

@@ -1,10 +1,7 @@
 // Choosing the traverse: with "Prompt" the user names the traverse points
 // from start to end, so that a spur measured from a station stays out of
 // the closure that "Automatic" (every side in file order) would take in.
-#include "../support/test_support.h"
-#include "reduce/processing.h"
-
-#include "../support/raw_support.h"
+#include "process_run.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +9,6 @@ using namespace tramline;
 using namespace tramline::reduce;
 
 namespace {
-
-using tramline::test::readRawText;
 
 // A square loop 1-2-3-4-1 with a spur 2-5 measured before 2-3.
 const char *kLoopWithSpur = "SP,PN1,N 1000,E 1000,EL10,--\n"
@@ -68,27 +63,18 @@ TEST(TraverseSelection, PromptTakesThePointsTheUserNames) {
          2},
     };
     for (const auto &c : cases) {
-        test::ScratchFolder scratch;
-        ScriptedInteraction ui(c.replies);
-        crd::CrdContext context;
-        context.messages = &ui;
-        crd::CoordinateFile coordinates(context);
-        ASSERT_TRUE(coordinates.open(scratch.path / "job.crd"));
-        raw::RawFile file = readRawText(kLoopWithSpur);
+        test::ProcessRun run(c.replies);
         ProcessOptions options;
         options.method = AdjustMethod::Compass;
         options.automaticTraversePoints = c.automatic;
         if (c.endsGiven)
             options.startPoint = options.endPoint = "1";
-        const ProcessResult r = processRaw(file, "job.rw5", coordinates, options, ui);
+        const ProcessResult r = run.run(kLoopWithSpur, options);
         EXPECT_EQ(r.status, c.status) << c.what << ": " << r.error;
-        EXPECT_EQ(ui.questions.size(), c.questions) << c.what;
-        for (const auto &q : ui.questions)
+        EXPECT_EQ(run.ui.questions.size(), c.questions) << c.what;
+        for (const auto &q : run.ui.questions)
             EXPECT_EQ(q, "Traverse Points") << c.what;
-        std::string closure;
-        for (const auto &tab : r.report.tabs())
-            if (tab.title == "Closure Results")
-                closure = tab.text;
+        const std::string closure = test::ProcessRun::tab(r, "Closure Results");
         if (*c.closureLine)
             EXPECT_NE(closure.find(c.closureLine), std::string::npos) << c.what << closure;
         else
