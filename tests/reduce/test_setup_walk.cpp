@@ -68,13 +68,17 @@ TEST(SetupWalk, ShotFromAnotherOccupiedPointIsLeftOut) {
                                           "OC,OP1,N ,E ,EL,--\n"
                                           "SS,OP1,FP2,AZ90.0000,ZE90.0000,SD100.000,--\n"
                                           "SS,OP5,FP3,AZ90.0000,ZE90.0000,SD100.000,--\n" // line 5
-                                          "SS,OP1,FP4,AZ0.0000,ZE90.0000,SD100.000,--\n");
+                                          "SS,OP1,FP4,AZ0.0000,ZE90.0000,SD100.000,--\n"
+                                          // no occupied point written: the set-up's
+                                          "SS,OP,FP6,AZ180.0000,ZE90.0000,SD100.000,--\n");
     test::WalkRecorder c;
     ScriptedInteraction ui;
     ASSERT_EQ(walkSetups(file, ProcessOptions{}, 0.0, c, ui).status, WalkOutcome::Status::Done);
-    ASSERT_EQ(c.rows.size(), 2u);
+    ASSERT_EQ(c.rows.size(), 3u);
     EXPECT_EQ(c.rows[0].foresight, "2");
     EXPECT_EQ(c.rows[1].foresight, "4");
+    EXPECT_EQ(c.rows[2].foresight, "6");
+    EXPECT_EQ(c.rows[2].occupied, "1");
     EXPECT_EQ(c.warnings,
               std::vector<std::string>{"Error: occupied pt# 5 does not match 1 on line# 5"});
 }
