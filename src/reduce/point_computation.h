@@ -1,7 +1,7 @@
 // The measurement pass: the set-up walk's client that computes every
-// shot's foresight and keeps the listing of the run. Points are gathered in memory and
-// written by the caller at the end, so that a run the user cancels leaves
-// the coordinate file as it was.
+// shot's foresight and keeps the listing of the run. Points are gathered
+// in memory and written by the caller at the end, so that a run the user
+// cancels leaves the coordinate file as it was.
 #pragma once
 
 #include "base/interaction.h"

@@ -28,8 +28,6 @@ namespace tramline::reduce {
 
 namespace {
 
-using raw::RecordType;
-
 class Run {
 public:
     Run(raw::RawFile &file, const std::string &rawName, crd::CoordinateFile &crd,
