@@ -20,6 +20,7 @@
 #include "reduce/process_report.h"
 #include "reduce/store_point_checks.h"
 #include "reduce/temporary_files.h"
+#include "reduce/traverse_closure.h"
 #include "reduce/traverse_selection.h"
 
 #include <cmath>
@@ -139,16 +140,6 @@ private:
         return true;
     }
 
-    // A point known before the run: in the coordinate file, or a control
-    // point of the raw file.
-    std::optional<TraversePoint> control(const PassResult &pass, const std::string &name) {
-        if (auto p = storedPoint(m_crd, name))
-            return p;
-        if (const auto *c = pass.find(name); c && c->control)
-            return c->point;
-        return std::nullopt;
-    }
-
     PassInput passInput() {
         PassInput in;
         in.file = m_work;
@@ -167,22 +158,6 @@ private:
 
     ClosureNames names() const { return {m_traverse.start, closingName(), m_traverse.end}; }
 
-    // The known closing point: given by the user, or as stored before the
-    // run, or as a control point of the raw file.
-    std::optional<TraversePoint> knownClosing(const PassResult &pass) {
-        const auto &k = m_opt.closingPoint;
-        if (k.north && k.east) {
-            TraversePoint p;
-            p.name = closingName();
-            p.north = *k.north;
-            p.east = *k.east;
-            p.hasElevation = k.elevation.has_value();
-            p.elevation = k.elevation.value_or(0.0);
-            return p;
-        }
-        return control(pass, closingName());
-    }
-
     bool runPass(const PassInput &in, PassResult &out) {
         out = computePoints(in, m_ui);
         if (out.status == PassResult::Status::Stopped)
@@ -192,38 +167,15 @@ private:
         return true;
     }
 
-    // Closure of a pass: the computed end is the start plus the sides.
-    bool closure(const PassResult &pass, Closure &c, TraversePoint &start,
-                 std::vector<TraverseSide> &sides) {
-        const auto *found = pass.find(m_traverse.start);
-        const auto s = found ? found->point : storedPoint(m_crd, m_traverse.start);
-        if (!s)
-            return fail(
-                format(tr("Error: unable to find starting point %s."), m_traverse.start.c_str()));
-        start = *s;
-        sides = traverseSides(pass.sides, m_traverse, m_closingLine);
-        if (sides.empty() || sides.back().line != m_closingLine)
-            return fail(
-                format(tr("Error: unable to find ending point %s."), m_traverse.end.c_str()));
-        const auto known = knownClosing(pass);
-        if (!known)
-            return fail(
-                format(tr("No coordinate stored for Closure Point %s"), closingName().c_str()));
-        TraversePoint end = start;
-        for (const auto &side : sides) {
-            end.north += side.dNorth;
-            end.east += side.dEast;
-            end.hasElevation = end.hasElevation && side.hasElevation;
-            end.elevation += side.dElevation;
-        }
-        m_knownClosing = *known;
-        m_computedEnd = end;
-        c = computeClosure(end, *known, sides);
-        return true;
+    bool closure(const PassResult &pass) {
+        m_closure = closeTraverse(pass, m_traverse, m_closingLine, m_opt.closingPoint,
+                                  closingName(), m_crd);
+        return m_closure.ok || fail(m_closure.error);
     }
 
-    bool angleBalance(const PassResult &pass, const Closure &before,
-                      const std::vector<TraverseSide> &sides, double &correction) {
+    // The balance of the closure in m_closure: the correction per angle.
+    bool angleBalance(const PassResult &pass, double &correction) {
+        const auto &sides = m_closure.sides;
         if (pass.balanceShots.empty())
             return fail(tr("Error: no angle balance shot found"));
         const BalanceShot &shot = pass.balanceShots.back();
@@ -231,8 +183,8 @@ private:
         double reference = 0.0;
         if (m_opt.referenceAzimuth) {
             reference = raw::angleToDegrees(*m_opt.referenceAzimuth, unit);
-        } else if (const auto from = control(pass, shot.occupied),
-                   to = control(pass, shot.foresight);
+        } else if (const auto from = knownBeforeRun(pass, m_crd, shot.occupied),
+                   to = knownBeforeRun(pass, m_crd, shot.foresight);
                    from && to) {
             // A direction between two points known before the run.
             reference = normalizeDegrees(
@@ -244,9 +196,10 @@ private:
         }
         const double error = angularError(reference, shot.measuredAzimuth);
         correction = correctionPerAngle(error, static_cast<int>(sides.size()));
-        const std::string t = angleBalanceText(
-            reference, shot.measuredAzimuth, *m_work, sides,
-            findBadAngle(m_computedEnd, m_knownClosing, sides, error, before.horizontal));
+        const std::string t =
+            angleBalanceText(reference, shot.measuredAzimuth, *m_work, sides,
+                             findBadAngle(m_closure.computedEnd, m_closure.knownEnd, sides, error,
+                                          m_closure.closure.horizontal));
         m_result.report.append(methodTab(AdjustMethod::AngleBalance), t);
         return true;
     }
@@ -257,7 +210,7 @@ private:
         m_traverse.end = m_opt.closingPoint.name;
         if (m_traverse.start.empty() && !pass.sides.empty())
             m_traverse.start = pass.sides.front().from;
-        const auto known = knownClosing(pass);
+        const auto known = knownClosingPoint(pass, m_crd, m_opt.closingPoint, closingName());
         if (!known || !pass.closingEnd) {
             m_warnings.push_back(
                 format(tr("No coordinate stored for Closure Point %s"), m_traverse.end.c_str()));
@@ -288,41 +241,44 @@ private:
             return true;
         }
 
-        Closure c;
-        TraversePoint start;
-        std::vector<TraverseSide> sides;
-        if (!closure(pass, c, start, sides))
+        if (!closure(pass))
             return false;
         const bool balance = balancing();
         const char *firstTitle =
             balance ? tr("Closure Results (Before Angle Balance)") : tr("Closure Results");
-        m_result.report.append(firstTitle, closureText(firstTitle, c, names(), m_counts));
+        m_result.report.append(firstTitle,
+                               closureText(firstTitle, m_closure.closure, names(), m_counts));
         if (balance) {
             double correction = 0.0;
-            if (!angleBalance(pass, c, sides, correction))
+            if (!angleBalance(pass, correction))
                 return false;
             PassInput in = passInput();
             in.traverseAngleCorrection = correction;
-            if (!runPass(in, pass) || !closure(pass, c, start, sides))
+            if (!runPass(in, pass) || !closure(pass))
                 return false;
+            const auto &c = m_closure;
             const char *title = tr("Closure Results (After Angle Balance)");
-            m_result.report.append(title, closureText(title, c, names(), m_counts) +
-                                              balancedClosureExtra(start, m_computedEnd, c));
+            m_result.report.append(title,
+                                   closureText(title, c.closure, names(), m_counts) +
+                                       balancedClosureExtra(c.start, c.computedEnd, c.closure));
             if (m_opt.method == AdjustMethod::AngleBalance) {
                 m_sideshots = m_files.through("sideshot.tmp", pass.sideshots);
                 m_final = std::move(pass);
                 return true;
             }
         }
-        return adjust(pass, c, start, sides);
+        return adjust(pass);
     }
 
-    bool adjust(const PassResult &pass, const Closure &c, const TraversePoint &start,
-                const std::vector<TraverseSide> &sides) {
+    // The linear rule over the closure in m_closure, then the final pass
+    // with the adjusted traverse points held fixed.
+    bool adjust(const PassResult &pass) {
+        const Closure &c = m_closure.closure;
         const LinearRule rule = m_opt.method == AdjustMethod::Transit    ? LinearRule::Transit
                                 : m_opt.method == AdjustMethod::Crandall ? LinearRule::Crandall
                                                                          : LinearRule::Compass;
-        const LinearAdjustment adj = adjustTraverse(start, sides, c, rule, m_opt.verticalAdjust);
+        const LinearAdjustment adj =
+            adjustTraverse(m_closure.start, m_closure.sides, c, rule, m_opt.verticalAdjust);
         if (!adj.ok)
             return fail(adj.error);
         std::string t = adjustmentHeading(tr(m_method.closureTitle));
@@ -380,7 +336,7 @@ private:
     PassCounts m_counts;
     PassResult m_final;
     std::set<std::string> m_adjusted; ///< traverse points moved by the adjustment
-    TraversePoint m_knownClosing, m_computedEnd;
+    TraverseClosure m_closure;        ///< of the latest pass along the traverse
 };
 
 } // namespace
