@@ -340,8 +340,8 @@ private:
 
         if (shot.traverse)
             ++m_traverseShots;
-        shot.azimuth = shotAzimuth(o.horizontalKind, raw::angleToDegrees(o.horizontal, m_unit),
-                                   m_setup.orientation);
+        shot.angle = raw::angleToDegrees(o.horizontal, m_unit);
+        shot.azimuth = shotAzimuth(o.horizontalKind, shot.angle, m_setup.orientation);
         // An angle turned from the backsight inherits the corrections of
         // the sides before it through the backsight's coordinates; a
         // direction of its own (azimuth, bearing) must be given all of them.

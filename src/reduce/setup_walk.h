@@ -46,6 +46,7 @@ struct ReducedShot {
     long line = 0;
     ReducedMeasurement measurement; ///< horizontal distance and height difference
     double vertical = 0.0;          ///< height difference, or the record's own in CE mode
+    double angle = 0.0;             ///< the horizontal angle as measured, decimal degrees
     double azimuth = 0.0;           ///< decimal degrees 0..360, angle correction included
     bool traverse = false;          ///< a side of the traverse (TR, CL, CL+AB)
     bool balance = false;           ///< measures the closing direction (AB, CL+AB)

@@ -28,19 +28,19 @@ TEST(SetupWalk, EveryShotArrivesWithItsSetup) {
                                           "OC,OP2,N ,E ,EL,--\n" // line 7
                                           "BK,OP2,BP1,BS,BC0.0000\n"
                                           "LS,HR1.000\n" // HI carries over
-                                          "SS,OP2,FP3,AL90.0000,ZE90.0000,SD50.000,--\n");
+                                          "SS,OP2,FP3,AL30.3000,ZE90.0000,SD50.000,--\n");
     test::WalkRecorder c;
     ScriptedInteraction ui;
     const WalkOutcome out = walkSetups(file, ProcessOptions{}, 0.0, c, ui);
     ASSERT_EQ(out.status, WalkOutcome::Status::Done) << out.error;
     struct Expected {
         const char *occupied, *backsight, *foresight;
-        double orientation, azimuth, horizontal, hi, hr;
+        double orientation, angle, azimuth, horizontal, hi, hr;
         long setupLine, line;
     };
     const Expected expected[] = {
-        {"1", "9", "2", 270.0, 0.0, 100.0, 1.5, 2.0, 3, 6},
-        {"2", "1", "3", 180.0, 90.0, 50.0, 1.5, 1.0, 7, 10},
+        {"1", "9", "2", 270.0, 90.0, 0.0, 100.0, 1.5, 2.0, 3, 6},
+        {"2", "1", "3", 180.0, 30.5, 149.5, 50.0, 1.5, 1.0, 7, 10},
     };
     ASSERT_EQ(c.rows.size(), std::size(expected));
     for (size_t i = 0; i < std::size(expected); ++i) {
@@ -50,6 +50,7 @@ TEST(SetupWalk, EveryShotArrivesWithItsSetup) {
         EXPECT_EQ(r.backsight, e.backsight) << i;
         EXPECT_EQ(r.foresight, e.foresight) << i;
         EXPECT_NEAR(r.orientation, e.orientation, 1e-9) << i;
+        EXPECT_NEAR(r.angle, e.angle, 1e-9) << i;
         EXPECT_NEAR(std::remainder(r.azimuth - e.azimuth, 360.0), 0.0, 1e-9) << i;
         EXPECT_NEAR(r.horizontal, e.horizontal, 1e-9) << i;
         EXPECT_EQ(r.hi, e.hi) << i;

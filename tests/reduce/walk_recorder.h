@@ -17,7 +17,7 @@ namespace tramline::test {
 struct WalkRecorder : reduce::SetupWalkClient {
     struct Row {
         std::string occupied, backsight, foresight;
-        double orientation, azimuth, horizontal, vertical;
+        double orientation, angle, azimuth, horizontal, vertical;
         std::optional<double> hi, hr;
         long setupLine, line;
     };
@@ -34,8 +34,8 @@ struct WalkRecorder : reduce::SetupWalkClient {
     }
     void shot(const reduce::Setup &s, const reduce::ReducedShot &shot) override {
         rows.push_back({s.occupied, s.backsight, shot.observation->foresight, s.orientation,
-                        shot.azimuth, shot.measurement.horizontal, shot.vertical, s.hi, s.hr,
-                        s.line, shot.line});
+                        shot.angle, shot.azimuth, shot.measurement.horizontal, shot.vertical, s.hi,
+                        s.hr, s.line, shot.line});
         // Foresights become known, so that later set-ups can occupy them.
         reduce::TraversePoint p;
         p.name = shot.observation->foresight;
