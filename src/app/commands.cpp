@@ -104,6 +104,11 @@ void CKELMADlg::dispatch(int id) {
         addRawRow(type);
         return;
     }
+    // The Process menu's methods; one not built yet falls to the default.
+    if (const auto *method = reduce::adjustMethodByMenuCommand(id); method && method->built) {
+        processCommand(method->method);
+        return;
+    }
     switch (id) {
     case cmd::NewRaw:
         newRawFile();
@@ -186,21 +191,6 @@ void CKELMADlg::dispatch(int id) {
         return;
     case cmd::AddPointToCrd:
         addPointToCoordinateFile();
-        return;
-    case cmd::ProcessNoAdjust:
-        processCommand(reduce::AdjustMethod::None);
-        return;
-    case cmd::ProcessAngleBalance:
-        processCommand(reduce::AdjustMethod::AngleBalance);
-        return;
-    case cmd::ProcessCompass:
-        processCommand(reduce::AdjustMethod::Compass);
-        return;
-    case cmd::ProcessCrandall:
-        processCommand(reduce::AdjustMethod::Crandall);
-        return;
-    case cmd::ProcessTransit:
-        processCommand(reduce::AdjustMethod::Transit);
         return;
     case cmd::ProcessSettings:
         processSettings();

@@ -2,6 +2,7 @@
 // into a coordinate file, with the "Process Results" report.
 #include "base/folders.h"
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
@@ -31,34 +32,24 @@ struct ProcessCliOptions {
     std::vector<std::string> answers;
 };
 
-std::vector<std::string> split(const std::string &text, char sep) {
-    std::vector<std::string> parts;
-    size_t start = 0;
-    for (;;) {
-        const size_t at = text.find(sep, start);
-        parts.push_back(
-            text.substr(start, at == std::string::npos ? std::string::npos : at - start));
-        if (at == std::string::npos)
-            return parts;
-        start = at + 1;
-    }
-}
-
-reduce::AdjustMethod methodOf(const std::string &name) {
-    if (name == "angle-balance")
-        return reduce::AdjustMethod::AngleBalance;
-    if (name == "compass")
-        return reduce::AdjustMethod::Compass;
-    if (name == "transit")
-        return reduce::AdjustMethod::Transit;
-    if (name == "crandall")
-        return reduce::AdjustMethod::Crandall;
-    return reduce::AdjustMethod::None;
+std::vector<std::string> methodWords() {
+    std::vector<std::string> words;
+    for (const auto &m : reduce::adjustMethods())
+        words.emplace_back(m.cliWord);
+    return words;
 }
 
 void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
     reduce::ProcessOptions options;
-    options.method = methodOf(o.method);
+    const reduce::AdjustMethodInfo *method = reduce::adjustMethodByCliWord(o.method);
+    if (!method || !method->built) {
+        ctx.err << format(tr("%s: this command is not available yet."),
+                          method ? tr(method->name) : o.method.c_str())
+                << '\n';
+        ctx.exitCode = kFailure;
+        return;
+    }
+    options.method = method->method;
     options.scaleFactor = o.scale;
     options.curvature = o.curvature;
     options.stadia = o.stadia;
@@ -109,7 +100,7 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
     }
     if (!o.closing.empty()) {
         const auto parts = split(o.closing, ',');
-        options.closingPoint.name = parts[0];
+        options.closingPoint.name = std::string(parts[0]);
         double v;
         if (parts.size() >= 3) {
             if (!parseNumber(parts[1], v))
@@ -128,8 +119,8 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
         const auto parts = split(o.closingShot, ',');
         if (parts.size() != 2)
             throw CLI::ValidationError("--closing-shot", "give OCC,FS");
-        options.closingShotOccupied = parts[0];
-        options.closingShotForesight = parts[1];
+        options.closingShotOccupied = std::string(parts[0]);
+        options.closingShotForesight = std::string(parts[1]);
     }
     if (!o.referenceAzimuth.empty()) {
         double v;
@@ -209,7 +200,7 @@ void addProcessCommands(CLI::App &app, CommandContext &ctx) {
                     "Coordinate file to store the points in (created when missing)")
         ->required();
     cmd->add_option("--method", o->method, "Adjustment method")
-        ->check(CLI::IsMember({"none", "angle-balance", "compass", "transit", "crandall"}));
+        ->check(CLI::IsMember(methodWords()));
     cmd->add_option("--start", o->start, "Starting point of the traverse");
     cmd->add_option("--end", o->end, "Ending point of the traverse");
     cmd->add_option("--closing", o->closing,

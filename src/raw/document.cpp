@@ -232,6 +232,10 @@ RawRow RawDocument::rowFromNode(const RawNode &node) const {
         row.type = "DO";
         row.cells = {"Data On/Off"};
         break;
+    case RecordType::Occupy:
+        row.type = "DS";
+        row.cells = {node.text};
+        break;
     case RecordType::Text:
         if (startsWith(node.text, "--")) {
             row.type.clear();

@@ -229,6 +229,23 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
             node.fields.emplace_back(rest);
             return true;
         }
+        if (type == "OC") {
+            // The grid shows and saves the line as it stands; the fields are
+            // for computation. A line not in the strict form keeps its
+            // point and no coordinates.
+            node.type = RecordType::Occupy;
+            node.name = "OC";
+            node.text.assign(line.substr(0, kTextRowLimit));
+            node.fields.assign(5, std::string{});
+            RawFields f;
+            if (ClassifyRawLine(line, 0, f) == kOccupy) {
+                for (size_t i = 0; i < node.fields.size(); ++i)
+                    node.fields[i] = std::move(f[i]);
+            } else {
+                node.fields[kOccupiedPoint] = occupiedPointOf(line);
+            }
+            return true;
+        }
         if (type == "DO") {
             node.type = RecordType::DataOnOff;
             node.name = "DO";

@@ -60,7 +60,10 @@ struct Observation {
     bool hasDistance = false;
     std::string description;
 
+    bool isSideshot() const { return type == "SS"; }
     bool isTraverse() const { return type == "TR"; }
+    /// A side of the traverse: TR, or a closing shot (CL, CL+AB).
+    bool isTraverseSide() const { return isTraverse() || isClosing(); }
     bool isClosing() const { return type == "CL" || type == "CL+AB"; }
     bool isAngleBalance() const { return type == "AB" || type == "CL+AB"; }
     bool isClosingAndBalance() const { return type == "CL+AB"; }
@@ -68,12 +71,18 @@ struct Observation {
     bool isForesightReverse() const { return type == "FR"; }
     bool isBacksightDirect() const { return type == "BD"; }
     bool isBacksightReverse() const { return type == "BR"; }
+    /// One of the four records of a direct-reverse set.
+    bool isFaceRecord() const {
+        return isForesightDirect() || isForesightReverse() || isBacksightDirect() ||
+               isBacksightReverse();
+    }
 };
 
-/// Record types of the reader. Lines of any other type (notes, OC, MO, JB,
+/// Record types of the reader. Lines of any other type (notes, MO, JB,
 /// CC, unrecognised text) are kept whole as Text.
 enum class RecordType : int {
     Text,
+    Occupy, ///< OC: OP (or PN), N, E, EL, note; the line also kept whole as text
     Observation,
     StorePoint,        ///< SP: PN, N, E, EL, description
     Backsight,         ///< BK: OP, BP, BS, BC
@@ -96,14 +105,23 @@ struct RawNode {
     std::vector<std::string> fields;   ///< values by position, codes removed
     Observation observation;           ///< for observations
     bool hasHi = false, hasHr = false; ///< for heights: which of the two the line held
-    std::string text;                  ///< for Text: the line itself (at most 64 characters)
-    size_t lineNumber = 0;             ///< 1-based line (piece) in the file
+    std::string text;      ///< for Text and Occupy: the line itself (at most 64 characters)
+    size_t lineNumber = 0; ///< 1-based line (piece) in the file
 };
 
-/// The occupied point of an occupy line ("OC,OP12,N ..." or "OC,PN12,...",
-/// kept by the reader as a text record): the value after the first field's
-/// code, up to the next comma. Empty when the line is not that long.
+/// The occupied point of an occupy line ("OC,OP12,N ..." or "OC,PN12,..."):
+/// the value after the first field's code, up to the next comma. Empty when
+/// the line is not that long.
 std::string occupiedPointOf(std::string_view occupyLine);
+
+/// Field positions of an Occupy record's fields.
+enum OccupyField : size_t {
+    kOccupiedPoint = 0,
+    kOccupyNorth = 1,
+    kOccupyEast = 2,
+    kOccupyElevation = 3,
+    kOccupyNote = 4,
+};
 
 /// Units as a file declares them through its mode record or "--UNITS" notes.
 struct RawUnits {

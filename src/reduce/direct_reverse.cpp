@@ -29,10 +29,7 @@ double circle(double degrees) {
 }
 
 bool isFaceRecord(const RawNode &node) {
-    if (node.type != RecordType::Observation)
-        return false;
-    const auto &t = node.observation.type;
-    return t == "BD" || t == "FD" || t == "FR" || t == "BR";
+    return node.type == RecordType::Observation && node.observation.isFaceRecord();
 }
 
 struct Faces {
@@ -87,8 +84,8 @@ public:
     Reducer(const raw::RawFile &file, const DirectReverseTolerances &tolerances)
         : m_tol(tolerances), m_unit(file.units.angle) {
         for (const auto &node : file.nodes)
-            if (node.type == RecordType::Text && node.text.rfind("OC,", 0) == 0)
-                m_occupiedLater.insert(raw::occupiedPointOf(node.text));
+            if (node.type == RecordType::Occupy)
+                m_occupiedLater.insert(node.fields[raw::kOccupiedPoint]);
     }
 
     ReducedSet reduce(const Faces &f, std::vector<std::string> &warnings) {
@@ -307,17 +304,17 @@ DirectReverseResult reduceDirectReverse(const raw::RawFile &file, const std::str
         for (; j < nodes.size() && taken < 4; ++j) {
             const RawNode &n = nodes[j];
             if (!isFaceRecord(n)) {
-                if (n.type == RecordType::Text && n.text.rfind("--", 0) == 0) {
+                if (n.type == RecordType::Text && n.text.starts_with("--")) {
                     between.push_back(&n);
                     continue;
                 }
                 break;
             }
-            const auto &t = n.observation.type;
-            const RawNode **slot = t == "BD"   ? &faces.bd
-                                   : t == "FD" ? &faces.fd
-                                   : t == "FR" ? &faces.fr
-                                               : &faces.br;
+            const raw::Observation &o = n.observation;
+            const RawNode **slot = o.isBacksightDirect()    ? &faces.bd
+                                   : o.isForesightDirect()  ? &faces.fd
+                                   : o.isForesightReverse() ? &faces.fr
+                                                            : &faces.br;
             if (*slot)
                 break; // a second BD (say) starts the next set
             *slot = &n;

@@ -1,13 +1,13 @@
-// The measurement pass: walks the records in file order, holds the current
-// set-up (occupied point, orientation, heights, elevation mode), reduces
-// every shot and computes its foresight. Points are gathered in memory and
-// written by the caller at the end, so that a run the user cancels leaves
-// the coordinate file as it was.
+// The measurement pass: the set-up walk's client that computes every
+// shot's foresight and keeps the listing of the run. Points are gathered
+// in memory and written by the caller at the end, so that a run the user
+// cancels leaves the coordinate file as it was.
 #pragma once
 
 #include "base/interaction.h"
 #include "raw/reader.h"
 #include "reduce/process_options.h"
+#include "reduce/setup_walk.h"
 #include "reduce/traverse_adjustment.h"
 
 #include <functional>
@@ -85,12 +85,19 @@ struct PassResult {
 /// Runs the pass. Questions (missing coordinates) go to `ui`.
 PassResult computePoints(const PassInput &input, Interaction &ui);
 
-/// Azimuth (decimal degrees, 0..360) of a shot's direction from the
-/// backsight azimuth and its horizontal angle (decimal degrees) by kind.
-double shotAzimuth(raw::HorizontalKind kind, double angle, double backsightAzimuth);
-
 /// Parses "--HZADJ:" / "--VERTADJ:" note texts (after the dashes).
 std::optional<SdrHorizontalAdjustment> parseHorizontalAdjustment(std::string_view note);
 std::optional<SdrVerticalAdjustment> parseVerticalAdjustment(std::string_view note);
+
+/// Offers the SDR adjustments the raw data's "--HZADJ:" and "--VERTADJ:"
+/// notes carry ("Use SDR Horiz Adjustment?"); those the user accepts are set.
+void askSdrAdjustments(const raw::RawFile &file, Interaction &ui,
+                       std::optional<SdrHorizontalAdjustment> &horizontal,
+                       std::optional<SdrVerticalAdjustment> &vertical);
+
+/// The inclined-plane height correction, then the plane transformation of
+/// north and east (rotation clockwise about the origin, then the deltas).
+void applySdrVertical(const SdrVerticalAdjustment &adjustment, TraversePoint &point);
+void applySdrHorizontal(const SdrHorizontalAdjustment &adjustment, TraversePoint &point);
 
 } // namespace tramline::reduce

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "raw/validate.h"
+#include "reduce/adjust_methods.h"
 #include "reduce/direct_reverse.h"
 
 #include <filesystem>
@@ -14,8 +15,6 @@ class Projection;
 } // namespace tramline::geodesy
 
 namespace tramline::reduce {
-
-enum class AdjustMethod { None, AngleBalance, Transit, Compass, Crandall };
 
 /// A point with known coordinates given by the user (closing reference).
 struct KnownPoint {
@@ -54,10 +53,5 @@ struct ProcessOptions {
 
     std::filesystem::path workingFolder; ///< the temporary files go here
 };
-
-/// "Process Compass Results" and its siblings.
-const char *resultTitle(AdjustMethod method);
-/// The method's tab: "No Adjust", "Angle Balance", "Transit", "Compass", "Crandall".
-const char *methodTab(AdjustMethod method);
 
 } // namespace tramline::reduce

@@ -5,6 +5,7 @@
 #include "app/report_windows.h"
 #include "app_test_support.h"
 #include "crd/coordinate_file.h"
+#include "reduce/adjust_methods.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -479,15 +480,19 @@ TEST_F(ShellCommandTest, ProcessCompassThroughTheMenu) {
     EXPECT_EQ(d->coordinateModel()->points().size(), 14u);
 }
 
-TEST_F(ShellCommandTest, EveryOtherMethodRunsOnTheExample) {
-    for (int id : {37, 32813, 40, 41}) {
+// Every built method of the table, through its Process menu entry.
+TEST_F(ShellCommandTest, EveryMethodRunsOnTheExample) {
+    for (const auto &m : reduce::adjustMethods()) {
+        if (!m.built)
+            continue;
         auto d = startWithExample();
         shell = {};
         shell.reply("1|1|Automatic");
-        d->dispatch(id);
-        ASSERT_NE(d->processResultsWindow(), nullptr) << id;
-        EXPECT_TRUE(d->processResultsWindow()->windowTitle().startsWith("Process ")) << id;
-        EXPECT_GE(d->coordinateModel()->rowCount(), 14) << id;
+        d->dispatch(m.menuCommand);
+        ASSERT_NE(d->processResultsWindow(), nullptr) << m.cliWord;
+        EXPECT_EQ(d->processResultsWindow()->windowTitle().toStdString(), m.resultTitle)
+            << m.cliWord;
+        EXPECT_GE(d->coordinateModel()->rowCount(), 14) << m.cliWord;
     }
 }
 

@@ -114,9 +114,10 @@ TEST_F(Processing, BundledExampleByEveryMethod) {
     const Truth truth[] = {{"2", 5412.337, 5188.914}, {"3", 5655.120, 5652.480},
                            {"4", 5360.745, 6041.322}, {"5", 4921.583, 5903.460},
                            {"6", 4768.902, 5432.775}, {"104", 5701.640, 5610.022}};
-    for (AdjustMethod method :
-         {AdjustMethod::None, AdjustMethod::AngleBalance, AdjustMethod::Compass,
-          AdjustMethod::Transit, AdjustMethod::Crandall}) {
+    for (const auto &info : adjustMethods()) {
+        if (!info.built)
+            continue;
+        const AdjustMethod method = info.method;
         SetUp();
         options.method = method;
         options.startPoint = options.endPoint = "1";

@@ -37,11 +37,9 @@ TEST_P(PublishedTraverse, MatchesThePublishedCoordinates) {
     for (std::string line; std::getline(run, line);) {
         const size_t eq = line.find('=');
         const std::string key = line.substr(0, eq), value = line.substr(eq + 1);
-        if (key == "method")
-            options.method = value == "compass"    ? reduce::AdjustMethod::Compass
-                             : value == "transit"  ? reduce::AdjustMethod::Transit
-                             : value == "crandall" ? reduce::AdjustMethod::Crandall
-                                                   : reduce::AdjustMethod::None;
+        const auto *method = reduce::adjustMethodByCliWord(value);
+        if (key == "method" && method)
+            options.method = method->method;
         else if (key == "start")
             options.startPoint = value;
         else if (key == "end")

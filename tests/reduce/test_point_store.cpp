@@ -1,0 +1,65 @@
+// Processing leaves its trace in the coordinate file's history: store
+// points under "Point Store", shots under "Sideshot", and the traverse
+// points a rule moved under that rule's code.
+#include "crd/history_file.h"
+#include "process_run.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+using namespace tramline;
+using namespace tramline::reduce;
+
+namespace {
+
+// A loop that misses its start by 0.3 north, with a sideshot from 3.
+const char *kLoop = "SP,PN1,N 1000,E 1000,EL10,--\n"
+                    "OC,OP1,N ,E ,EL,--\n"
+                    "TR,OP1,FP2,AZ90.0000,ZE90.0000,HD100.000,--\n"
+                    "OC,OP2,N ,E ,EL,--\n"
+                    "TR,OP2,FP3,AZ0.0000,ZE90.0000,HD100.300,--\n"
+                    "OC,OP3,N ,E ,EL,--\n"
+                    "SS,OP3,FP30,AZ45.0000,ZE90.0000,HD10.000,--\n"
+                    "TR,OP3,FP4,AZ270.0000,ZE90.0000,HD100.000,--\n"
+                    "OC,OP4,N ,E ,EL,--\n"
+                    "TR,OP4,FP1,AZ180.0000,ZE90.0000,HD100.000,--\n";
+
+TEST(PointStore, EveryStoredPointHasItsHistoryEntry) {
+    struct Case {
+        AdjustMethod method;
+        std::map<std::string, int> operations; ///< point -> op code of its entry
+    };
+    const Case cases[] = {
+        {AdjustMethod::None, {{"1", 20}, {"2", 21}, {"3", 21}, {"30", 21}, {"4", 21}}},
+        {AdjustMethod::Compass, {{"1", 20}, {"2", 28}, {"3", 28}, {"30", 21}, {"4", 28}}},
+        {AdjustMethod::Transit, {{"1", 20}, {"2", 27}, {"3", 27}, {"30", 21}, {"4", 27}}},
+        {AdjustMethod::Crandall, {{"1", 20}, {"2", 29}, {"3", 29}, {"30", 21}, {"4", 29}}},
+    };
+    for (const auto &c : cases) {
+        test::ProcessRun run;
+        run.coordinates->setHistoryKeeping(true);
+        ProcessOptions options;
+        options.method = c.method;
+        options.startPoint = options.endPoint = "1";
+        const ProcessResult r = run.run(kLoop, options);
+        ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
+        const auto historyPath = run.coordinates->historyPath();
+        run.coordinates->close();
+        std::vector<crd::HistoryEntry> entries;
+        ASSERT_TRUE(crd::parseHistory(test::slurp(historyPath), entries));
+        std::map<std::string, int> operations;
+        for (const auto &e : entries)
+            operations[e.newName.empty() ? e.name : e.newName] = e.operation;
+        EXPECT_EQ(operations, c.operations) << static_cast<int>(c.method);
+    }
+}
+
+// Without history keeping the run writes no history file.
+TEST(PointStore, NoHistoryWhenTheFileKeepsNone) {
+    test::ProcessRun run;
+    ASSERT_EQ(run.run(kLoop, ProcessOptions{}).status, ProcessResult::Status::Done);
+    EXPECT_FALSE(std::filesystem::exists(run.coordinates->historyPath()));
+}
+
+} // namespace
