@@ -15,7 +15,13 @@
 namespace tramline::test {
 
 struct ProcessRun {
-    explicit ProcessRun(std::deque<std::string> replies = {}) : ui(std::move(replies)) {
+    explicit ProcessRun(std::deque<std::string> replies = {}) : ui(std::move(replies)) { reset(); }
+
+    /// Starts over: an empty coordinate file and no answers given yet.
+    void reset() {
+        coordinates.reset();
+        std::filesystem::remove_all(scratch.path);
+        std::filesystem::create_directories(scratch.path);
         crd::CrdContext context;
         context.messages = &ui;
         coordinates = std::make_unique<crd::CoordinateFile>(context);

@@ -2,60 +2,44 @@
 // the suites that check what a run computes and reports.
 #pragma once
 
-#include "../support/raw_support.h"
-#include "../support/test_support.h"
 #include "base/format.h"
+#include "process_run.h"
 #include "reduce/processing.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <memory>
 #include <optional>
 #include <string>
 
 namespace tramline::test {
 
-class ProcessingRun : public ScratchFolderTest {
+class ProcessingRun : public ::testing::Test {
 protected:
+    ProcessingRun() { options.workingFolder = run.scratch.path / "work"; }
+
+    /// Table-driven tests call this again before each row.
     void SetUp() override {
-        ScratchFolderTest::SetUp();
-        crd::CrdContext context;
-        context.messages = &ui;
-        coordinates = std::make_unique<crd::CoordinateFile>(context);
-        ASSERT_TRUE(coordinates->open(dir / "job.crd"));
-        options = reduce::ProcessOptions{};
-        options.workingFolder = dir / "work";
-        ui = ScriptedInteraction{};
+        run.ui = ScriptedInteraction{};
+        run.reset();
     }
 
-    reduce::ProcessResult process(const std::string &text) {
-        file = readRawText(text);
-        return reduce::processRaw(file, "job.rw5", *coordinates, options, ui);
-    }
-
-    std::optional<crd::CrdPoint> point(const std::string &name) {
-        crd::CrdPoint p;
-        if (!coordinates->readPoint(name, p, 0, true))
-            return std::nullopt;
-        return p;
-    }
+    reduce::ProcessResult process(const std::string &text) { return run.run(text, options); }
+    std::optional<crd::CrdPoint> point(const std::string &name) { return run.point(name); }
 
     static std::string tab(const reduce::ProcessResult &r, const std::string &title) {
-        for (const auto &t : r.report.tabs())
-            if (t.title == title)
-                return t.text;
-        return "<no tab " + title + ">";
+        const std::string text = ProcessRun::tab(r, title);
+        return text.empty() ? "<no tab " + title + ">" : text;
     }
 
     static bool contains(const std::string &text, const std::string &part) {
         return text.find(part) != std::string::npos;
     }
 
-    ScriptedInteraction ui;
-    std::unique_ptr<crd::CoordinateFile> coordinates;
+    ProcessRun run;
+    ScriptedInteraction &ui = run.ui;
+    raw::RawFile &file = run.file;
     reduce::ProcessOptions options;
-    raw::RawFile file;
 };
 
 /// Decimal degrees as ddd.mmss with the seconds to 1e-6 (raw files take
