@@ -91,7 +91,7 @@ void addNew(CLI::App &crdApp, CommandContext &ctx) {
         const int layout = o->numeric ? crd::kFormatNumeric
                            : o->alpha ? crd::kFormatAlphanumeric
                                       : -1;
-        if (!store.file.open(o->file, 1, layout))
+        if (!store.file.open(o->file, crd::Create::Always, layout))
             return store.failed();
         ctx.out << format("Created %s (%s)", o->file.c_str(), formatName(store.file.format()))
                 << '\n';
@@ -121,9 +121,10 @@ void addPut(CLI::App &crdApp, CommandContext &ctx) {
             return;
         CrdPoint point, previous, stored;
         point.set(o->easting, o->northing, o->elevation, o->name, o->description);
-        if (!store.file.writePoint(point, false, &previous))
+        if (!store.file.writePoint(point, crd::Verbosity::Messages, &previous))
             return store.failed();
-        if (store.file.readPoint(point.name, stored, 0, true))
+        if (store.file.readPoint(point.name, stored, crd::PointSearch::Exact,
+                                 crd::Verbosity::Quiet))
             store.file.addHistory(previous.name.empty() ? nullptr : &previous, &stored,
                                   crd::kHistoryOperationInputEdit);
         ctx.out << pointLine(stored) << '\n';
@@ -148,7 +149,10 @@ void addGet(CLI::App &crdApp, CommandContext &ctx) {
         if (!store.openForReading(o->file))
             return;
         CrdPoint point;
-        if (!store.file.readPoint(o->name, point, o->next ? 1 : o->previous ? -1 : 0))
+        if (!store.file.readPoint(o->name, point,
+                                  o->next       ? crd::PointSearch::OrNext
+                                  : o->previous ? crd::PointSearch::OrPrevious
+                                                : crd::PointSearch::Exact))
             return store.failed();
         ctx.out << pointLine(point) << '\n';
     });

@@ -311,7 +311,8 @@ private:
 
     std::optional<TraversePoint> stored(const std::string &name) {
         crd::CrdPoint p;
-        if (!m_crd.isOpen() || name.empty() || !m_crd.readPoint(name, p, 0, true))
+        if (!m_crd.isOpen() || name.empty() ||
+            !m_crd.readPoint(name, p, crd::PointSearch::Exact, crd::Verbosity::Quiet))
             return std::nullopt;
         TraversePoint t;
         t.name = p.name;
@@ -947,7 +948,7 @@ private:
             lines.push_back(stored.line);
         }
         std::vector<int> errors;
-        const long storedCount = m_crd.writePoints(points, true, &errors);
+        const long storedCount = m_crd.writePoints(points, crd::Verbosity::Quiet, &errors);
         m_result.pointsStored = storedCount;
         for (size_t i = 0; i < errors.size() && i < points.size(); ++i)
             if (errors[i] != 0)
