@@ -204,7 +204,7 @@ bool CoordinateFile::readPoint(std::string_view name, CrdPoint &point, PointSear
             say(tr("\nError3: crd file not open"));
         return fail(kNotOpen);
     }
-    const bool ok = takeResult(m_io->readPoint(name, point, static_cast<int>(search), quiet));
+    const bool ok = takeResult(m_io->readPoint(name, point, search, verbosity));
     if (!ok && m_error == kPointNotFound && !quiet)
         say(tramline::format(tr("\nRequested point# %s has no coordinate stored."),
                              std::string(name).c_str()));
@@ -215,7 +215,7 @@ bool CoordinateFile::writePoint(const CrdPoint &point, Verbosity verbosity, CrdP
     m_error = kNoError;
     if (!m_io)
         return fail(kNotOpen);
-    return takeResult(m_io->writePoint(point, verbosity == Verbosity::Quiet, previous));
+    return takeResult(m_io->writePoint(point, verbosity, previous));
 }
 
 long CoordinateFile::writePoints(std::span<const CrdPoint> points, Verbosity verbosity,
@@ -227,7 +227,7 @@ long CoordinateFile::writePoints(std::span<const CrdPoint> points, Verbosity ver
         fail(kNotOpen);
         return 0;
     }
-    const long written = m_io->writePoints(points, verbosity == Verbosity::Quiet, errors);
+    const long written = m_io->writePoints(points, verbosity, errors);
     m_error = m_io->lastError();
     return written;
 }
@@ -321,7 +321,7 @@ bool CoordinateFile::replaceWithFresh(const std::function<bool(const CrdPoint &)
             ++count;
             if (removed)
                 removed->push_back(point);
-        } else if (!fresh->writePoint(point, true, nullptr)) {
+        } else if (!fresh->writePoint(point, Verbosity::Quiet, nullptr)) {
             return abandon(fresh->lastError());
         }
     }

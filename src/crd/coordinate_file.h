@@ -35,19 +35,6 @@ enum class Create {
     Always     ///< a new empty file replaces any old one
 };
 
-/// Which point readPoint() wants when the named one is not stored.
-enum class PointSearch : int {
-    Exact = 0,      ///< that point or nothing
-    OrNext = 1,     ///< that point or the next stored one after it
-    OrPrevious = -1 ///< that point or the one before it
-};
-
-/// Whether an operation prints its own message lines.
-enum class Verbosity {
-    Messages, ///< through the context's Interaction
-    Quiet     ///< only the error code is set
-};
-
 class CoordinateFile {
 public:
     explicit CoordinateFile(CrdContext context = {});

@@ -117,7 +117,7 @@ TEST_F(AlphaLayout, InsertsMoveTheTailThroughASmallBuffer) {
     for (int v : order) {
         CrdPoint p;
         p.set(v, v, v, "P" + std::to_string(v));
-        ASSERT_TRUE(io.writePoint(p, true, nullptr));
+        ASSERT_TRUE(io.writePoint(p, Verbosity::Quiet, nullptr));
     }
     Bytes expected = alphaHeader("04/15/2009", "");
     for (int v : {0, 5, 10, 20, 30, 40, 50, 55, 60, 70, 80, 90, 100})

@@ -109,7 +109,8 @@ TEST_F(PointEdits, EditOneField) {
         {PointField::Elevation, "", "", "0.0000"}, // no elevation: the store keeps 0
         {PointField::Elevation, "12,5", "Error: 12,5 is not a number", "10.0000"},
         {PointField::Northing, "north", "Error: north is not a number", "1000.0000"},
-        {PointField::Northing, " ", "Error:  is not a number", "1000.0000"}, // only elevations may go
+        {PointField::Northing, " ", "Error:  is not a number",
+         "1000.0000"}, // only elevations may go
         {PointField::Description, " spaced out ", "", " spaced out "},
         {PointField::Description, std::string(40, 'D'), "", std::string(31, 'D')},
         {PointField::Name, " 7 ", "", "7"},
