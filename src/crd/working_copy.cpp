@@ -24,7 +24,7 @@ std::filesystem::path (*const kSideFiles[])(const std::filesystem::path &) = {no
 
 // Makes `to`'s side file a copy of `from`'s, or removes it when `from` has
 // none: a side file describes points of its own file only.
-bool carrySideFile(const std::filesystem::path &from, const std::filesystem::path &to) {
+bool mirrorSideFile(const std::filesystem::path &from, const std::filesystem::path &to) {
     std::error_code ec;
     if (std::filesystem::exists(from, ec))
         return copyAtomically(from, to);
@@ -69,7 +69,7 @@ Status WorkingCopy::open(const std::filesystem::path &userFile) {
     m_file.close();
     bool copied = copyAtomically(userFile, m_path);
     for (auto side : kSideFiles)
-        copied = copied && carrySideFile(side(userFile), side(m_path));
+        copied = copied && mirrorSideFile(side(userFile), side(m_path));
     if (!copied || !m_file.open(m_path)) {
         Status failure = cannotWrite(m_path);
         create(m_path);
@@ -108,7 +108,7 @@ Status WorkingCopy::copyOut(const std::filesystem::path &target) {
     // The points first: a side file that fails after them is reported, and
     // the user's file is whole either way.
     for (auto side : kSideFiles)
-        if (!carrySideFile(side(m_path), side(target)))
+        if (!mirrorSideFile(side(m_path), side(target)))
             return cannotWrite(side(target));
     return Status::success();
 }
