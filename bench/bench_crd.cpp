@@ -39,7 +39,7 @@ const std::filesystem::path &alphanumericFile() {
     static const std::filesystem::path path = [] {
         const auto p = scratch("alpha");
         CoordinateFile file;
-        file.open(p, 1, kFormatAlphanumeric);
+        file.open(p, Create::Always, kFormatAlphanumeric);
         file.writePoints(randomAlphanumericPoints(kPoints, 1));
         return p;
     }();
@@ -50,12 +50,12 @@ void BM_NumericWriteOneByOne(benchmark::State &state) {
     const auto path = scratch("numeric");
     for (auto _ : state) {
         CoordinateFile file;
-        file.open(path, 1, kFormatNumeric);
+        file.open(path, Create::Always, kFormatNumeric);
         CrdPoint p;
         // Point numbers stop at 99,999: the last write replaces point 1.
         for (int i = 0; i < kPoints; ++i) {
             p.set(5000.0 + i, 10000.0 + i, 100.0, std::to_string(i % 99999 + 1), "TOPO");
-            file.writePoint(p, true);
+            file.writePoint(p, Verbosity::Quiet);
         }
     }
     state.SetItemsProcessed(state.iterations() * kPoints);
@@ -68,9 +68,9 @@ void BM_AlphanumericWriteOneByOne(benchmark::State &state) {
     const auto points = randomAlphanumericPoints(static_cast<int>(state.range(0)), 2);
     for (auto _ : state) {
         CoordinateFile file;
-        file.open(path, 1, kFormatAlphanumeric);
+        file.open(path, Create::Always, kFormatAlphanumeric);
         for (const auto &p : points)
-            file.writePoint(p, true);
+            file.writePoint(p, Verbosity::Quiet);
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
     std::filesystem::remove(path);
@@ -88,8 +88,8 @@ void BM_AlphanumericBulkWrite(benchmark::State &state) {
     const auto points = randomAlphanumericPoints(kPoints, 2);
     for (auto _ : state) {
         CoordinateFile file;
-        file.open(path, 1, kFormatAlphanumeric);
-        file.writePoints(points, true);
+        file.open(path, Create::Always, kFormatAlphanumeric);
+        file.writePoints(points, Verbosity::Quiet);
     }
     state.SetItemsProcessed(state.iterations() * kPoints);
     std::filesystem::remove(path);
@@ -104,7 +104,10 @@ void BM_ReadByName(benchmark::State &state) {
     CrdPoint p;
     long found = 0;
     for (auto _ : state) {
-        found += file.readPoint(points[random() % points.size()].name, p, 0, true) ? 1 : 0;
+        found += file.readPoint(points[random() % points.size()].name, p, PointSearch::Exact,
+                                Verbosity::Quiet)
+                     ? 1
+                     : 0;
     }
     state.SetItemsProcessed(state.iterations());
     state.counters["found"] = static_cast<double>(found) / static_cast<double>(state.iterations());
@@ -129,11 +132,11 @@ void BM_NumericWalk(benchmark::State &state) {
     const auto path = scratch("numeric-walk");
     {
         CoordinateFile file;
-        file.open(path, 1, kFormatNumeric);
+        file.open(path, Create::Always, kFormatNumeric);
         CrdPoint p;
         for (int i = 1; i <= 99999; ++i) {
             p.set(i, i, i, std::to_string(i));
-            file.writePoint(p, true);
+            file.writePoint(p, Verbosity::Quiet);
         }
     }
     CoordinateFile file;

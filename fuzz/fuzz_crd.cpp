@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         names.emplace_back(bytes.substr(at, 1 + data[at] % 10));
     for (const auto &name : names)
         for (int direction : {-1, 0, 1})
-            io.readPoint(name, point, direction, true);
+            io.readPoint(name, point, static_cast<PointSearch>(direction), Verbosity::Quiet);
 
     if (readOnly)
         return 0;
@@ -49,11 +49,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         const std::string name = io.format() == 0 ? std::to_string(i * 7 % 500) : names[i];
         p.set(static_cast<double>(i), 1.0, i % 3 ? 2.0 : 98765432.1, name, names[i]);
         if (i % 2)
-            io.writePoint(p, true, nullptr);
+            io.writePoint(p, Verbosity::Quiet, nullptr);
         else
             batch.push_back(p);
     }
-    io.writePoints(batch, true, nullptr);
+    io.writePoints(batch, Verbosity::Quiet, nullptr);
     for (long i = -1; io.readByIndex(i, point, 1); i = io.currentIndex()) {
     }
     return 0;

@@ -7,12 +7,13 @@
 #include "app/raw_grid_model.h"
 #include "app/report_windows.h"
 #include "app/shell_prompts.h"
-#include "base/atomic_save.h"
 #include "base/format.h"
-#include "base/point_names.h"
 #include "base/unset.h"
 #include "crd/coordinate_file.h"
+#include "crd/coordinate_report.h"
 #include "crd/file_kinds.h"
+#include "crd/point_edit.h"
+#include "crd/working_copy.h"
 #include "reduce/processing.h"
 
 #include <QAction>
@@ -40,15 +41,6 @@ std::string readWhole(const std::filesystem::path &path) {
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
-}
-
-// Copies a file so that the target is either left as it was or whole.
-bool copyWhole(const std::filesystem::path &from, const std::filesystem::path &to) {
-    std::ifstream in(from, std::ios::binary);
-    if (!in)
-        return false;
-    return saveAtomically(to,
-                          [&](std::ostream &out) { return static_cast<bool>(out << in.rdbuf()); });
 }
 
 const char *rowTypeOf(int id) {
@@ -343,7 +335,6 @@ bool CKELMADlg::confirmCoordinateSave() {
 void CKELMADlg::newCoordinateFile() {
     if (!confirmCoordinateSave())
         return;
-    m_workingFile->close();
     if (!createWorkingFile())
         ui().message(crd::CoordinateFile::errorText(m_workingFile->lastError()));
     m_coordinateFileName = "NONE";
@@ -362,99 +353,55 @@ void CKELMADlg::openCoordinateFileCommand() {
 }
 
 bool CKELMADlg::openCoordinateFile(const std::string &path) {
-    // Try the user's file first, so that a file that is missing, damaged or
-    // of a kind this program does not read leaves the working copy alone.
-    {
-        SilentInteraction lines;
-        crd::CrdContext context;
-        context.messages = &lines;
-        crd::CoordinateFile probe(context);
-        if (!probe.openForReading(path)) {
-            std::string text;
-            for (const auto &line : lines.messages)
-                text += line;
-            ui().message(text.empty() ? crd::CoordinateFile::errorText(probe.lastError()) : text);
-            return false;
-        }
-    }
-    m_workingFile->close();
-    std::error_code ec;
-    const auto workingNotes = crd::notesPathFor(m_workingCrdPath);
-    std::filesystem::remove(workingNotes, ec);
-    const bool copied = copyWhole(path, m_workingCrdPath) &&
-                        (!std::filesystem::exists(crd::notesPathFor(path), ec) ||
-                         copyWhole(crd::notesPathFor(path), workingNotes));
-    if (!copied || !m_workingFile->open(m_workingCrdPath, 0, -1)) {
-        ui().message(
-            format(tramline::tr("\nCan't open new file %s"), m_workingCrdPath.string().c_str()));
-        m_workingFile->close();
-        createWorkingFile();
+    const Status status = m_workingCopy->open(path);
+    if (!status) {
+        ui().message(status.message);
+        if (status.code != StatusCode::Io)
+            return false; // the working copy is as it was
         m_coordinateFileName = "NONE";
-        m_coordinateModified = false;
-        refreshCoordinateGrid();
-        updateTitle();
-        return false;
+    } else {
+        m_coordinateFileName = path;
     }
-    m_coordinateFileName = path;
     m_coordinateModified = false;
     refreshCoordinateGrid();
     updateTitle();
-    return true;
+    return status.ok();
 }
 
-bool CKELMADlg::copyWorkingFileTo(const std::filesystem::path &target) {
-    const auto workingNotes = crd::notesPathFor(m_workingCrdPath);
-    const auto targetNotes = crd::notesPathFor(target);
-    std::error_code ec;
-    bool ok = copyWhole(m_workingCrdPath, target);
-    if (ok && std::filesystem::exists(workingNotes, ec))
-        ok = copyWhole(workingNotes, targetNotes);
-    else if (ok)
-        std::filesystem::remove(targetNotes, ec); // the notes went with their points
-    if (!ok) {
-        ui().message(format(tramline::tr("\nCan't open new file %s"), target.string().c_str()));
+bool CKELMADlg::saveCoordinateFile() {
+    if (m_workingCopy->userFile().empty())
+        return saveCoordinateFileAs();
+    const Status status = m_workingCopy->save();
+    if (!status) {
+        ui().message(status.message);
         return false;
     }
     m_coordinateModified = false;
     return true;
-}
-
-bool CKELMADlg::saveCoordinateFile() {
-    if (m_coordinateFileName == "NONE")
-        return saveCoordinateFileAs();
-    return copyWorkingFileTo(m_coordinateFileName);
 }
 
 bool CKELMADlg::saveCoordinateFileAs() {
     const std::string path = prompts().askFileName(tramline::tr("CRD File To Save"), "crd", true);
     if (path.empty())
         return false;
-    if (!crd::isHandledFormat(crd::formatFromExtension(path, m_workingFile->defaultFormat()))) {
-        ui().message(crd::CoordinateFile::errorText(crd::kFileTypeNotSupported));
+    const Status status = m_workingCopy->saveAs(path);
+    if (!status) {
+        ui().message(status.message);
         return false;
     }
-    if (!copyWorkingFileTo(path))
-        return false;
+    m_coordinateModified = false;
     m_coordinateFileName = path;
     updateTitle();
     return true;
 }
 
 void CKELMADlg::addPointToCoordinateFile() {
-    // Offer the number after the highest one, as points are usually added
-    // in sequence.
-    std::string next;
-    const std::string highest = m_workingFile->highestName();
-    if (!highest.empty() && highest.find_first_not_of("0123456789") == std::string::npos &&
-        highest.size() < 9)
-        next = std::to_string(std::stol(highest) + 1);
-    else if (highest.empty())
-        next = "1";
-    std::vector<FormField> fields = {{tramline::tr("PntNo"), next, {}},
-                                     {tramline::tr("Northing"), "", {}},
-                                     {tramline::tr("Easting"), "", {}},
-                                     {tramline::tr("Elevation"), "", {}},
-                                     {tramline::tr("Description"), "", {}}};
+    std::vector<FormField> fields = {
+        {tramline::tr("PntNo"), crd::nextPointName(*m_workingFile), {}},
+        {tramline::tr("Northing"), "", {}},
+        {tramline::tr("Easting"), "", {}},
+        {tramline::tr("Elevation"), "", {}},
+        {tramline::tr("Description"), "", {}}};
     if (!ui().fillForm(tramline::tr("Add Point"), fields))
         return;
     crd::CrdPoint point;
@@ -476,18 +423,14 @@ void CKELMADlg::addPointToCoordinateFile() {
     point.easting = east;
     point.elevation = elevation;
     point.description = fields[4].value;
-    crd::CrdPoint existing;
-    if (m_workingFile->readPoint(point.name, existing, 0, true)) {
-        ui().message(format(tramline::tr("Error: point %s already exists"), point.name.c_str()));
-        return;
-    }
-    if (!m_workingFile->writePoint(point)) {
-        ui().message(crd::CoordinateFile::errorText(m_workingFile->lastError()));
+    crd::CrdPoint stored;
+    if (const Status status = crd::addPoint(*m_workingFile, point, &stored); !status) {
+        ui().message(status.message);
         return;
     }
     m_coordinateModified = true;
     refreshCoordinateGrid();
-    const int row = m_coordinateModel->rowOf(point.name);
+    const int row = m_coordinateModel->rowOf(stored.name);
     if (row >= 0)
         m_coordinateGrid->setCurrentIndex(m_coordinateModel->index(row, 0));
 }
@@ -526,26 +469,11 @@ void CKELMADlg::printRawData() {
 }
 
 void CKELMADlg::printCoordinates() {
-    const int neOrder = m_rawDocument.modes().neOrder;
-    std::string text = tramline::tr("Coordinates");
-    appendFormat(text, "\n%s: %s\n", tramline::tr("File"), m_coordinateFileName.c_str());
-    appendFormat(text, "%s: %zu\n\n", tramline::tr("Points"), m_coordinateModel->points().size());
-    const char *first = neOrder == 1 ? tramline::tr("Easting") : tramline::tr("Northing");
-    const char *second = neOrder == 1 ? tramline::tr("Northing") : tramline::tr("Easting");
-    appendFormat(text, "%-10s %15s %15s %12s  %s\n", tramline::tr("PntNo"), first, second,
-                 tramline::tr("Elevation"), tramline::tr("Description"));
-    for (const auto &p : m_coordinateModel->points()) {
-        const double a = neOrder == 1 ? p.easting : p.northing;
-        const double b = neOrder == 1 ? p.northing : p.easting;
-        const std::string elevation =
-            isUnset(p.elevation) ? std::string() : format("%.4f", p.elevation);
-        appendFormat(text, "%-10s %15.4f %15.4f %12s  %s\n", p.name.c_str(), a, b,
-                     elevation.c_str(), p.description.c_str());
-    }
-    const auto target = m_folders.working / "morvrprt.tmp";
-    std::ofstream out(target, std::ios::binary | std::ios::trunc);
-    if (!(out << text) || !out.flush()) {
-        ui().message(format(tramline::tr("Can't open output file %s"), target.string().c_str()));
+    std::string text;
+    const Status status = crd::printCoordinates(*m_workingFile, m_coordinateFileName,
+                                                coordinateOrder(), m_folders.working, text);
+    if (!status) {
+        ui().message(status.message);
         return;
     }
     showText(qtr("Coordinates"), qstr(text));
@@ -579,11 +507,10 @@ void CKELMADlg::findCommand(bool rawGrid) {
         return;
     }
     const QModelIndex current = m_coordinateGrid->currentIndex();
-    const auto hit =
-        current.isValid()
-            ? m_coordinateModel->find(qstr(m_lastFind), current.row(), current.column())
-            : m_coordinateModel->find(qstr(m_lastFind), m_coordinateModel->rowCount() - 1,
-                                      CoordinateGridModel::kColumns - 1);
+    const auto hit = current.isValid()
+                         ? m_coordinateModel->find(m_lastFind, current.row(), current.column())
+                         : m_coordinateModel->find(m_lastFind, m_coordinateModel->rowCount() - 1,
+                                                   CoordinateGridModel::kColumns - 1);
     if (!hit) {
         ui().message(tramline::tr("String not found"));
         return;
@@ -603,12 +530,12 @@ void CKELMADlg::replaceCommand(bool rawGrid) {
     m_lastFind = fields[0].value;
     m_lastReplace = fields[1].value;
     const bool all = button == 1;
-    int count = 0;
+    long count = 0;
     if (rawGrid) {
         count = m_rawDocument.replace(m_lastFind, m_lastReplace, all, ui());
         refreshRawGrid();
     } else {
-        count = m_coordinateModel->replace(qstr(m_lastFind), qstr(m_lastReplace), all);
+        count = m_coordinateModel->replace(m_lastFind, m_lastReplace, all);
     }
     if (count == 0)
         ui().message(tramline::tr("String not found"));

@@ -1,11 +1,12 @@
 #include "app/coordinate_grid_model.h"
 
 #include "app/qt_text.h"
-#include "base/format.h"
-#include "base/unset.h"
-#include "crd/notes_file.h"
+#include "crd/point_edit.h"
+#include "crd/point_find_replace.h"
 
 namespace tramline::app {
+
+using crd::PointField;
 
 CoordinateGridModel::CoordinateGridModel(crd::CoordinateFile &file, Interaction &ui,
                                          QObject *parent)
@@ -19,38 +20,14 @@ int CoordinateGridModel::columnCount(const QModelIndex &parent) const {
     return parent.isValid() ? 0 : kColumns;
 }
 
-CoordinateGridModel::Field CoordinateGridModel::fieldOf(int column) const {
-    switch (column) {
-    case 0:
-        return Name;
-    case 1:
-        return m_neOrder == 1 ? Easting : Northing;
-    case 2:
-        return m_neOrder == 1 ? Northing : Easting;
-    case 3:
-        return Elevation;
-    default:
-        return Description;
-    }
+PointField CoordinateGridModel::fieldOf(int column) const {
+    return crd::pointColumns(m_order)[static_cast<size_t>(std::clamp(column, 0, kColumns - 1))];
 }
 
 QString CoordinateGridModel::cellText(int row, int column) const {
     if (row < 0 || static_cast<size_t>(row) >= m_points.size())
         return {};
-    const crd::CrdPoint &p = m_points[static_cast<size_t>(row)];
-    switch (fieldOf(column)) {
-    case Name:
-        return qstr(p.name);
-    case Northing:
-        return qstr(format("%.4f", p.northing));
-    case Easting:
-        return qstr(format("%.4f", p.easting));
-    case Elevation:
-        return isUnset(p.elevation) ? QString() : qstr(format("%.4f", p.elevation));
-    case Description:
-        return qstr(p.description);
-    }
-    return {};
+    return qstr(crd::pointFieldText(m_points[static_cast<size_t>(row)], fieldOf(column)));
 }
 
 QVariant CoordinateGridModel::data(const QModelIndex &index, int role) const {
@@ -71,67 +48,21 @@ bool CoordinateGridModel::setData(const QModelIndex &index, const QVariant &valu
         return false;
     if (cellText(index.row(), index.column()) == value.toString())
         return false;
-    crd::CrdPoint point = m_points[static_cast<size_t>(index.row())];
-    const std::string text = sstr(value.toString().trimmed());
-    const Field field = fieldOf(index.column());
-    double number = 0.0;
-    if (field == Northing || field == Easting || field == Elevation) {
-        if (text.empty() && field == Elevation) {
-            number = kUnsetPositive;
-        } else if (!parseNumber(text, number)) {
-            m_ui.message(format(tramline::tr("Error: %s is not a number"), text.c_str()));
-            return false;
-        }
-    }
-    switch (field) {
-    case Name:
-        point.name = text;
-        break;
-    case Northing:
-        point.northing = number;
-        break;
-    case Easting:
-        point.easting = number;
-        break;
-    case Elevation:
-        point.elevation = number;
-        break;
-    case Description:
-        point.description = sstr(value.toString());
-        break;
-    }
-    const std::string oldName = m_points[static_cast<size_t>(index.row())].name;
-    if (field == Name) {
-        // A new name is a new point; the old one goes, with its notes
-        // following it. An existing name is not overwritten.
-        crd::CrdPoint existing;
-        if (m_file.readPoint(point.name, existing, 0, true)) {
-            m_ui.message(
-                format(tramline::tr("Error: point %s already exists"), point.name.c_str()));
-            return false;
-        }
-    }
-    if (!m_file.writePoint(point)) {
-        m_ui.message(crd::CoordinateFile::errorText(m_file.lastError()));
+    const PointField field = fieldOf(index.column());
+    crd::CrdPoint stored;
+    const Status status = crd::editPointField(m_file, m_points[static_cast<size_t>(index.row())],
+                                              field, sstr(value.toString()), stored);
+    if (!status) {
+        m_ui.message(status.message);
         return false;
     }
-    if (field == Name) {
-        crd::NotesFile notes;
-        if (notes.load(m_file.notesPath())) {
-            const auto moved = notes.notesFor(oldName);
-            for (const auto &note : moved)
-                m_file.addNote(point.name, note);
-        }
-        m_file.deletePoints([&](const crd::CrdPoint &p) { return p.name == oldName; });
-        emit pointsChanged();
-        reload(m_neOrder);
+    emit pointsChanged();
+    if (field == PointField::Name) {
+        reload(m_order); // the point moved to its new name's place
         return true;
     }
-    // Read the point back: the file may have cut or adjusted it.
-    m_file.readPoint(point.name, point, 0, true);
-    m_points[static_cast<size_t>(index.row())] = point;
+    m_points[static_cast<size_t>(index.row())] = stored;
     emit dataChanged(this->index(index.row(), 0), this->index(index.row(), kColumns - 1));
-    emit pointsChanged();
     return true;
 }
 
@@ -147,30 +78,26 @@ QVariant CoordinateGridModel::headerData(int section, Qt::Orientation orientatio
     if (orientation == Qt::Vertical)
         return section + 1;
     switch (fieldOf(section)) {
-    case Name:
+    case PointField::Name:
         return qtr("PntNo");
-    case Northing:
+    case PointField::Northing:
         return qtr("Northing");
-    case Easting:
+    case PointField::Easting:
         return qtr("Easting");
-    case Elevation:
+    case PointField::Elevation:
         return qtr("Elevation");
-    case Description:
+    case PointField::Description:
         return qtr("Description");
     }
     return {};
 }
 
-void CoordinateGridModel::reload(int neOrder) {
+void CoordinateGridModel::reload(crd::CoordinateOrder order) {
     beginResetModel();
-    m_neOrder = neOrder;
+    m_order = order;
     m_points.clear();
-    if (m_file.isOpen()) {
-        crd::CrdPoint p;
-        m_file.setCurrentIndex(-1);
-        while (m_file.readNext(p, 1, true))
-            m_points.push_back(p);
-    }
+    if (m_file.isOpen())
+        crd::readAllPoints(m_file, m_points);
     endResetModel();
 }
 
@@ -198,59 +125,24 @@ bool CoordinateGridModel::deleteRow(int row) {
     return true;
 }
 
-std::optional<std::pair<int, int>> CoordinateGridModel::find(const QString &what, int row,
+std::optional<std::pair<int, int>> CoordinateGridModel::find(const std::string &what, int row,
                                                              int column) const {
-    const int rows = rowCount();
-    if (what.isEmpty() || rows == 0)
+    const auto hit = crd::findInPoints(m_points, m_order, what, row, column);
+    if (!hit)
         return std::nullopt;
-    const int startRow = std::clamp(row, 0, rows - 1);
-    for (int step = 0; step <= rows; ++step) {
-        const int r = (startRow + step) % rows;
-        const int first = step == 0 ? column + 1 : 0;
-        const int end = step == rows ? std::min(column + 1, kColumns) : kColumns;
-        for (int c = std::max(first, 0); c < end; ++c)
-            if (cellText(r, c).contains(what))
-                return std::make_pair(r, c);
-    }
-    return std::nullopt;
+    return std::make_pair(hit->row, hit->column);
 }
 
-int CoordinateGridModel::replace(const QString &what, const QString &with, bool all) {
-    if (what.isEmpty())
-        return 0;
-    int count = 0;
-    // Points are followed by name: a renamed point moves to its place in
-    // the file's order, and must neither be skipped nor met twice.
-    const std::vector<crd::CrdPoint> snapshot = m_points;
-    for (const auto &point : snapshot) {
-        std::string name = point.name;
-        for (int c = 0; c < kColumns; ++c) {
-            const int r = rowOf(name);
-            if (r < 0)
-                break;
-            QString text = cellText(r, c);
-            if (!text.contains(what))
-                continue;
-            if (!all) {
-                const int answer =
-                    m_ui.choose(tramline::tr("Search and Replace"),
-                                format(tramline::tr("Replace in row %ld column %ld?"),
-                                       static_cast<long>(r + 1), static_cast<long>(c + 1)),
-                                {tramline::tr("Yes"), tramline::tr("No"), tramline::tr("Cancel")});
-                if (answer == 1)
-                    continue;
-                if (answer != 0)
-                    return count;
-            }
-            const int hits = static_cast<int>(text.count(what));
-            text.replace(what, with);
-            if (setData(index(r, c), text)) {
-                count += hits;
-                if (c == 0)
-                    name = sstr(text.trimmed());
-            }
-        }
-    }
+long CoordinateGridModel::replace(const std::string &what, const std::string &with, bool all) {
+    crd::PointReplace replace;
+    replace.find = what;
+    replace.replace = with;
+    replace.order = m_order;
+    replace.confirmEach = !all;
+    const long count = crd::replaceInPoints(m_file, replace, m_ui);
+    reload(m_order);
+    if (count > 0)
+        emit pointsChanged();
     return count;
 }
 

@@ -6,6 +6,7 @@
 
 #include "base/interaction.h"
 #include "crd/coordinate_file.h"
+#include "crd/point_fields.h"
 
 #include <QAbstractTableModel>
 #include <optional>
@@ -27,8 +28,8 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation,
                         int role = Qt::DisplayRole) const override;
 
-    /// Reads the points again, in the given coordinate order (`ne_order`).
-    void reload(int neOrder);
+    /// Reads the points again, with the coordinate columns in `order`.
+    void reload(crd::CoordinateOrder order);
     const std::vector<crd::CrdPoint> &points() const { return m_points; }
     /// The row of a point, or -1.
     int rowOf(const std::string &name) const;
@@ -39,10 +40,10 @@ public:
 
     /// Looks for `what` in the cells' texts row by row, left to right,
     /// after (row, column), wrapping round once.
-    std::optional<std::pair<int, int>> find(const QString &what, int row, int column) const;
+    std::optional<std::pair<int, int>> find(const std::string &what, int row, int column) const;
     /// Replaces `what` by `with` in every cell, asking "Replace in row %ld
     /// column %ld?" for each unless `all`; Cancel stops. Returns the count.
-    int replace(const QString &what, const QString &with, bool all);
+    long replace(const std::string &what, const std::string &with, bool all);
 
     /// The text of a cell as the grid shows it.
     QString cellText(int row, int column) const;
@@ -52,13 +53,12 @@ signals:
     void pointsChanged();
 
 private:
-    enum Field { Name, Northing, Easting, Elevation, Description };
-    Field fieldOf(int column) const;
+    crd::PointField fieldOf(int column) const;
 
     crd::CoordinateFile &m_file;
     Interaction &m_ui;
     std::vector<crd::CrdPoint> m_points;
-    int m_neOrder = 0;
+    crd::CoordinateOrder m_order = crd::CoordinateOrder::NorthingEasting;
 };
 
 } // namespace tramline::app

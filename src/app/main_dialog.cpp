@@ -11,6 +11,7 @@
 #include "app/report_windows.h"
 #include "base/format.h"
 #include "crd/coordinate_file.h"
+#include "crd/working_copy.h"
 #include "raw/classify.h"
 
 #include <QAction>
@@ -89,6 +90,7 @@ CKELMADlg::CKELMADlg(ShellOptions options, QWidget *parent) : QMainWindow(parent
     crd::CrdContext context;
     context.messages = m_storeMessages.get();
     m_workingFile = std::make_unique<crd::CoordinateFile>(context);
+    m_workingCopy = std::make_unique<crd::WorkingCopy>(*m_workingFile);
 
     m_printer = std::make_unique<QPrinter>();
     setUpFolders(options);
@@ -269,10 +271,7 @@ bool CKELMADlg::createWorkingFile() {
     } unmute{relay};
     auto attempt = [this](const std::filesystem::path &folder) {
         m_workingCrdPath = folder / kWorkingCoordinateFile;
-        std::error_code ec;
-        std::filesystem::remove(m_workingCrdPath, ec);
-        std::filesystem::remove(crd::notesPathFor(m_workingCrdPath), ec);
-        return m_workingFile->open(m_workingCrdPath, 1, -1);
+        return m_workingCopy->create(m_workingCrdPath).ok();
     };
     if (attempt(m_folders.settings))
         return true;
@@ -290,6 +289,11 @@ void CKELMADlg::processCommandLine(const std::string &commandLine) {
         openRawFile(files.rawFile);
     if (!files.coordinateFile.empty())
         openCoordinateFile(files.coordinateFile);
+}
+
+crd::CoordinateOrder CKELMADlg::coordinateOrder() const {
+    return m_rawDocument.modes().neOrder == 1 ? crd::CoordinateOrder::EastingNorthing
+                                              : crd::CoordinateOrder::NorthingEasting;
 }
 
 void CKELMADlg::updateTitle() {
@@ -363,7 +367,7 @@ void CKELMADlg::fitRawColumns() {
 }
 
 void CKELMADlg::refreshCoordinateGrid() {
-    m_coordinateModel->reload(m_rawDocument.modes().neOrder);
+    m_coordinateModel->reload(coordinateOrder());
     m_coordinateGrid->setColumnWidth(0, 90);
     for (int c = 1; c < 4; ++c)
         m_coordinateGrid->setColumnWidth(c, 130);

@@ -9,6 +9,7 @@
 #include "app/report_windows.h"
 #include "app/shell_folders.h"
 #include "app/shell_settings.h"
+#include "crd/point_fields.h"
 #include "raw/document.h"
 #include "reduce/process_options.h"
 
@@ -25,7 +26,8 @@ namespace tramline {
 class Interaction;
 namespace crd {
 class CoordinateFile;
-}
+class WorkingCopy;
+} // namespace crd
 } // namespace tramline
 
 namespace tramline::app {
@@ -122,6 +124,8 @@ private:
     void fitRawColumns();
     void refreshCoordinateGrid();
     void applyCheckTable();
+    /// The coordinate columns' order, as the display mode has it.
+    crd::CoordinateOrder coordinateOrder() const;
     QTableView *activeGrid() const;
     void selectRawCell(size_t row, size_t cellColumn);
 
@@ -137,7 +141,6 @@ private:
     void openCoordinateFileCommand();
     bool saveCoordinateFile();
     bool saveCoordinateFileAs();
-    bool copyWorkingFileTo(const std::filesystem::path &target);
     void settingsCommand();
     void printRawData();
     void printCoordinates();
@@ -168,6 +171,7 @@ private:
     ShellSettings m_settings;
     raw::RawDocument m_rawDocument;
     std::unique_ptr<crd::CoordinateFile> m_workingFile;
+    std::unique_ptr<crd::WorkingCopy> m_workingCopy; ///< opens and saves m_workingFile
     std::filesystem::path m_workingCrdPath;
     std::string m_coordinateFileName = "NONE";
     bool m_coordinateModified = false;

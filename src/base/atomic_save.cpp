@@ -5,13 +5,9 @@
 #include <cstring>
 #include <sstream>
 
-#ifdef _WIN32
-#include <io.h>
-#else
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#endif
 
 namespace tramline {
 
@@ -37,18 +33,18 @@ bool writeAll(int fd, const char *data, size_t size) {
     return true;
 }
 
-} // namespace
+mode_t newFileMode() {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+}
 
-bool saveAtomically(const std::filesystem::path &path,
-                    const std::function<bool(std::ostream &)> &writer, std::string *error) {
-    // Produce the content first: a writer that gives up costs nothing on disk.
-    std::ostringstream content;
-    if (!writer(content) || !content) {
-        setError(error, "the content could not be produced");
-        return false;
-    }
-    const std::string bytes = std::move(content).str();
-
+// The common end of every atomic write: `fill` writes the content into a
+// temporary file beside `path`, which is flushed, given its permissions
+// (the old file's, else `mode`) and renamed over `path`. Any failure
+// removes the temporary and leaves `path` alone.
+bool replaceThrough(const std::filesystem::path &path, mode_t mode,
+                    const std::function<bool(int fd)> &fill, std::string *error) {
     std::error_code ec;
     if (std::filesystem::is_directory(path, ec)) {
         setError(error, path.string() + " is a folder");
@@ -61,22 +57,15 @@ bool saveAtomically(const std::filesystem::path &path,
         setError(error, std::strerror(errno));
         return false;
     }
-    bool ok = writeAll(fd, bytes.data(), bytes.size());
+    bool ok = fill(fd);
     int savedErrno = errno;
     if (ok && ::fsync(fd) != 0) {
         ok = false;
         savedErrno = errno;
     }
     struct stat old {};
-    if (ok && ::stat(path.c_str(), &old) == 0)
-        ::fchmod(fd, old.st_mode & 07777);
-    else if (ok)
-        ::fchmod(
-            fd, 0666 & ~[] {
-                const mode_t m = ::umask(0);
-                ::umask(m);
-                return m;
-            }());
+    if (ok)
+        ::fchmod(fd, ::stat(path.c_str(), &old) == 0 ? old.st_mode & 07777 : mode);
     if (::close(fd) != 0 && ok) {
         ok = false;
         savedErrno = errno;
@@ -92,10 +81,58 @@ bool saveAtomically(const std::filesystem::path &path,
     return ok;
 }
 
+} // namespace
+
+bool saveAtomically(const std::filesystem::path &path,
+                    const std::function<bool(std::ostream &)> &writer, std::string *error) {
+    // Produce the content first: a writer that gives up costs nothing on disk.
+    std::ostringstream content;
+    if (!writer(content) || !content) {
+        setError(error, "the content could not be produced");
+        return false;
+    }
+    const std::string bytes = std::move(content).str();
+    return replaceThrough(
+        path, newFileMode(), [&](int fd) { return writeAll(fd, bytes.data(), bytes.size()); },
+        error);
+}
+
 bool saveTextAtomically(const std::filesystem::path &path, const std::string &text,
                         std::string *error) {
     return saveAtomically(
         path, [&](std::ostream &out) { return static_cast<bool>(out << text); }, error);
+}
+
+bool copyAtomically(const std::filesystem::path &from, const std::filesystem::path &to,
+                    std::string *error) {
+    const int in = ::open(from.c_str(), O_RDONLY | O_CLOEXEC);
+    if (in < 0) {
+        setError(error, from.string() + ": " + std::strerror(errno));
+        return false;
+    }
+    struct stat source {};
+    if (::fstat(in, &source) != 0 || S_ISDIR(source.st_mode)) {
+        setError(error, from.string() + " is not a file");
+        ::close(in);
+        return false;
+    }
+    const bool ok = replaceThrough(
+        to, source.st_mode & 07777,
+        [in](int out) {
+            char buffer[1 << 16];
+            for (;;) {
+                const ssize_t n = ::read(in, buffer, sizeof buffer);
+                if (n == 0)
+                    return true;
+                if (n < 0 && errno == EINTR)
+                    continue;
+                if (n < 0 || !writeAll(out, buffer, static_cast<size_t>(n)))
+                    return false;
+            }
+        },
+        error);
+    ::close(in);
+    return ok;
 }
 
 } // namespace tramline

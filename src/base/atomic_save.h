@@ -22,4 +22,11 @@ bool saveAtomically(const std::filesystem::path &path,
 bool saveTextAtomically(const std::filesystem::path &path, const std::string &text,
                         std::string *error = nullptr);
 
+/// Copies the file `from` to `to` the same way: afterwards `to` is either
+/// the file it was or the whole copy, never a part of it. An existing `to`
+/// keeps its permissions; a new one gets those of `from`. The source is
+/// read in pieces, so a large file is never held in memory.
+bool copyAtomically(const std::filesystem::path &from, const std::filesystem::path &to,
+                    std::string *error = nullptr);
+
 } // namespace tramline

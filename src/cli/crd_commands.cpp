@@ -1,11 +1,15 @@
 // tramline-cli crd ...: coordinate files from the command line.
+#include "base/folders.h"
 #include "base/format.h"
 #include "base/point_names.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
 #include "crd/coordinate_file.h"
+#include "crd/coordinate_report.h"
 #include "crd/history_file.h"
+#include "crd/point_find_replace.h"
+#include "crd/point_rename.h"
 
 #include <nlohmann/json.hpp>
 
@@ -40,8 +44,10 @@ struct Store {
         return c;
     }
     // Reports the failure of the last operation and sets exit code 1.
-    void failed() {
-        ctx.err << CoordinateFile::errorText(file.lastError()) << '\n';
+    void failed() { failed(CoordinateFile::errorText(file.lastError())); }
+    void failed(const std::string &message) {
+        const std::size_t first = message.find_first_not_of('\n');
+        ctx.err << (first == std::string::npos ? message : message.substr(first)) << '\n';
         ctx.exitCode = kFailure;
     }
     bool openForUpdate(const std::string &path, bool history) {
@@ -91,7 +97,7 @@ void addNew(CLI::App &crdApp, CommandContext &ctx) {
         const int layout = o->numeric ? crd::kFormatNumeric
                            : o->alpha ? crd::kFormatAlphanumeric
                                       : -1;
-        if (!store.file.open(o->file, 1, layout))
+        if (!store.file.open(o->file, crd::Create::Always, layout))
             return store.failed();
         ctx.out << format("Created %s (%s)", o->file.c_str(), formatName(store.file.format()))
                 << '\n';
@@ -121,9 +127,10 @@ void addPut(CLI::App &crdApp, CommandContext &ctx) {
             return;
         CrdPoint point, previous, stored;
         point.set(o->easting, o->northing, o->elevation, o->name, o->description);
-        if (!store.file.writePoint(point, false, &previous))
+        if (!store.file.writePoint(point, crd::Verbosity::Messages, &previous))
             return store.failed();
-        if (store.file.readPoint(point.name, stored, 0, true))
+        if (store.file.readPoint(point.name, stored, crd::PointSearch::Exact,
+                                 crd::Verbosity::Quiet))
             store.file.addHistory(previous.name.empty() ? nullptr : &previous, &stored,
                                   crd::kHistoryOperationInputEdit);
         ctx.out << pointLine(stored) << '\n';
@@ -148,7 +155,10 @@ void addGet(CLI::App &crdApp, CommandContext &ctx) {
         if (!store.openForReading(o->file))
             return;
         CrdPoint point;
-        if (!store.file.readPoint(o->name, point, o->next ? 1 : o->previous ? -1 : 0))
+        if (!store.file.readPoint(o->name, point,
+                                  o->next       ? crd::PointSearch::OrNext
+                                  : o->previous ? crd::PointSearch::OrPrevious
+                                                : crd::PointSearch::Exact))
             return store.failed();
         ctx.out << pointLine(point) << '\n';
     });
@@ -268,11 +278,132 @@ void addHistory(CLI::App &crdApp, CommandContext &ctx) {
     });
 }
 
+void addRename(CLI::App &crdApp, CommandContext &ctx) {
+    auto *cmd = crdApp.add_subcommand(
+        "rename", "Give a point a new name; its notes go with it (a name in use is refused)");
+    struct Options {
+        std::string file, from, to;
+        bool history = false;
+    };
+    auto o = std::make_shared<Options>();
+    cmd->add_option("FILE", o->file, "Coordinate file")->required();
+    cmd->add_option("OLD", o->from, "The point's name")->required();
+    cmd->add_option("NEW", o->to, "Its new name")->required();
+    cmd->add_flag("--history", o->history,
+                  "Record the change in the history file (always when it exists)");
+    cmd->callback([&ctx, o] {
+        Store store(ctx);
+        if (!store.openForUpdate(o->file, o->history))
+            return;
+        CrdPoint renamed;
+        if (const Status status = crd::renamePoint(store.file, o->from, o->to, &renamed); !status)
+            return store.failed(status.message);
+        ctx.out << pointLine(renamed) << '\n';
+    });
+}
+
+const std::map<std::string, crd::PointField> &fieldWords() {
+    static const std::map<std::string, crd::PointField> words = {
+        {"name", crd::PointField::Name},
+        {"northing", crd::PointField::Northing},
+        {"easting", crd::PointField::Easting},
+        {"elevation", crd::PointField::Elevation},
+        {"description", crd::PointField::Description}};
+    return words;
+}
+
+void addReplace(CLI::App &crdApp, CommandContext &ctx) {
+    auto *cmd = crdApp.add_subcommand(
+        "replace", "Edit > Replace in CRD File: replace a text in the points' names, "
+                   "coordinates, elevations and descriptions, as the grid shows them");
+    struct Options {
+        std::string file, find, replace;
+        std::vector<std::string> fields;
+        bool eastingFirst = false, confirm = false, history = false;
+        std::vector<std::string> answers;
+    };
+    auto o = std::make_shared<Options>();
+    cmd->add_option("FILE", o->file, "Coordinate file")->required();
+    cmd->add_option("--find", o->find, "Find What")->required();
+    cmd->add_option("--replace", o->replace, "Replace With")->required();
+    cmd->add_option("--field", o->fields, "Only in these fields (default: all)")
+        ->check(CLI::IsMember(fieldWords()));
+    cmd->add_flag("--easting-first", o->eastingFirst,
+                  "Easting before northing when columns are numbered");
+    cmd->add_flag("--confirm", o->confirm,
+                  "Replace (ask before each) rather than Replace All; answer with --answer");
+    cmd->add_option("--answer", o->answers,
+                    "\"Search and Replace=yes|no|cancel\": the answer to every question");
+    cmd->add_flag("--history", o->history,
+                  "Record the changes in the history file (always when it exists)");
+    cmd->callback([&ctx, o] {
+        Store store(ctx);
+        for (const auto &answer : o->answers) {
+            const auto eq = answer.find('=');
+            if (eq == std::string::npos)
+                throw CLI::ValidationError("--answer", "give DIALOG=BUTTON");
+            store.ui.answers[answer.substr(0, eq)] = answer.substr(eq + 1);
+        }
+        if (!store.openForUpdate(o->file, o->history))
+            return;
+        crd::PointReplace replace;
+        replace.find = o->find;
+        replace.replace = o->replace;
+        for (const auto &word : o->fields)
+            replace.fields.push_back(fieldWords().at(word));
+        replace.order = o->eastingFirst ? crd::CoordinateOrder::EastingNorthing
+                                        : crd::CoordinateOrder::NorthingEasting;
+        replace.confirmEach = o->confirm;
+        const long count = crd::replaceInPoints(store.file, replace, store.ui);
+        if (store.ui.unanswered) {
+            ctx.exitCode = kFailure; // the question and the option to give are printed
+            return;
+        }
+        if (count == 0)
+            return store.failed(tr("String not found"));
+        ctx.out << format("Replaced %ld", count) << '\n';
+    });
+}
+
+void addPrint(CLI::App &crdApp, CommandContext &ctx) {
+    auto *cmd = crdApp.add_subcommand(
+        "print", "File > Print > Coordinates: the coordinate listing, also written to "
+                 "morvrprt.tmp in the working folder");
+    struct Options {
+        std::string file, workdir;
+        bool eastingFirst = false;
+    };
+    auto o = std::make_shared<Options>();
+    cmd->add_option("FILE", o->file, "Coordinate file")->required();
+    cmd->add_option("--workdir", o->workdir,
+                    "Working folder (default: Documents/Halvren Tramline)");
+    cmd->add_flag("--easting-first", o->eastingFirst, "Easting before northing");
+    cmd->callback([&ctx, o] {
+        Store store(ctx);
+        if (!store.openForReading(o->file))
+            return;
+        const std::filesystem::path folder =
+            o->workdir.empty() ? defaultWorkingFolder() : std::filesystem::path(o->workdir);
+        std::error_code ec;
+        std::filesystem::create_directories(folder, ec);
+        std::string report;
+        const Status status =
+            crd::printCoordinates(store.file, o->file,
+                                  o->eastingFirst ? crd::CoordinateOrder::EastingNorthing
+                                                  : crd::CoordinateOrder::NorthingEasting,
+                                  folder, report);
+        if (!status)
+            return store.failed(status.message);
+        ctx.out << report;
+    });
+}
+
 } // namespace
 
 void addCrdCommands(CLI::App &app, CommandContext &ctx) {
     auto *crdApp = app.add_subcommand(
-        "crd", "Coordinate files (.crd): new, put, get, list, delete, info, history");
+        "crd", "Coordinate files (.crd): new, put, get, list, delete, info, history, rename, "
+               "replace, print");
     crdApp->require_subcommand(1);
     addNew(*crdApp, ctx);
     addPut(*crdApp, ctx);
@@ -281,6 +412,9 @@ void addCrdCommands(CLI::App &app, CommandContext &ctx) {
     addDelete(*crdApp, ctx);
     addInfo(*crdApp, ctx);
     addHistory(*crdApp, ctx);
+    addRename(*crdApp, ctx);
+    addReplace(*crdApp, ctx);
+    addPrint(*crdApp, ctx);
 }
 
 } // namespace tramline::cli

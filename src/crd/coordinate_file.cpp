@@ -1,8 +1,10 @@
 #include "crd/coordinate_file.h"
 
+#include "base/atomic_save.h"
 #include "base/format.h"
 #include "base/interaction.h"
 #include "base/point_names.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "crd/byte_store.h"
 #include "crd/crd_errors.h"
@@ -25,10 +27,7 @@ const char *const kCouldNotOpen =
     "or locked in error by program. If locked, restart program.";
 
 bool isCrdExtension(const std::filesystem::path &path) {
-    std::string ext = path.extension().string();
-    for (char &c : ext)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    return ext == ".crd";
+    return equalsIgnoreCase(path.extension().string(), ".crd");
 }
 
 // A name beside `path` for a file that replaces it. Its base differs from
@@ -47,23 +46,6 @@ std::filesystem::path freshPathBeside(const std::filesystem::path &path) {
     }
 }
 
-// Copies a file so that `to` is either the old file or the whole copy.
-bool copyReplacing(const std::filesystem::path &from, const std::filesystem::path &to) {
-    std::error_code ec;
-    const auto temp = freshPathBeside(to);
-    if (!std::filesystem::copy_file(from, temp, ec) || ec) {
-        std::filesystem::remove(temp, ec);
-        return false;
-    }
-    std::filesystem::rename(temp, to, ec);
-    if (ec) {
-        std::error_code ignored;
-        std::filesystem::remove(temp, ignored);
-        return false;
-    }
-    return true;
-}
-
 // Moves a side file along with its coordinate file, where it exists.
 void carrySideFile(const std::filesystem::path &from, const std::filesystem::path &to,
                    bool keepOld) {
@@ -71,11 +53,11 @@ void carrySideFile(const std::filesystem::path &from, const std::filesystem::pat
     if (from == to || !std::filesystem::exists(from, ec))
         return;
     if (keepOld) {
-        copyReplacing(from, to);
+        copyAtomically(from, to);
         return;
     }
     std::filesystem::rename(from, to, ec);
-    if (ec && copyReplacing(from, to))
+    if (ec && copyAtomically(from, to))
         std::filesystem::remove(from, ec);
 }
 
@@ -157,7 +139,7 @@ bool CoordinateFile::probeWriteAccess(const std::filesystem::path &path) {
     return fail(kCannotOpen);
 }
 
-bool CoordinateFile::open(const std::filesystem::path &path, int create, int format) {
+bool CoordinateFile::open(const std::filesystem::path &path, Create create, int format) {
     close();
     m_error = kNoError;
     std::error_code ec;
@@ -165,9 +147,9 @@ bool CoordinateFile::open(const std::filesystem::path &path, int create, int for
         return false;
 
     const int detected = detectCrdFormat(path);
-    if (detected == -2 && create == 0)
+    if (detected == -2 && create == Create::IfMissing)
         return fail(kFileTypeNotSupported); // another kind of file: refused quietly
-    const bool createNew = create != 0 || detected < 0;
+    const bool createNew = create == Create::Always || detected < 0;
     const int chosen = !createNew    ? detected
                        : format >= 0 ? format
                                      : formatFromExtension(path, m_defaultFormat);
@@ -213,28 +195,30 @@ void CoordinateFile::close() {
     m_io.reset();
 }
 
-bool CoordinateFile::readPoint(std::string_view name, CrdPoint &point, int direction, bool quiet) {
+bool CoordinateFile::readPoint(std::string_view name, CrdPoint &point, PointSearch search,
+                               Verbosity verbosity) {
+    const bool quiet = verbosity == Verbosity::Quiet;
     m_error = kNoError;
     if (!m_io) {
         if (!quiet)
             say(tr("\nError3: crd file not open"));
         return fail(kNotOpen);
     }
-    const bool ok = takeResult(m_io->readPoint(name, point, direction, quiet));
+    const bool ok = takeResult(m_io->readPoint(name, point, search, verbosity));
     if (!ok && m_error == kPointNotFound && !quiet)
         say(tramline::format(tr("\nRequested point# %s has no coordinate stored."),
                              std::string(name).c_str()));
     return ok;
 }
 
-bool CoordinateFile::writePoint(const CrdPoint &point, bool quiet, CrdPoint *previous) {
+bool CoordinateFile::writePoint(const CrdPoint &point, Verbosity verbosity, CrdPoint *previous) {
     m_error = kNoError;
     if (!m_io)
         return fail(kNotOpen);
-    return takeResult(m_io->writePoint(point, quiet, previous));
+    return takeResult(m_io->writePoint(point, verbosity, previous));
 }
 
-long CoordinateFile::writePoints(std::span<const CrdPoint> points, bool quiet,
+long CoordinateFile::writePoints(std::span<const CrdPoint> points, Verbosity verbosity,
                                  std::vector<int> *errors) {
     m_error = kNoError;
     if (!m_io) {
@@ -243,23 +227,31 @@ long CoordinateFile::writePoints(std::span<const CrdPoint> points, bool quiet,
         fail(kNotOpen);
         return 0;
     }
-    const long written = m_io->writePoints(points, quiet, errors);
+    const long written = m_io->writePoints(points, verbosity, errors);
     m_error = m_io->lastError();
     return written;
 }
 
-bool CoordinateFile::readByIndex(long index, CrdPoint &point, int step, bool quiet) {
+bool CoordinateFile::readByIndex(long index, CrdPoint &point, int step, Verbosity verbosity) {
     m_error = kNoError;
     if (!m_io) {
-        if (!quiet)
+        if (verbosity == Verbosity::Messages)
             say(tr("\nError1: crd file not open"));
         return fail(kNotOpen);
     }
     return takeResult(m_io->readByIndex(index, point, step));
 }
 
-bool CoordinateFile::readNext(CrdPoint &point, int step, bool quiet) {
-    return readByIndex(currentIndex(), point, step, quiet);
+bool CoordinateFile::readNext(CrdPoint &point, int step, Verbosity verbosity) {
+    return readByIndex(currentIndex(), point, step, verbosity);
+}
+
+bool readAllPoints(CoordinateFile &file, std::vector<CrdPoint> &points) {
+    points.clear();
+    CrdPoint p;
+    for (file.setCurrentIndex(-1); file.readNext(p, 1, Verbosity::Quiet);)
+        points.push_back(p);
+    return file.lastError() == kPointNotFound;
 }
 
 long CoordinateFile::currentIndex() const {
@@ -329,7 +321,7 @@ bool CoordinateFile::replaceWithFresh(const std::function<bool(const CrdPoint &)
             ++count;
             if (removed)
                 removed->push_back(point);
-        } else if (!fresh->writePoint(point, true, nullptr)) {
+        } else if (!fresh->writePoint(point, Verbosity::Quiet, nullptr)) {
             return abandon(fresh->lastError());
         }
     }
@@ -371,6 +363,13 @@ long CoordinateFile::deletePoints(const std::function<bool(const CrdPoint &)> &s
     return count;
 }
 
+bool CoordinateFile::flush() {
+    m_error = kNoError;
+    if (!m_io)
+        return fail(kNotOpen);
+    return m_io->flush() || fail(kReadWriteFailed);
+}
+
 bool CoordinateFile::rewrite() {
     m_error = kNoError;
     if (!m_io)
@@ -390,7 +389,7 @@ bool CoordinateFile::saveAs(const std::filesystem::path &target) {
     // Never replace a file that another writer holds.
     if (std::filesystem::exists(target, ec) && !probeWriteAccess(target))
         return false;
-    if (!m_io->flush() || !copyReplacing(source, target)) {
+    if (!m_io->flush() || !copyAtomically(source, target)) {
         say(tramline::format(tr("\nCan't open new file %s"), target.string().c_str()));
         return fail(kCannotCreate);
     }
@@ -398,7 +397,7 @@ bool CoordinateFile::saveAs(const std::filesystem::path &target) {
     carrySideFile(historyPathFor(source), historyPathFor(target), true);
     const bool keepHistory = m_historyKeeping;
     close();
-    const bool ok = open(target, 0, -1);
+    const bool ok = open(target);
     m_historyKeeping = keepHistory;
     return ok;
 }
@@ -418,12 +417,12 @@ bool CoordinateFile::rename(const std::filesystem::path &target) {
     if (!ec) {
         m_io->setPath(target);
     } else {
-        if (!m_io->flush() || !copyReplacing(source, target))
+        if (!m_io->flush() || !copyAtomically(source, target))
             return fail(kRenameFailed);
         const bool keepHistory = m_historyKeeping;
         close();
         std::filesystem::remove(source, ec);
-        if (!open(target, 0, -1))
+        if (!open(target))
             return false;
         m_historyKeeping = keepHistory;
     }

@@ -4,7 +4,7 @@
 // the notes beside it.
 //
 //   CoordinateFile file(context);
-//   if (!file.open("site.crd", 0, -1))          // existing, or a new one
+//   if (!file.open("site.crd"))                 // existing, or a new one
 //       report(file.errorText(file.lastError()));
 //   CrdPoint p;
 //   p.set(5000.0, 10000.0, 100.0, "12", "IP");  // easting, northing, elevation
@@ -12,10 +12,11 @@
 //   for (file.setCurrentIndex(-1); file.readNext(p);) ...  // file order
 //
 // Every operation returns true on success; on failure lastError() holds a
-// code of crd_errors.h and, unless `quiet` is set, the operation has
+// code of crd_errors.h and, unless told Verbosity::Quiet, the operation has
 // printed its message lines through the context's Interaction.
 //
-// Usage from the command line: tramline-cli crd new|put|get|list|delete|info|history.
+// Usage from the command line: tramline-cli crd new|put|get|list|delete|info|history|
+// rename|replace|print.
 #pragma once
 
 #include "crd/crd_errors.h"
@@ -28,6 +29,12 @@
 
 namespace tramline::crd {
 
+/// Whether open() makes a new file.
+enum class Create {
+    IfMissing, ///< an existing ".crd" file opens in its own layout
+    Always     ///< a new empty file replaces any old one
+};
+
 class CoordinateFile {
 public:
     explicit CoordinateFile(CrdContext context = {});
@@ -37,33 +44,36 @@ public:
 
     /// Opens the file for update, holding the write lock until close().
     /// An existing ".crd" file opens in its own layout unless `create` is
-    /// 1; otherwise a new file is made in `format` (-1: from the extension,
-    /// ".crd" taking the default format). A file held by another writer is
+    /// Always; otherwise a new file is made in `format` (kFormatUnknown:
+    /// from the extension, ".crd" taking the default format). A file held by another writer is
     /// tried again after 1.5 s and 5 s; other kinds (".cgc", ".zak", ".mdb",
     /// ".dwg", ".crdb") are refused (error 54).
-    bool open(const std::filesystem::path &path, int create = 0, int format = -1);
+    bool open(const std::filesystem::path &path, Create create = Create::IfMissing,
+              int format = kFormatUnknown);
     /// Opens an existing file for reading only, without the lock: it works
     /// while another program writes the file.
     bool openForReading(const std::filesystem::path &path);
     void close();
     bool isOpen() const { return m_io != nullptr; }
 
-    /// Reads the named point. `direction` 0 wants exactly that point, +1 it
-    /// or the next stored one, -1 it or the one before.
-    bool readPoint(std::string_view name, CrdPoint &point, int direction = 0, bool quiet = false);
+    /// Reads the named point, or a neighbour as `search` allows.
+    bool readPoint(std::string_view name, CrdPoint &point, PointSearch search = PointSearch::Exact,
+                   Verbosity verbosity = Verbosity::Messages);
     /// Stores the point, replacing one of the same name (whose old values
     /// go to `previous` when given; its name is empty for a new point).
-    bool writePoint(const CrdPoint &point, bool quiet = false, CrdPoint *previous = nullptr);
+    bool writePoint(const CrdPoint &point, Verbosity verbosity = Verbosity::Messages,
+                    CrdPoint *previous = nullptr);
     /// Stores many points at once (for importers): the same file as
     /// writePoint() for each in turn, much faster in alphanumeric files.
     /// Returns the number stored; `errors` gets each point's error code.
-    long writePoints(std::span<const CrdPoint> points, bool quiet = false,
+    long writePoints(std::span<const CrdPoint> points, Verbosity verbosity = Verbosity::Messages,
                      std::vector<int> *errors = nullptr);
     /// The sequential walk: reads the stored point at `index` + `step` in
     /// file order and makes it current. False at the end (error 10).
-    bool readByIndex(long index, CrdPoint &point, int step, bool quiet = false);
+    bool readByIndex(long index, CrdPoint &point, int step,
+                     Verbosity verbosity = Verbosity::Messages);
     /// The walk from the current record: readByIndex(currentIndex(), ...).
-    bool readNext(CrdPoint &point, int step = 1, bool quiet = false);
+    bool readNext(CrdPoint &point, int step = 1, Verbosity verbosity = Verbosity::Messages);
     long currentIndex() const;
     /// -1 starts a forward walk at the first record; recordCount() starts
     /// a backward one at the last.
@@ -89,6 +99,9 @@ public:
     /// removed, or -1 (nothing changed) when the fresh file cannot be made.
     long deletePoints(const std::function<bool(const CrdPoint &)> &selected,
                       std::vector<CrdPoint> *removed = nullptr);
+    /// Makes everything written so far durable, so that the file can be
+    /// copied while it stays open.
+    bool flush();
     /// Rewrites the file afresh (dropping empty tails and damaged bits).
     bool rewrite();
     /// Copies the file (with its notes and history) to `target` and goes on
@@ -137,6 +150,10 @@ private:
     std::string m_historySecondText;
     HistoryFile m_history;
 };
+
+/// Every stored point in file order. False (with the points read before
+/// it) when a damaged record stops the walk.
+bool readAllPoints(CoordinateFile &file, std::vector<CrdPoint> &points);
 
 /// The layout of a ".crd" file on disk: 0 numeric, 1 alphanumeric; -1
 /// when it counts as not existing (cannot be opened, or empty); -2 for an

@@ -3,8 +3,8 @@
 // is what the rest of the program talks to.
 //
 // Every operation clears the error code first and sets it (see
-// crd_errors.h) when it fails. Operations with a `quiet` flag print their
-// own message lines through the context's Interaction unless quiet is set.
+// crd_errors.h) when it fails. Operations with a Verbosity print their own
+// message lines through the context's Interaction unless told Quiet.
 #pragma once
 
 #include "crd/crd_point.h"
@@ -39,6 +39,19 @@ struct CrdContext {
     bool waitFor(int milliseconds) const;
 };
 
+/// Which point readPoint() wants when the named one is not stored.
+enum class PointSearch : int {
+    Exact = 0,      ///< that point or nothing
+    OrNext = 1,     ///< that point or the next stored one after it
+    OrPrevious = -1 ///< that point or the one before it
+};
+
+/// Whether an operation prints its own message lines.
+enum class Verbosity {
+    Messages, ///< through the context's Interaction
+    Quiet     ///< only the error code is set
+};
+
 /// The three texts of a file's header.
 struct CrdHeaderTexts {
     std::string title;
@@ -64,17 +77,17 @@ public:
     /// Makes everything written so far durable.
     virtual bool flush() = 0;
 
-    /// Reads the named point. `direction` 0 wants exactly that point; +1
-    /// that point or the next used one after it; -1 it or the one before.
-    virtual bool readPoint(std::string_view name, CrdPoint &point, int direction, bool quiet) = 0;
+    /// Reads the named point, or a neighbour as `search` allows.
+    virtual bool readPoint(std::string_view name, CrdPoint &point, PointSearch search,
+                           Verbosity verbosity) = 0;
     /// Stores the point under its name, replacing a point of that name
     /// (whose old values go to `previous` when given; `previous` gets an
     /// empty name when the point is new).
-    virtual bool writePoint(const CrdPoint &point, bool quiet, CrdPoint *previous) = 0;
+    virtual bool writePoint(const CrdPoint &point, Verbosity verbosity, CrdPoint *previous) = 0;
     /// Stores many points, with the same file as a writePoint() of each in
     /// turn. Returns how many were stored; `errors` (when given) gets the
     /// error code of each point, 0 for those stored.
-    virtual long writePoints(std::span<const CrdPoint> points, bool quiet,
+    virtual long writePoints(std::span<const CrdPoint> points, Verbosity verbosity,
                              std::vector<int> *errors) = 0;
     /// Sequential walk: reads the used record at index + step (skipping
     /// empty slots in the direction of the step) and makes it current.

@@ -17,8 +17,9 @@ namespace tramline::crd {
 
 using namespace layout;
 
-long CrdIOMorvane::writePoints(std::span<const CrdPoint> points, bool quiet,
+long CrdIOMorvane::writePoints(std::span<const CrdPoint> points, Verbosity verbosity,
                                std::vector<int> *errors) {
+    const bool quiet = verbosity == Verbosity::Quiet;
     m_error = kNoError;
     std::vector<int> codes(points.size(), kNoError);
     long written = 0;
@@ -31,7 +32,7 @@ long CrdIOMorvane::writePoints(std::span<const CrdPoint> points, bool quiet,
         // Numeric records sit at fixed places: nothing moves, so writing
         // them one by one is already the fastest way.
         for (std::size_t i = 0; i < points.size(); ++i) {
-            if (writePoint(points[i], quiet, nullptr))
+            if (writePoint(points[i], verbosity, nullptr))
                 ++written;
             codes[i] = m_error;
         }
@@ -131,7 +132,7 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     if (!consistent) {
         long written = 0;
         for (std::size_t i = 0; i < points.size(); ++i) {
-            if (writePoint(points[i], quiet, nullptr))
+            if (writePoint(points[i], quiet ? Verbosity::Quiet : Verbosity::Messages, nullptr))
                 ++written;
             errors[i] = m_error;
         }

@@ -261,7 +261,10 @@ void CrdIOMorvane::setCache(long index, const CrdPoint &point) {
     m_cacheValid = true;
 }
 
-bool CrdIOMorvane::readPoint(std::string_view name, CrdPoint &point, int direction, bool quiet) {
+bool CrdIOMorvane::readPoint(std::string_view name, CrdPoint &point, PointSearch search,
+                             Verbosity verbosity) {
+    const int direction = static_cast<int>(search);
+    const bool quiet = verbosity == Verbosity::Quiet;
     m_error = kNoError;
     if (!m_store)
         return fail(kNotOpen);
@@ -319,7 +322,8 @@ bool CrdIOMorvane::readByIndex(long index, CrdPoint &point, int step) {
 
 // ---------------------------------------------------------------- writing
 
-bool CrdIOMorvane::writePoint(const CrdPoint &point, bool quiet, CrdPoint *previous) {
+bool CrdIOMorvane::writePoint(const CrdPoint &point, Verbosity verbosity, CrdPoint *previous) {
+    const bool quiet = verbosity == Verbosity::Quiet;
     m_error = kNoError;
     if (previous)
         previous->clear();

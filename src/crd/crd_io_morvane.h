@@ -27,9 +27,10 @@ public:
     bool isOpen() const override { return m_store != nullptr; }
     bool flush() override { return m_store && m_store->sync(); }
 
-    bool readPoint(std::string_view name, CrdPoint &point, int direction, bool quiet) override;
-    bool writePoint(const CrdPoint &point, bool quiet, CrdPoint *previous) override;
-    long writePoints(std::span<const CrdPoint> points, bool quiet,
+    bool readPoint(std::string_view name, CrdPoint &point, PointSearch search,
+                   Verbosity verbosity) override;
+    bool writePoint(const CrdPoint &point, Verbosity verbosity, CrdPoint *previous) override;
+    long writePoints(std::span<const CrdPoint> points, Verbosity verbosity,
                      std::vector<int> *errors) override;
     bool readByIndex(long index, CrdPoint &point, int step) override;
     long currentIndex() const override { return m_current; }

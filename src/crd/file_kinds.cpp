@@ -1,5 +1,7 @@
 #include "crd/file_kinds.h"
 
+#include "base/text.h"
+
 #include <algorithm>
 #include <string>
 
@@ -27,10 +29,7 @@ int formatFromExtension(const std::filesystem::path &path, int defaultCrdFormat)
     std::string ext = path.extension().string();
     if (ext.empty())
         return kFormatUnknown;
-    ext.erase(0, 1);
-    std::transform(ext.begin(), ext.end(), ext.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
+    ext = toLower(std::string_view(ext).substr(1));
     for (const auto &kind : kKinds) {
         if (ext != kind.extension)
             continue;

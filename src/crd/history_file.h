@@ -53,7 +53,9 @@ inline constexpr unsigned kHistoryNewPoint = 250;
 inline constexpr int kHistoryOperationNone = 255; ///< writes no entry
 inline constexpr int kHistoryOperationUndo = 85;
 inline constexpr int kHistoryOperationDelete = 8;
+inline constexpr int kHistoryOperationRenumber = 15;
 inline constexpr int kHistoryOperationInputEdit = 16;
+inline constexpr int kHistoryOperationEditPoints = 18;
 
 inline constexpr std::size_t kHistoryMarkSize = 15;
 

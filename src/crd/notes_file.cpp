@@ -102,6 +102,16 @@ std::vector<std::string> NotesFile::notesFor(std::string_view name) const {
     return found;
 }
 
+long NotesFile::rename(std::string_view from, std::string_view to) {
+    long moved = 0;
+    for (auto &note : m_notes)
+        if (comparePointNames(note.name, from) == 0) {
+            note.name = to;
+            ++moved;
+        }
+    return moved;
+}
+
 long NotesFile::removeIf(const std::function<bool(std::string_view name)> &selected) {
     const auto end = std::remove_if(m_notes.begin(), m_notes.end(),
                                     [&](const PointNote &note) { return selected(note.name); });

@@ -37,6 +37,9 @@ public:
     void add(std::string_view name, std::string_view text);
     /// The notes of one point (names compare as point names do).
     std::vector<std::string> notesFor(std::string_view name) const;
+    /// Moves the notes of point `from` to point `to`, in place; returns
+    /// how many moved.
+    long rename(std::string_view from, std::string_view to);
     /// Unlinks every note whose point is selected; returns how many went.
     long removeIf(const std::function<bool(std::string_view name)> &selected);
 

@@ -1,5 +1,6 @@
 #include "crd/point_name_rules.h"
 
+#include "base/text.h"
 #include "crd/crd_errors.h"
 #include "crd/record_layout.h"
 
@@ -9,31 +10,34 @@
 namespace tramline::crd {
 
 namespace {
-bool isBlank(char c) {
+bool isSpaceOrTab(char c) {
     return c == ' ' || c == '\t';
 }
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+// Narrower than trim(): names keep a leading line end or form feed, which
+// the name rules then refuse, as other programs reading the file do.
 std::string_view trimBlanks(std::string_view s) {
-    while (!s.empty() && isBlank(s.front()))
+    while (!s.empty() && isSpaceOrTab(s.front()))
         s.remove_prefix(1);
-    while (!s.empty() && isBlank(s.back()))
+    while (!s.empty() && isSpaceOrTab(s.back()))
         s.remove_suffix(1);
     return s;
 }
 } // namespace
 
 std::string normaliseAlphanumericName(std::string_view name) {
-    while (!name.empty() && (isBlank(name.back()) || name.back() == '\r' || name.back() == '\n'))
+    while (!name.empty() &&
+           (isSpaceOrTab(name.back()) || name.back() == '\r' || name.back() == '\n'))
         name.remove_suffix(1);
     std::string out(trimBlanks(name));
     for (char &c : out) {
         if (c == '-' || c == ',')
             c = '_';
-        else if (c >= 'a' && c <= 'z')
-            c = static_cast<char>(c - 'a' + 'A');
+        else
+            c = toUpperAscii(c);
     }
     return out;
 }
@@ -71,7 +75,8 @@ int parseNumericName(std::string_view name, long &number) {
 }
 
 long leadingPointNumber(std::string_view name) {
-    while (!name.empty() && (isBlank(name.front()) || name.front() == '\n' || name.front() == '\r'))
+    while (!name.empty() &&
+           (isSpaceOrTab(name.front()) || name.front() == '\n' || name.front() == '\r'))
         name.remove_prefix(1);
     bool negative = false;
     if (!name.empty() && (name.front() == '+' || name.front() == '-')) {

@@ -1,5 +1,6 @@
 #include "geodesy/geoid_files.h"
 
+#include "base/atomic_save.h"
 #include "base/format.h"
 #include "base/translation.h"
 #include "geodesy/messages.h"
@@ -92,12 +93,9 @@ Status ensureGridPresent(const GeoidFolders &folders, const std::string &fileNam
     if (canOpen(path))
         return Status::success();
 
-    std::error_code ec;
     const auto bundled = folders.dataFolder / "geoids" / fileName;
     if (canOpen(bundled)) {
-        std::filesystem::copy_file(bundled, path, std::filesystem::copy_options::overwrite_existing,
-                                   ec);
-        if (!ec && canOpen(path))
+        if (copyAtomically(bundled, path) && canOpen(path))
             return Status::success();
     }
 

@@ -11,7 +11,8 @@ namespace tramline::reduce {
 std::optional<TraversePoint> storedPoint(crd::CoordinateFile &coordinates,
                                          const std::string &name) {
     crd::CrdPoint p;
-    if (!coordinates.isOpen() || name.empty() || !coordinates.readPoint(name, p, 0, true))
+    if (!coordinates.isOpen() || name.empty() ||
+        !coordinates.readPoint(name, p, crd::PointSearch::Exact, crd::Verbosity::Quiet))
         return std::nullopt;
     TraversePoint t;
     t.name = p.name;
@@ -46,14 +47,15 @@ StoreResult storePoints(PassResult &pass, crd::CoordinateFile &coordinates,
                                  : adjusted.count(p.name) ? adjustedOperation
                                                           : kHistorySideshot);
             crd::CrdPoint old;
-            if (!before.count(p.name) && coordinates.readPoint(p.name, old, 0, true))
+            if (!before.count(p.name) &&
+                coordinates.readPoint(p.name, old, crd::PointSearch::Exact, crd::Verbosity::Quiet))
                 before.emplace(p.name, old);
         }
         points.push_back(std::move(p));
         lines.push_back(stored.line);
     }
     std::vector<int> errors;
-    result.stored = coordinates.writePoints(points, true, &errors);
+    result.stored = coordinates.writePoints(points, crd::Verbosity::Quiet, &errors);
     for (size_t i = 0; i < errors.size() && i < points.size(); ++i)
         if (errors[i] != 0)
             result.warnings.push_back(format(tr("\nFailed to store point %s\non line %ld."),

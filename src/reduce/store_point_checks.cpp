@@ -59,7 +59,8 @@ CheckOutcome answer(CheckContext &context, const char *title, const std::string 
 
 bool isStored(crd::CoordinateFile &coordinates, const std::string &name) {
     crd::CrdPoint p;
-    return !name.empty() && coordinates.readPoint(name, p, 0, true);
+    return !name.empty() &&
+           coordinates.readPoint(name, p, crd::PointSearch::Exact, crd::Verbosity::Quiet);
 }
 
 } // namespace

@@ -25,7 +25,7 @@ protected:
     fs::path makeCoordinateFile(const std::string &name) {
         const fs::path path = dir / name;
         crd::CoordinateFile file;
-        EXPECT_TRUE(file.open(path, 1, -1));
+        EXPECT_TRUE(file.open(path, crd::Create::Always));
         crd::CrdPoint p;
         p.set(5000.0, 6000.0, 100.0, "1", "IRON ROD");
         EXPECT_TRUE(file.writePoint(p));

@@ -255,7 +255,7 @@ TEST_F(ShellCommandTest, CoordinateFilesThroughTheWorkingCopy) {
     const fs::path site = dir / "site.crd";
     {
         crd::CoordinateFile file;
-        ASSERT_TRUE(file.open(site, 1, -1));
+        ASSERT_TRUE(file.open(site, crd::Create::Always));
         crd::CrdPoint p;
         p.set(5000.0, 6000.0, 100.0, "1", "IRON ROD");
         file.writePoint(p);

@@ -74,3 +74,71 @@ TEST_F(AtomicSave, FullDiskLeavesTheOldFile) {
 }
 
 } // namespace
+
+namespace {
+
+using AtomicCopy = tramline::test::ScratchFolderTest;
+
+// Each case: what the target was, how the copy goes, what the target is
+// after it. Permissions of an old target stay; a new one takes the source's.
+TEST_F(AtomicCopy, TargetIsOldOrWholeCopy) {
+    const auto source = dir / "site.crd";
+    const std::string big(300000, 'p'); // more than one piece of the copy loop
+    tramline::test::spit(source, big);
+    fs::permissions(source, fs::perms::owner_read | fs::perms::owner_write);
+    struct Case {
+        const char *name;
+        fs::path from, to;
+        const char *oldTarget; // null: no target before
+        bool ok;
+        fs::perms perms; // of the target afterwards
+    };
+    const fs::perms rw = fs::perms::owner_read | fs::perms::owner_write;
+    const fs::perms shared = rw | fs::perms::group_read | fs::perms::others_read;
+    const Case cases[] = {
+        {"new target", source, dir / "new.crd", nullptr, true, rw},
+        {"old target keeps its permissions", source, dir / "old.crd", "old", true, shared},
+        {"missing source", dir / "none.crd", dir / "kept.crd", "kept", false, shared},
+        {"source is a folder", dir, dir / "kept2.crd", "kept", false, shared},
+        {"target's folder missing", source, dir / "no" / "such.crd", nullptr, false, rw},
+    };
+    for (const auto &c : cases) {
+        if (c.oldTarget) {
+            tramline::test::spit(c.to, c.oldTarget);
+            fs::permissions(c.to, shared);
+        }
+        std::string error;
+        EXPECT_EQ(copyAtomically(c.from, c.to, &error), c.ok) << c.name;
+        EXPECT_EQ(error.empty(), c.ok) << c.name;
+        const std::string expected = c.ok ? big : c.oldTarget ? c.oldTarget : "";
+        EXPECT_EQ(fs::exists(c.to), c.ok || c.oldTarget) << c.name;
+        EXPECT_EQ(slurp(c.to), expected) << c.name;
+        if (fs::exists(c.to)) {
+            EXPECT_EQ(fs::status(c.to).permissions() & fs::perms::all, c.perms) << c.name;
+        }
+    }
+    // No temporaries are left behind by the failures.
+    for (const auto &entry : fs::directory_iterator(dir))
+        EXPECT_NE(entry.path().filename().string().front(), '.') << entry.path();
+}
+
+TEST_F(AtomicCopy, FullDiskLeavesTheOldTarget) {
+    const auto source = write("big.crd", std::string(100000, 'x'));
+    const auto target = write("site.crd", "old");
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        ::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit{1024, 1024};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        ::_exit(copyAtomically(source, target) ? 1 : 0);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0) << "the copy should have failed";
+    EXPECT_EQ(slurp(target), "old");
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 2);
+}
+
+} // namespace

@@ -2,6 +2,7 @@
 #include "cli/cli.h"
 
 #include "../support/cli_support.h"
+#include "../support/test_support.h"
 
 #include <gtest/gtest.h>
 
@@ -133,11 +134,108 @@ TEST_F(CrdCommands, HistoryOfPutsAndDeletes) {
 }
 
 TEST_F(CrdCommands, EveryCommandHasHelp) {
-    for (const char *command : {"new", "put", "get", "list", "delete", "info", "history"}) {
+    for (const char *command :
+         {"new", "put", "get", "list", "delete", "info", "history", "rename", "replace", "print"}) {
         const Result r = cli({"crd", command, "--help"});
         EXPECT_EQ(r.code, 0) << command;
         EXPECT_NE(r.out.find("Usage:"), std::string::npos) << command;
     }
+}
+
+// rename, replace and print run one after the other on one file, as a
+// user would type them: what each prints, its exit code, and the file's
+// points afterwards.
+TEST_F(CrdCommands, RenameReplaceAndPrint) {
+    ASSERT_EQ(cli({"crd", "put", path, "1", "1000", "2000", "10", "IRON ROD"}).code, 0);
+    ASSERT_EQ(cli({"crd", "put", path, "2", "1100", "2100", "11", "NAIL"}).code, 0);
+    std::ofstream(dir / "site.not") << "Tramline point notes 1\n1\tfound\n";
+    struct Step {
+        std::vector<std::string> args;
+        int code;
+        std::string out, err;
+        std::string list; // the points afterwards
+    };
+    const std::string both = "1,1000.0000,2000.0000,10.0000,IRON ROD\n"
+                             "2,1100.0000,2100.0000,11.0000,NAIL\n";
+    const std::string question = "Search and Replace:\nReplace in row 1 column 5?\n";
+    const std::vector<Step> steps = {
+        {{"crd", "rename", path, "1", "2"}, 1, "", "Error: point 2 already exists\n", both},
+        {{"crd", "rename", path, "7", "8"}, 1, "", "The specified point was not found.\n", both},
+        {{"crd", "rename", path, "1", "a-5"},
+         0,
+         "A_5,1000.0000,2000.0000,10.0000,IRON ROD\n",
+         "",
+         "2,1100.0000,2100.0000,11.0000,NAIL\nA_5,1000.0000,2000.0000,10.0000,IRON ROD\n"},
+        {{"crd", "replace", path, "--find", "A", "--replace", "B", "--field", "description"},
+         0,
+         "Replaced 1\n",
+         "",
+         "2,1100.0000,2100.0000,11.0000,NBIL\nA_5,1000.0000,2000.0000,10.0000,IRON ROD\n"},
+        {{"crd", "replace", path, "--find", "00.0000", "--replace", "50.0000", "--field",
+          "northing", "--field", "elevation"},
+         0,
+         "Replaced 2\n",
+         "",
+         "2,1150.0000,2100.0000,11.0000,NBIL\nA_5,1050.0000,2000.0000,10.0000,IRON ROD\n"},
+        {{"crd", "replace", path, "--find", "ZZZ", "--replace", "Y"},
+         1,
+         "",
+         "String not found\n",
+         "2,1150.0000,2100.0000,11.0000,NBIL\nA_5,1050.0000,2000.0000,10.0000,IRON ROD\n"},
+        {{"crd", "replace", path, "--find", "00", "--replace", "X", "--field", "easting"},
+         1,
+         "",
+         "Error: 21X.XX is not a number\nError: 2X0.XX is not a number\nString not found\n",
+         "2,1150.0000,2100.0000,11.0000,NBIL\nA_5,1050.0000,2000.0000,10.0000,IRON ROD\n"},
+        // Replace, one at a time: unanswered, it stops and says how to answer.
+        {{"crd", "replace", path, "--find", "N", "--replace", "M", "--field", "description",
+          "--confirm"},
+         1,
+         "",
+         question + "Answers: \"yes\" \"no\" \"cancel\"\n"
+                    "The \"Search and Replace\" dialog needs an answer: give --answer "
+                    "\"Search and Replace=BUTTON\"\n",
+         "2,1150.0000,2100.0000,11.0000,NBIL\nA_5,1050.0000,2000.0000,10.0000,IRON ROD\n"},
+        {{"crd", "replace", path, "--find", "N", "--replace", "M", "--field", "description",
+          "--confirm", "--answer", "Search and Replace=yes"},
+         0,
+         "Replaced 2\n",
+         "",
+         "2,1150.0000,2100.0000,11.0000,MBIL\nA_5,1050.0000,2000.0000,10.0000,IROM ROD\n"},
+        {{"crd", "replace", path, "--find", "1", "--replace", "2", "--field", "sideways"},
+         2,
+         "",
+         "",
+         "2,1150.0000,2100.0000,11.0000,MBIL\nA_5,1050.0000,2000.0000,10.0000,IROM ROD\n"},
+    };
+    for (const auto &step : steps) {
+        const Result r = cli(step.args);
+        const std::string label = step.args[1] + " " + step.args[3];
+        EXPECT_EQ(r.code, step.code) << label << ": " << r.err;
+        EXPECT_EQ(r.out, step.out) << label;
+        if (step.code != 2) { // usage errors are CLI11's own text
+            EXPECT_EQ(r.err, step.err) << label;
+        }
+        EXPECT_EQ(cli({"crd", "list", path}).out, step.list) << label;
+    }
+    // The note went with the renamed point.
+    EXPECT_NE(tramline::test::slurp(dir / "site.not").find("A_5\tfound"), std::string::npos);
+
+    const std::string listing =
+        "Coordinates\nFile: " + path +
+        "\nPoints: 2\n\n"
+        "PntNo              Easting        Northing    Elevation  "
+        "Description\n"
+        "2                2100.0000       1150.0000      11.0000  MBIL\n"
+        "A_5              2000.0000       1050.0000      10.0000  IROM ROD\n";
+    const Result print =
+        cli({"crd", "print", path, "--workdir", (dir / "work").string(), "--easting-first"});
+    EXPECT_EQ(print.code, 0) << print.err;
+    EXPECT_EQ(print.out, listing);
+    EXPECT_EQ(tramline::test::slurp(dir / "work" / "morvrprt.tmp"), listing);
+    const Result missing =
+        cli({"crd", "print", (dir / "none.crd").string(), "--workdir", (dir / "work").string()});
+    EXPECT_EQ(missing.code, 1);
 }
 
 } // namespace

@@ -17,7 +17,7 @@ protected:
     void SetUp() override {
         CrdTest::SetUp();
         path = file("site.crd");
-        ASSERT_TRUE(crd.open(path, 1, kFormatAlphanumeric));
+        ASSERT_TRUE(crd.open(path, Create::Always, kFormatAlphanumeric));
     }
     bool put(const std::string &name, double v, const std::string &desc = "") {
         CrdPoint p;
@@ -95,7 +95,7 @@ TEST_F(AlphaLayout, ReplaceInPlaceAndTruncate) {
     const std::string d32(32, 'd');
     CrdPoint p, previous;
     p.set(7, 8, 98765432.1, "p1", d32);
-    ASSERT_TRUE(crd.writePoint(p, false, &previous));
+    ASSERT_TRUE(crd.writePoint(p, Verbosity::Messages, &previous));
     EXPECT_EQ(previous.name, "P1");
     EXPECT_EQ(previous.description, "old");
     EXPECT_EQ(ui.messages.back(),
@@ -117,7 +117,7 @@ TEST_F(AlphaLayout, InsertsMoveTheTailThroughASmallBuffer) {
     for (int v : order) {
         CrdPoint p;
         p.set(v, v, v, "P" + std::to_string(v));
-        ASSERT_TRUE(io.writePoint(p, true, nullptr));
+        ASSERT_TRUE(io.writePoint(p, Verbosity::Quiet, nullptr));
     }
     Bytes expected = alphaHeader("04/15/2009", "");
     for (int v : {0, 5, 10, 20, 30, 40, 50, 55, 60, 70, 80, 90, 100})
@@ -140,7 +140,8 @@ TEST_F(AlphaLayout, ReadingWithDirections) {
     };
     for (const auto &c : cases) {
         CrdPoint p;
-        EXPECT_EQ(crd.readPoint(c.name, p, c.direction, true), c.found != nullptr)
+        EXPECT_EQ(crd.readPoint(c.name, p, static_cast<PointSearch>(c.direction), Verbosity::Quiet),
+                  c.found != nullptr)
             << c.name << c.direction;
         if (c.found) {
             EXPECT_EQ(p.name, c.found);

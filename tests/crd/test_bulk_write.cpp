@@ -57,11 +57,11 @@ std::size_t expectSameAsOneByOne(const Bytes &start, const std::vector<CrdPoint>
     std::vector<int> singleErrors;
     long singleWritten = 0;
     for (const auto &p : points) {
-        singleWritten += single.writePoint(p, false, nullptr) ? 1 : 0;
+        singleWritten += single.writePoint(p, Verbosity::Messages, nullptr) ? 1 : 0;
         singleErrors.push_back(single.lastError());
     }
     std::vector<int> bulkErrors;
-    EXPECT_EQ(bulk.writePoints(points, false, &bulkErrors), singleWritten);
+    EXPECT_EQ(bulk.writePoints(points, Verbosity::Messages, &bulkErrors), singleWritten);
     EXPECT_EQ(bulkErrors, singleErrors);
     EXPECT_EQ(bulkUi.messages, singleUi.messages);
     EXPECT_TRUE(bulkBytes->bytes() == singleBytes->bytes());
@@ -76,7 +76,7 @@ Bytes existingAlphaFile(std::mt19937 &random) {
     const MemoryStore *bytes = store.get();
     EXPECT_TRUE(io.openStore(std::move(store), CrdAccess::Update));
     for (const auto &p : randomPoints(random, 300, "0123456789AB", 4))
-        io.writePoint(p, true, nullptr);
+        io.writePoint(p, Verbosity::Quiet, nullptr);
     return bytes->bytes();
 }
 
@@ -126,7 +126,7 @@ TEST(CrdBulkWrite, FullDiskLeavesTheFileAsItWas) {
     CrdIOMorvane io;
     ASSERT_TRUE(io.openStore(std::move(store), CrdAccess::Update));
     std::vector<int> errors;
-    EXPECT_EQ(io.writePoints(randomPoints(random, 50, "CDEFG", 3), true, &errors), 0);
+    EXPECT_EQ(io.writePoints(randomPoints(random, 50, "CDEFG", 3), Verbosity::Quiet, &errors), 0);
     EXPECT_EQ(io.lastError(), 23);
     EXPECT_TRUE(bytes->bytes() == start);
 }

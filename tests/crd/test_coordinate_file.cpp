@@ -93,7 +93,7 @@ TEST_F(CoordinateFileTest, ExistingFileKeepsItsLayoutUnlessCreated) {
     const auto path = file("site.crd");
     {
         CoordinateFile crd(context);
-        ASSERT_TRUE(crd.open(path, 1, kFormatNumeric));
+        ASSERT_TRUE(crd.open(path, Create::Always, kFormatNumeric));
         putAll(crd, {"3"});
     }
     CoordinateFile crd(context);
@@ -101,7 +101,7 @@ TEST_F(CoordinateFileTest, ExistingFileKeepsItsLayoutUnlessCreated) {
     ASSERT_TRUE(crd.open(path));
     EXPECT_EQ(crd.format(), kFormatNumeric);
     EXPECT_EQ(names(crd), std::vector<std::string>{"3"});
-    ASSERT_TRUE(crd.open(path, 1, -1)); // forced anew, in the default format
+    ASSERT_TRUE(crd.open(path, Create::Always, -1)); // forced anew, in the default format
     EXPECT_EQ(crd.format(), kFormatAlphanumeric);
     EXPECT_TRUE(names(crd).empty());
 }
@@ -179,7 +179,7 @@ TEST_F(CoordinateFileTest, ReadOnlyFileAndFolderAreRefusedAtOnce) {
     const auto path = file("ro.crd");
     {
         CoordinateFile crd(context);
-        ASSERT_TRUE(crd.open(path, 1, kFormatAlphanumeric));
+        ASSERT_TRUE(crd.open(path, Create::Always, kFormatAlphanumeric));
         putAll(crd, {"A1"});
     }
     std::filesystem::permissions(path, std::filesystem::perms::owner_read |
@@ -209,7 +209,7 @@ TEST_F(CoordinateFileTest, ReadOnlyFileAndFolderAreRefusedAtOnce) {
 TEST_F(CoordinateFileTest, MissingFolderAndMissingFile) {
     const auto nowhere = file("no/such/folder/site.crd");
     CoordinateFile crd(context);
-    EXPECT_FALSE(crd.open(nowhere, 1, 1));
+    EXPECT_FALSE(crd.open(nowhere, Create::Always, 1));
     EXPECT_EQ(crd.lastError(), kCannotCreate);
     EXPECT_EQ(ui.messages.front(), "\nCan't open new file " + nowhere.string());
     EXPECT_EQ(ui.messages.back(), "\nError 20: Could not open file: " + nowhere.string() +
@@ -236,7 +236,7 @@ TEST_F(CoordinateFileTest, DeleteKeepsTheRestTheHeaderAndOtherNotes) {
     for (int format : {kFormatNumeric, kFormatAlphanumeric}) {
         const auto path = file(format ? "alpha.crd" : "num.crd");
         CoordinateFile crd(context);
-        ASSERT_TRUE(crd.open(path, 1, format));
+        ASSERT_TRUE(crd.open(path, Create::Always, format));
         putAll(crd, {"1", "2", "3", "4", "5", "7"});
         ASSERT_TRUE(crd.setHeaderTexts({"Job 12", "2.500", format ? "12/31/1999" : "1999.1231"}));
         ASSERT_TRUE(crd.addNote("2", "under the oak"));
@@ -273,18 +273,18 @@ TEST_F(CoordinateFileTest, DeleteKeepsTheRestTheHeaderAndOtherNotes) {
 TEST_F(CoordinateFileTest, CreatingAnewRemovesTheNotes) {
     const auto path = file("site.v2.crd");
     CoordinateFile crd(context);
-    ASSERT_TRUE(crd.open(path, 1, 1));
+    ASSERT_TRUE(crd.open(path, Create::Always, 1));
     ASSERT_TRUE(crd.addNote("A", "note"));
     EXPECT_EQ(crd.notesPath(), file("site.not"));
     EXPECT_TRUE(std::filesystem::exists(file("site.not")));
-    ASSERT_TRUE(crd.open(path, 1, 1));
+    ASSERT_TRUE(crd.open(path, Create::Always, 1));
     EXPECT_FALSE(std::filesystem::exists(file("site.not")));
 }
 
 TEST_F(CoordinateFileTest, RewriteTakesInARecordPastTheHeaderAndDropsEmptyTail) {
     const auto path = file("site.crd");
     CoordinateFile crd(context);
-    ASSERT_TRUE(crd.open(path, 1, 0));
+    ASSERT_TRUE(crd.open(path, Create::Always, 0));
     putAll(crd, {"2", "4"});
     // A point written just before a crash, its header not yet updated, and
     // empty records after it.
@@ -296,7 +296,7 @@ TEST_F(CoordinateFileTest, RewriteTakesInARecordPastTheHeaderAndDropsEmptyTail) 
     writeBytes(path, bytes);
     ASSERT_TRUE(crd.open(path));
     CrdPoint p;
-    EXPECT_FALSE(crd.readPoint("5", p, 0, true));
+    EXPECT_FALSE(crd.readPoint("5", p, PointSearch::Exact, Verbosity::Quiet));
     EXPECT_EQ(names(crd), (std::vector<std::string>{"2", "4", "5"})); // the walk sees it
     ASSERT_TRUE(crd.rewrite());
     EXPECT_EQ(readBytes(path).size(), 6u * 56);
@@ -308,7 +308,7 @@ TEST_F(CoordinateFileTest, RewriteTakesInARecordPastTheHeaderAndDropsEmptyTail) 
 TEST_F(CoordinateFileTest, SaveAsAndRenameCarryTheSideFiles) {
     const auto path = file("a.crd");
     CoordinateFile crd(context);
-    ASSERT_TRUE(crd.open(path, 1, 1));
+    ASSERT_TRUE(crd.open(path, Create::Always, 1));
     crd.setHistoryKeeping(true);
     putAll(crd, {"P1"});
     CrdPoint p;

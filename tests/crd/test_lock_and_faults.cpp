@@ -35,7 +35,7 @@ class Lock : public CrdTest {
 protected:
     void makeFile(std::initializer_list<const char *> names) {
         CoordinateFile crd(context);
-        ASSERT_TRUE(crd.open(file("site.crd"), 1, kFormatAlphanumeric));
+        ASSERT_TRUE(crd.open(file("site.crd"), Create::Always, kFormatAlphanumeric));
         for (const char *name : names) {
             CrdPoint p;
             p.set(1, 2, 3, name);
@@ -163,7 +163,7 @@ TEST_F(Lock, FullDiskDuringInsertsKeepsEveryStoredPoint) {
     std::vector<std::string> original;
     {
         CoordinateFile crd(context);
-        ASSERT_TRUE(crd.open(path, 1, kFormatAlphanumeric));
+        ASSERT_TRUE(crd.open(path, Create::Always, kFormatAlphanumeric));
         for (int i = 100; i < 300; ++i) {
             CrdPoint p;
             p.set(i, i, i, "P" + std::to_string(i));
@@ -181,7 +181,7 @@ TEST_F(Lock, FullDiskDuringInsertsKeepsEveryStoredPoint) {
         for (int i = 0; i < 10; ++i) {
             CrdPoint p;
             p.set(i, i, i, "P" + std::to_string(10 + i)); // sorts first: the whole tail moves
-            if (!crd.writePoint(p, true))
+            if (!crd.writePoint(p, Verbosity::Quiet))
                 return crd.lastError() == kReadWriteFailed ? i : 200 + crd.lastError();
         }
         return 99;
@@ -194,19 +194,21 @@ TEST_F(Lock, FullDiskDuringInsertsKeepsEveryStoredPoint) {
             points[static_cast<std::size_t>(i)].set(i, i, i, "Q" + std::to_string(i));
         if (!crd.open(path))
             return 250;
-        return crd.writePoints(points, true) == 0 && crd.lastError() == kReadWriteFailed ? 0 : 1;
+        return crd.writePoints(points, Verbosity::Quiet) == 0 && crd.lastError() == kReadWriteFailed
+                   ? 0
+                   : 1;
     });
     EXPECT_EQ(bulk, 0);
     const int numeric = withFileSizeLimit(4096, [&] {
         CoordinateFile crd;
-        if (!crd.open(file("full-numeric.crd"), 1, kFormatNumeric))
+        if (!crd.open(file("full-numeric.crd"), Create::Always, kFormatNumeric))
             return 250;
         CrdPoint p;
         p.set(1, 1, 1, "5");
         if (!crd.writePoint(p))
             return 1;
         p.set(2, 2, 2, "500"); // 28 KB on: does not fit
-        return !crd.writePoint(p, true) && crd.lastError() == kReadWriteFailed ? 0 : 2;
+        return !crd.writePoint(p, Verbosity::Quiet) && crd.lastError() == kReadWriteFailed ? 0 : 2;
     });
     EXPECT_EQ(numeric, 0);
 

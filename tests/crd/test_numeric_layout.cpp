@@ -24,7 +24,7 @@ protected:
     void SetUp() override {
         CrdTest::SetUp();
         path = file("site.crd");
-        ASSERT_TRUE(crd.open(path, 1, kFormatNumeric));
+        ASSERT_TRUE(crd.open(path, Create::Always, kFormatNumeric));
     }
     bool put(const std::string &name, double e, double n, double z, const std::string &desc = "") {
         CrdPoint p;
@@ -57,7 +57,7 @@ TEST_F(NumericLayout, PointFiveFillsTheGapWithEmptySlots) {
     EXPECT_EQ(crd.highestName(), "5");
     CrdPoint p;
     for (const char *empty : {"1", "2", "4"})
-        EXPECT_FALSE(crd.readPoint(empty, p, 0, true)) << empty;
+        EXPECT_FALSE(crd.readPoint(empty, p, PointSearch::Exact, Verbosity::Quiet)) << empty;
     EXPECT_EQ(crd.lastError(), kPointNotFound);
 }
 
@@ -178,7 +178,8 @@ TEST_F(NumericLayout, ReadingWithDirections) {
     };
     for (const auto &c : cases) {
         CrdPoint p;
-        EXPECT_EQ(crd.readPoint(c.name, p, c.direction, true), c.found != nullptr)
+        EXPECT_EQ(crd.readPoint(c.name, p, static_cast<PointSearch>(c.direction), Verbosity::Quiet),
+                  c.found != nullptr)
             << c.name << " " << c.direction;
         EXPECT_EQ(crd.lastError(), c.error) << c.name << " " << c.direction;
         if (c.found) {
@@ -198,7 +199,7 @@ TEST_F(NumericLayout, ReadMessagesUnlessQuiet) {
     EXPECT_FALSE(crd.readPoint("0", p));
     EXPECT_EQ(ui.messages, std::vector<std::string>{"\nPoint numbers must be >= 1"});
     ui.messages.clear();
-    EXPECT_FALSE(crd.readPoint("1", p, 0, true));
+    EXPECT_FALSE(crd.readPoint("1", p, PointSearch::Exact, Verbosity::Quiet));
     EXPECT_TRUE(ui.messages.empty());
 }
 
@@ -220,12 +221,12 @@ TEST_F(NumericLayout, WriteReturnsThePreviousPoint) {
     ASSERT_TRUE(put("4", 1, 2, 3, "old"));
     CrdPoint p, previous;
     p.set(7, 8, 9, "4", "new");
-    ASSERT_TRUE(crd.writePoint(p, false, &previous));
+    ASSERT_TRUE(crd.writePoint(p, Verbosity::Messages, &previous));
     EXPECT_EQ(previous.name, "4");
     EXPECT_EQ(previous.description, "old");
     EXPECT_EQ(previous.easting, 1.0);
     p.set(7, 8, 9, "3");
-    ASSERT_TRUE(crd.writePoint(p, false, &previous));
+    ASSERT_TRUE(crd.writePoint(p, Verbosity::Messages, &previous));
     EXPECT_TRUE(previous.name.empty()); // an empty slot: a new point
 }
 

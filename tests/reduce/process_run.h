@@ -35,7 +35,7 @@ struct ProcessRun {
 
     std::optional<crd::CrdPoint> point(const std::string &name) {
         crd::CrdPoint p;
-        if (!coordinates->readPoint(name, p, 0, true))
+        if (!coordinates->readPoint(name, p, crd::PointSearch::Exact, crd::Verbosity::Quiet))
             return std::nullopt;
         return p;
     }

@@ -39,7 +39,8 @@ protected:
 
     std::optional<crd::CrdPoint> point(const std::string &name) {
         crd::CrdPoint p;
-        if (!coordinates->readPoint(name, p, 0, true))
+        if (!coordinates->readPoint(name, p, tramline::crd::PointSearch::Exact,
+                                    tramline::crd::Verbosity::Quiet))
             return std::nullopt;
         return p;
     }

@@ -70,7 +70,8 @@ TEST_P(PublishedTraverse, MatchesThePublishedCoordinates) {
         std::getline(fields, east, ',');
         std::getline(fields, tolerance, ',');
         crd::CrdPoint p;
-        ASSERT_TRUE(coordinates.readPoint(name, p, 0, true)) << name;
+        ASSERT_TRUE(coordinates.readPoint(name, p, crd::PointSearch::Exact, crd::Verbosity::Quiet))
+            << name;
         EXPECT_NEAR(p.northing, std::stod(north), std::stod(tolerance))
             << GetParam() << " point " << name;
         EXPECT_NEAR(p.easting, std::stod(east), std::stod(tolerance))
