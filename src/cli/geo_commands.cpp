@@ -88,17 +88,13 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
         const auto family = familyFromName(o.family);
         if (!family)
             throw CLI::ValidationError("--family", "no family " + o.family);
-        std::string zone = o.zone;
-        if (zonePosition(*family, zone) < 0 && !zone.empty() &&
-            zone.find_first_not_of("0123456789") == std::string::npos)
-            zone = zoneName(*family, std::stoi(zone));
+        const std::string zone = zoneByNameOrPosition(*family, o.zone);
         ZoneOptions options;
         options.gridZone = o.gridZone;
         options.south = o.south;
         options.latitude = latitude;
         options.longitude = longitude;
-        if (Status status = zoneSystem(*family, zone.empty() ? o.zone : zone, options, cs);
-            !status) {
+        if (Status status = zoneSystem(*family, zone, options, cs); !status) {
             fail(ctx, status);
             return false;
         }

@@ -82,11 +82,7 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
         const auto family = geodesy::familyFromName(o.family);
         if (!family)
             throw CLI::ValidationError("--family", "no family " + o.family);
-        // A zone by its name, or by its position in the family's list.
-        std::string zone = o.zone;
-        if (geodesy::zonePosition(*family, zone) < 0 && !zone.empty() &&
-            zone.find_first_not_of("0123456789") == std::string::npos)
-            zone = geodesy::zoneName(*family, std::stoi(zone));
+        const std::string zone = geodesy::zoneByNameOrPosition(*family, o.zone);
         geodesy::CoordinateSystem system;
         geodesy::Status status = geodesy::zoneSystem(*family, zone, {}, system);
         if (status)

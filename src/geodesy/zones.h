@@ -25,6 +25,11 @@ std::string zoneName(CoordinateSystemFamily family, int position);
 /// The position of `name` in the family's list; -1 when it is not there.
 int zonePosition(CoordinateSystemFamily family, const std::string &name);
 
+/// The zone a user names by its name, or else by its position in the
+/// family's list ("0" is the first); `text` itself when it is neither, so
+/// that zoneSystem() reports it. Positions of any length are safe.
+std::string zoneByNameOrPosition(CoordinateSystemFamily family, const std::string &text);
+
 /// What chooses the grid zone where a list entry leaves it open (UTM
 /// "Automatic", and the Australian grids, whose entries name a grid rather
 /// than one zone).

@@ -214,21 +214,21 @@ TEST_F(SettingsFileTest, CatalogueSearchAndWarnings) {
 TEST(MenuTable, CheckGroupsActAsRadioItems) {
     MenuCheckTable table;
     EXPECT_EQ(table.entries().size(), 10u);
-    table.choose(32);
-    table.choose(35);
-    table.choose(32850);
-    table.choose(32862);
-    table.choose(33);
-    EXPECT_TRUE(table.checked(33));
-    EXPECT_FALSE(table.checked(32));
-    EXPECT_TRUE(table.checked(35)); // other groups keep theirs
-    EXPECT_TRUE(table.checked(32850));
-    table.choose(32863);
-    EXPECT_FALSE(table.checked(32862));
-    EXPECT_TRUE(table.checked(32863));
-    table.choose(201); // not a display command
-    EXPECT_TRUE(table.checked(33));
-    EXPECT_FALSE(table.checked(201));
+    table.choose(cmd::ZenithAngle);
+    table.choose(cmd::SlopeDistance);
+    table.choose(cmd::AnglesDms);
+    table.choose(cmd::NorthingEasting);
+    table.choose(cmd::ElevationDifference);
+    EXPECT_TRUE(table.checked(cmd::ElevationDifference));
+    EXPECT_FALSE(table.checked(cmd::ZenithAngle));
+    EXPECT_TRUE(table.checked(cmd::SlopeDistance)); // other groups keep theirs
+    EXPECT_TRUE(table.checked(cmd::AnglesDms));
+    table.choose(cmd::EastingNorthing);
+    EXPECT_FALSE(table.checked(cmd::NorthingEasting));
+    EXPECT_TRUE(table.checked(cmd::EastingNorthing));
+    table.choose(cmd::OpenRaw); // not a display command
+    EXPECT_TRUE(table.checked(cmd::ElevationDifference));
+    EXPECT_FALSE(table.checked(cmd::OpenRaw));
 }
 
 } // namespace

@@ -72,6 +72,21 @@ TEST(Zones, ListsInTheirFixedOrder) {
     }
 }
 
+// Users name a zone by name or by list position; anything else comes back
+// unchanged so that zoneSystem() can say which zone does not exist.
+TEST(Zones, ByNameOrPosition) {
+    const struct {
+        const char *text, *zone;
+    } cases[] = {
+        {"0", "GDA-MGA"}, {"4", "AGD66-ISG"}, {"AGD84-AMG", "AGD84-AMG"},
+        {"5", "5"},       {"-1", "-1"},       {"99999999999", "99999999999"},
+        {"2x", "2x"},     {" 2", " 2"},       {"", ""},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(zoneByNameOrPosition(CoordinateSystemFamily::Australia, c.text), c.zone)
+            << c.text;
+}
+
 TEST(Zones, StatePlaneOrder) {
     const auto sp83 = zoneNames(CoordinateSystemFamily::StatePlane83);
     const auto sp27 = zoneNames(CoordinateSystemFamily::StatePlane27);
