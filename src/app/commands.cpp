@@ -31,9 +31,9 @@ namespace tramline::app {
 
 namespace {
 
-const char *const kYes = "&Yes";
-const char *const kNo = "&No";
-const char *const kCancel = "Cancel";
+const char *const kYes = trNoop("&Yes");
+const char *const kNo = trNoop("&No");
+const char *const kCancel = trNoop("Cancel");
 
 std::string readWhole(const std::filesystem::path &path) {
     std::ifstream in(path, std::ios::binary);

@@ -83,49 +83,54 @@ std::string RawDocument::fileName() const {
 
 std::vector<std::string> RawDocument::captions(const std::string &type) const {
     if (isObservationRow(type)) {
-        const char *vertical = "VertAng";
+        const char *vertical = trNoop("VertAng");
         switch (m_modes.verticalMode()) {
         case VerticalMode::Zenith:
-            vertical = "ZenithAng";
+            vertical = trNoop("ZenithAng");
             break;
         case VerticalMode::ElevationDifference:
-            vertical = "ElevDiff";
+            vertical = trNoop("ElevDiff");
             break;
         case VerticalMode::VerticalAngle:
         case VerticalMode::None:
             break;
         }
-        const char *distance =
-            m_modes.distanceMode() == DistanceMode::Horizontal ? "HorzDist" : "SlopeDist";
-        return {"OcPt", "FsPt", "Code", "HorzAngle", vertical, distance, "Description"};
+        const char *distance = m_modes.distanceMode() == DistanceMode::Horizontal
+                                   ? trNoop("HorzDist")
+                                   : trNoop("SlopeDist");
+        return {trNoop("OcPt"), trNoop("FsPt"), trNoop("Code"),       trNoop("HorzAngle"),
+                vertical,       distance,       trNoop("Description")};
     }
     if (type == "HI")
-        return {"InstHt", "RodHt"};
+        return {trNoop("InstHt"), trNoop("RodHt")};
     if (type == "BK")
-        return {"OcPt", "BsPt", "SetAzi", "BsCircle"};
+        return {trNoop("OcPt"), trNoop("BsPt"), trNoop("SetAzi"), trNoop("BsCircle")};
     if (type == "PT")
-        return {"PntNo", "Northing", "Easting", "Elevation", "Description"};
+        return {trNoop("PntNo"), trNoop("Northing"), trNoop("Easting"), trNoop("Elevation"),
+                trNoop("Description")};
     if (type == "GPS" || type == "BP")
-        return {"PntNo", "Latitude", "Longitude", "Elevation", "Description"};
+        return {trNoop("PntNo"), trNoop("Latitude"), trNoop("Longitude"), trNoop("Elevation"),
+                trNoop("Description")};
     if (type == "EL")
-        return {"PntNo", "Elevation"};
+        return {trNoop("PntNo"), trNoop("Elevation")};
     if (type == "AZ")
-        return {"OcPt", "FsPt", "SetAzi"};
+        return {trNoop("OcPt"), trNoop("FsPt"), trNoop("SetAzi")};
     if (type == "CSE")
-        return {"Northing", "Easting", "Elevation", "Azimuth(sec)"};
+        return {trNoop("Northing"), trNoop("Easting"), trNoop("Elevation"), trNoop("Azimuth(sec)")};
     if (type == "SSE")
-        return {"Rod Ctr", "Inst Ctr", "Inst Hgt", "Rod Hgt"};
+        return {trNoop("Rod Ctr"), trNoop("Inst Ctr"), trNoop("Inst Hgt"), trNoop("Rod Hgt")};
     if (type == "MSE")
-        return {"HA Pt(sec)", "HA Rd(sec)", "VA Pt(sec)", "VA Rd(sec)", "Distance", "Dist PPM"};
+        return {trNoop("HA Pt(sec)"), trNoop("HA Rd(sec)"), trNoop("VA Pt(sec)"),
+                trNoop("VA Rd(sec)"), trNoop("Distance"),   trNoop("Dist PPM")};
     if (type == "NAME")
-        return {"Traverse Name"};
+        return {trNoop("Traverse Name")};
     if (type == "DO")
-        return {"Data On/Off"};
+        return {trNoop("Data On/Off")};
     if (type == "G0" || type == "G1" || type == "G2" || type == "G3")
-        return {"GPS Vector"};
+        return {trNoop("GPS Vector")};
     if (type == "DS")
-        return {"Record"};
-    return {"Note"};
+        return {trNoop("Record")};
+    return {trNoop("Note")};
 }
 
 // --- filling rows from records ----------------------------------------------
