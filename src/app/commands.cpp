@@ -2,6 +2,7 @@
 // editing, display modes, settings, processing. Commands whose features
 // are not built yet say so.
 #include "app/coordinate_grid_model.h"
+#include "app/display_commands.h"
 #include "app/main_dialog.h"
 #include "app/qt_text.h"
 #include "app/raw_grid_model.h"
@@ -279,8 +280,8 @@ void CKELMADlg::newRawFile() {
         return;
     m_rawDocument.clear();
     // New rows hold angles in the unit on display; the file must say so.
-    if (m_rawDocument.modes().angle == 0)
-        m_rawDocument.changeAngleMode(0);
+    if (m_rawDocument.modes().angle == AngleUnit::Gons)
+        m_rawDocument.changeAngleMode(AngleUnit::Gons);
     refreshRawGrid();
     updateTitle();
 }
@@ -507,14 +508,16 @@ void CKELMADlg::addPointToCoordinateFile() {
 void CKELMADlg::settingsCommand() {
     const std::vector<std::string> choices = {tramline::tr("English"),
                                               tramline::tr("Windows Setting")};
-    std::vector<FormField> fields = {
-        {tramline::tr("Language"), choices[m_settings.langMode == 1 ? 1 : 0], choices}};
+    std::vector<FormField> fields = {{tramline::tr("Language"),
+                                      choices[m_settings.language == LanguageMode::System ? 1 : 0],
+                                      choices}};
     // The choice counts however the dialog is closed; Cancel only closes.
     prompts().askForm(tramline::tr("Settings"), fields, {tramline::tr(kCancel)});
-    const int chosen = fields[0].value == choices[1] ? 1 : 0;
-    if (chosen == (m_settings.langMode == 1 ? 1 : 0))
+    const LanguageMode chosen =
+        fields[0].value == choices[1] ? LanguageMode::System : LanguageMode::English;
+    if (chosen == m_settings.language)
         return;
-    m_settings.langMode = chosen;
+    m_settings.language = chosen;
     ui().message(tramline::tr("Restart program to reset language"));
 }
 
@@ -536,17 +539,17 @@ void CKELMADlg::printRawData() {
 }
 
 void CKELMADlg::printCoordinates() {
-    const int neOrder = m_rawDocument.modes().neOrder;
+    const bool eastingFirst = m_rawDocument.modes().eastingFirst();
     std::string text = tramline::tr("Coordinates");
     appendFormat(text, "\n%s: %s\n", tramline::tr("File"), m_coordinateFileName.c_str());
     appendFormat(text, "%s: %zu\n\n", tramline::tr("Points"), m_coordinateModel->points().size());
-    const char *first = neOrder == 1 ? tramline::tr("Easting") : tramline::tr("Northing");
-    const char *second = neOrder == 1 ? tramline::tr("Northing") : tramline::tr("Easting");
+    const char *first = eastingFirst ? tramline::tr("Easting") : tramline::tr("Northing");
+    const char *second = eastingFirst ? tramline::tr("Northing") : tramline::tr("Easting");
     appendFormat(text, "%-10s %15s %15s %12s  %s\n", tramline::tr("PntNo"), first, second,
                  tramline::tr("Elevation"), tramline::tr("Description"));
     for (const auto &p : m_coordinateModel->points()) {
-        const double a = neOrder == 1 ? p.easting : p.northing;
-        const double b = neOrder == 1 ? p.northing : p.easting;
+        const double a = eastingFirst ? p.easting : p.northing;
+        const double b = eastingFirst ? p.northing : p.easting;
         const std::string elevation =
             isUnset(p.elevation) ? std::string() : format("%.4f", p.elevation);
         appendFormat(text, "%-10s %15.4f %15.4f %12s  %s\n", p.name.c_str(), a, b,
@@ -787,39 +790,20 @@ void CKELMADlg::modifyMeasurements() {
 // --- display ---------------------------------------------------------------------------
 
 void CKELMADlg::displayCommand(int id) {
-    switch (id) {
-    case cmd::VerticalAngle:
-    case cmd::ZenithAngle:
-    case cmd::ElevationDifference:
-    case cmd::VerticalNone:
-        m_rawDocument.changeVerticalMode(id - cmd::VerticalAngle + 1);
-        break;
-    case cmd::SlopeDistance:
-    case cmd::HorizontalDistance:
-        m_rawDocument.changeDistanceMode(id - cmd::SlopeDistance + 1);
-        break;
-    case cmd::AnglesDms:
-        m_rawDocument.changeAngleMode(1);
-        break;
-    case cmd::AnglesGons:
-        m_rawDocument.changeAngleMode(0);
-        break;
-    case cmd::NorthingEasting:
-        m_rawDocument.setCoordinateOrder(0);
-        break;
-    case cmd::EastingNorthing:
-        m_rawDocument.setCoordinateOrder(1);
-        break;
-    default:
+    const auto choice = displayChoice(id);
+    if (!choice)
         return;
-    }
+    if (choice->vertical)
+        m_rawDocument.changeVerticalMode(*choice->vertical);
+    if (choice->distance)
+        m_rawDocument.changeDistanceMode(*choice->distance);
+    if (choice->angle)
+        m_rawDocument.changeAngleMode(*choice->angle);
+    if (choice->order)
+        m_rawDocument.setCoordinateOrder(*choice->order);
     // A corrupt vertical mode was reset by the command: the marks follow
     // the modes as they now are.
-    const raw::DisplayModes &modes = m_rawDocument.modes();
-    m_checks.choose(cmd::VerticalAngle + modes.vertical - 1);
-    m_checks.choose(cmd::SlopeDistance + modes.distance - 1);
-    m_checks.choose(modes.angle == 1 ? cmd::AnglesDms : cmd::AnglesGons);
-    m_checks.choose(modes.neOrder == 1 ? cmd::EastingNorthing : cmd::NorthingEasting);
+    checkDisplayModes(m_rawDocument.modes(), m_checks);
     applyCheckTable();
     // The coordinate order shows when the grids are next filled; the
     // others rewrote cells.

@@ -24,9 +24,9 @@ CoordinateGridModel::Field CoordinateGridModel::fieldOf(int column) const {
     case 0:
         return Name;
     case 1:
-        return m_neOrder == 1 ? Easting : Northing;
+        return eastingFirst() ? Easting : Northing;
     case 2:
-        return m_neOrder == 1 ? Northing : Easting;
+        return eastingFirst() ? Northing : Easting;
     case 3:
         return Elevation;
     default:
@@ -124,7 +124,7 @@ bool CoordinateGridModel::setData(const QModelIndex &index, const QVariant &valu
         }
         m_file.deletePoints([&](const crd::CrdPoint &p) { return p.name == oldName; });
         emit pointsChanged();
-        reload(m_neOrder);
+        reload(m_order);
         return true;
     }
     // Read the point back: the file may have cut or adjusted it.
@@ -161,9 +161,9 @@ QVariant CoordinateGridModel::headerData(int section, Qt::Orientation orientatio
     return {};
 }
 
-void CoordinateGridModel::reload(int neOrder) {
+void CoordinateGridModel::reload(raw::CoordinateOrder order) {
     beginResetModel();
-    m_neOrder = neOrder;
+    m_order = order;
     m_points.clear();
     if (m_file.isOpen()) {
         crd::CrdPoint p;

@@ -6,6 +6,7 @@
 
 #include "base/interaction.h"
 #include "crd/coordinate_file.h"
+#include "raw/display_modes.h"
 
 #include <QAbstractTableModel>
 #include <optional>
@@ -27,8 +28,8 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation,
                         int role = Qt::DisplayRole) const override;
 
-    /// Reads the points again, in the given coordinate order (`ne_order`).
-    void reload(int neOrder);
+    /// Reads the points again, in the given coordinate order.
+    void reload(raw::CoordinateOrder order);
     const std::vector<crd::CrdPoint> &points() const { return m_points; }
     /// The row of a point, or -1.
     int rowOf(const std::string &name) const;
@@ -52,13 +53,14 @@ signals:
     void pointsChanged();
 
 private:
+    bool eastingFirst() const { return m_order == raw::CoordinateOrder::EastingNorthing; }
     enum Field { Name, Northing, Easting, Elevation, Description };
     Field fieldOf(int column) const;
 
     crd::CoordinateFile &m_file;
     Interaction &m_ui;
     std::vector<crd::CrdPoint> m_points;
-    int m_neOrder = 0;
+    raw::CoordinateOrder m_order = raw::CoordinateOrder::NorthingEasting;
 };
 
 } // namespace tramline::app

@@ -109,15 +109,9 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
                 throw CLI::ValidationError("--param", "give NAME=VALUE, not " + param);
             const std::string name = param.substr(0, eq);
             if (usesCoefficients(cs.type)) {
-                const auto names = coefficientNames(cs.type, 64);
-                const auto it = std::find(names.begin(), names.end(), name);
-                if (it == names.end())
+                if (!cs.setCoefficient(name, value))
                     throw CLI::ValidationError("--param",
                                                "no coefficient " + name + " in this type");
-                const auto index = static_cast<std::size_t>(it - names.begin());
-                if (cs.parameters.coefficients.size() <= index)
-                    cs.parameters.coefficients.resize(index + 1, 0.0);
-                cs.parameters.coefficients[index] = value;
                 continue;
             }
             const auto parameter = parameterFromWktName(name);

@@ -146,7 +146,7 @@ void addModify(CLI::App &raw, CommandContext &ctx) {
             // display, and are written back as such.
             field = raw::ModifyField::ElevationDifference;
             raw::DisplayModes modes;
-            modes.vertical = 3;
+            modes.vertical = raw::VerticalMode::ElevationDifference;
             doc.setModes(modes);
         }
         if (!openDocument(o->file, doc, ctx))

@@ -218,7 +218,6 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
             usFeet = true;
     }
 
-    const auto coefficientNamesOfType = coefficientNames(cs.type, 64);
     for (pos = low.find("parameter[\""); pos != std::string::npos;
          pos = low.find("parameter[\"", pos + 1)) {
         std::string name;
@@ -228,14 +227,7 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
             !numberAt(line, end + 1, value) || !std::isfinite(value))
             return badValue(name.empty() ? "PARAMETER" : name);
         if (usesCoefficients(cs.type)) {
-            const auto it = std::find(coefficientNamesOfType.begin(), coefficientNamesOfType.end(),
-                                      lowered(name));
-            if (it == coefficientNamesOfType.end())
-                continue;
-            const auto index = static_cast<std::size_t>(it - coefficientNamesOfType.begin());
-            if (cs.parameters.coefficients.size() <= index)
-                cs.parameters.coefficients.resize(index + 1, 0.0);
-            cs.parameters.coefficients[index] = value;
+            cs.setCoefficient(name, value); // other names: another program's parameters
             continue;
         }
         const auto parameter = parameterFromWktName(name);

@@ -55,10 +55,6 @@ std::string reformatAngle(const std::string &text, AngleUnit unit) {
     return v ? formatAngle(angleToDegrees(*v, unit), unit) : text;
 }
 
-bool startsWith(const std::string &s, const char *prefix) {
-    return s.rfind(prefix, 0) == 0;
-}
-
 } // namespace
 
 const std::vector<std::string> &rowTypes() {
@@ -238,7 +234,7 @@ RawRow RawDocument::rowFromNode(const RawNode &node) const {
         row.cells = {"Data On/Off"};
         break;
     case RecordType::Text:
-        if (startsWith(node.text, "--")) {
+        if (node.text.starts_with("--")) {
             row.type.clear();
             row.cells = {node.text.substr(2)};
         } else {
@@ -255,7 +251,7 @@ std::vector<RawRow> RawDocument::rowsFromFile(const RawFile &file, bool tds) con
     rows.reserve(file.nodes.size());
     for (const auto &node : file.nodes) {
         if (tds && node.type == RecordType::Text &&
-            (startsWith(node.text, "JB,") || startsWith(node.text, "MO,")))
+            (node.text.starts_with("JB,") || node.text.starts_with("MO,")))
             continue;
         rows.push_back(rowFromNode(node));
     }
@@ -325,7 +321,7 @@ std::string RawDocument::lineFor(const RawRow &row) const {
     if (t == "BP") {
         // A base point read with its extra fields holds them, from "AG" on,
         // in its last cell.
-        if (cell(4).substr(0, 2) == "AG")
+        if (cell(4).starts_with("AG"))
             return writeBasePointExtra(cell(0), cell(1), cell(2), cell(3), cell(4));
         return writeBasePoint(cell(0), cell(1), cell(2), cell(3), cell(4));
     }
@@ -349,9 +345,9 @@ std::string RawDocument::lineFor(const RawRow &row) const {
     if (t == "DS")
         return text + "\n";
     // A note; record texts typed as notes become those records again.
-    if (startsWith(text, "--OC,") || startsWith(text, "--MO,") || startsWith(text, "--JB,"))
+    if (text.starts_with("--OC,") || text.starts_with("--MO,") || text.starts_with("--JB,"))
         return text.substr(2) + "\n";
-    if (startsWith(text, "OC,") || startsWith(text, "MO,") || startsWith(text, "JB,"))
+    if (text.starts_with("OC,") || text.starts_with("MO,") || text.starts_with("JB,"))
         return text + "\n";
     return writeNote(text);
 }

@@ -126,23 +126,19 @@ public:
     // --- display commands (display_conversion.cpp) ----------------------
     // Each rewrites the affected cells of every row in place, from the old
     // form to the new, and returns how many cells it rewrote. A corrupt
-    // vertical mode (outside 1 to 4) is read as zenith and reset to it.
-    // The modified flag is left alone: the values mean what they meant.
+    // vertical mode is read as zenith and reset to it. The modified flag is
+    // left alone: the values mean what they meant.
 
-    /// New vertical mode: 1 vertical angle, 2 zenith angle, 3 elevation
-    /// difference, 4 none (shown as vertical angles, the grid hides them);
-    /// any other value means zenith.
-    int changeVerticalMode(int mode);
-    /// New distance mode: 1 slope, 2 horizontal.
-    int changeDistanceMode(int mode);
-    /// New angle mode (`ang_display_mode`): 1 ddd.mmss, 0 gons. The cells
-    /// then hold angles in that unit, and the mode record (or a "--UNITS
-    /// GONS" note when there is none) says so, so that the saved file
-    /// stays true.
-    int changeAngleMode(int angleMode);
-    /// New coordinate order (`ne_order`): 0 northing first, 1 easting first.
+    /// New vertical mode (None shows vertical angles, the grid hides them);
+    /// a value no enumerator names means zenith.
+    int changeVerticalMode(VerticalMode mode);
+    int changeDistanceMode(DistanceMode mode);
+    /// New angle unit. The cells then hold angles in that unit, and the
+    /// mode record (or a "--UNITS GONS" note when there is none) says so,
+    /// so that the saved file stays true.
+    int changeAngleMode(AngleUnit unit);
     /// Nothing is rewritten; grids show the order when next filled.
-    void setCoordinateOrder(int neOrder) { m_modes.neOrder = neOrder; }
+    void setCoordinateOrder(CoordinateOrder order) { m_modes.order = order; }
 
     /// The rows read back as records, as processing and exports take them.
     bool records(RawFile &file) const;

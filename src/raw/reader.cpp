@@ -3,6 +3,7 @@
 #include "base/angles.h"
 #include "base/format.h"
 #include "base/line_reader.h"
+#include "base/text.h"
 #include "raw/angle_math.h"
 #include "raw/classify.h"
 
@@ -15,20 +16,6 @@ namespace tramline::raw {
 
 namespace {
 
-// Splits at commas into at most `maxFields` pieces; the last piece keeps
-// any further commas (a trailing description may hold them).
-void splitFields(std::string_view line, size_t maxFields, std::vector<std::string_view> &out) {
-    out.clear();
-    while (out.size() + 1 < maxFields) {
-        const size_t comma = line.find(',');
-        if (comma == std::string_view::npos)
-            break;
-        out.push_back(line.substr(0, comma));
-        line.remove_prefix(comma + 1);
-    }
-    out.push_back(line);
-}
-
 // The value of a field after its two-character code; empty when shorter.
 std::string_view afterCode(std::string_view field) {
     return field.size() > 2 ? field.substr(2) : std::string_view{};
@@ -39,7 +26,7 @@ bool number(std::string_view text, double &value) {
 }
 
 void readHorizontal(std::string_view field, Observation &obs) {
-    if (field.substr(0, 2) == "BR") {
+    if (field.starts_with("BR")) {
         // "BRN45.3000E": the quadrant from the third and the last character.
         const char ns = field.size() > 2 ? field[2] : ' ';
         const char ew = field.empty() ? ' ' : field.back();
@@ -133,7 +120,7 @@ void readObservation(const std::vector<std::string_view> &parts, const RawUnits 
     node.fields.assign(6, std::string{});
     for (size_t i = 1; i < parts.size() && i < 6; ++i)
         node.fields[i - 1].assign(afterCode(parts[i]));
-    if (parts.size() > 3 && parts[3].substr(0, 2) == "BR") {
+    if (parts.size() > 3 && parts[3].starts_with("BR")) {
         std::string_view value = parts[3].size() > 3 ? parts[3].substr(3) : std::string_view{};
         if (!value.empty() && (value.back() == 'E' || value.back() == 'W'))
             value.remove_suffix(1);
@@ -172,7 +159,7 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
 
     if (!type.empty() && type.substr(0, 2) != "--") {
         if (isObservationType(type)) {
-            splitFields(line, 7, parts);
+            splitAtMost(line, ',', 7, parts);
             node.type = RecordType::Observation;
             node.name.assign(type);
             readObservation(parts, units, node);
@@ -181,7 +168,7 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
         for (const auto &record : kPositional) {
             if (record.name != type)
                 continue;
-            splitFields(rest, record.fieldCount, parts);
+            splitAtMost(rest, ',', record.fieldCount, parts);
             node.type = record.type;
             node.name.assign(type);
             for (std::string_view p : parts)
@@ -190,15 +177,15 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
         }
         if (type == "LS") {
             // Heights come in three forms; here the code decides which is which.
-            splitFields(rest, 2, parts);
+            splitAtMost(rest, ',', 2, parts);
             node.type = RecordType::Heights;
             node.name = "LS";
             node.fields.assign(2, std::string{});
             for (std::string_view p : parts) {
-                if (p.substr(0, 2) == "HI") {
+                if (p.starts_with("HI")) {
                     node.fields[0].assign(afterCode(p));
                     node.hasHi = true;
-                } else if (p.substr(0, 2) == "HR") {
+                } else if (p.starts_with("HR")) {
                     node.fields[1].assign(afterCode(p));
                     node.hasHr = true;
                 }
@@ -206,14 +193,14 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
             return true;
         }
         if (type == "BP") {
-            splitFields(rest, 5, parts);
+            splitAtMost(rest, ',', 5, parts);
             node.type = RecordType::BasePoint;
             node.name = "BP";
             for (size_t i = 0; i < parts.size(); ++i)
                 node.fields.emplace_back(i < 4 ? afterCode(parts[i]) : parts[i]);
             // The fifth piece is either "--description" or the extra fields
             // (AG, PA, AT, then a note or SR), kept whole.
-            if (node.fields.size() == 5 && node.fields[4].substr(0, 2) == "--")
+            if (node.fields.size() == 5 && node.fields[4].starts_with("--"))
                 node.fields[4].erase(0, 2);
             return true;
         }

@@ -99,8 +99,8 @@ TEST_F(MainDialogTest, StartsWithSettingsFileAndAnOldWorkingFile) {
     EXPECT_EQ(dialog->folders().working, tmpdir.string() + "/");
     EXPECT_EQ(dialog->coordinateModel()->rowCount(), 0);
     EXPECT_FALSE(fs::exists(settingsFolder() / "tramlinetmp.not"));
-    EXPECT_EQ(dialog->rawDocument().modes().angle, 0);
-    EXPECT_EQ(dialog->rawDocument().modes().neOrder, 1);
+    EXPECT_EQ(dialog->rawDocument().modes().angle, AngleUnit::Gons);
+    EXPECT_EQ(dialog->rawDocument().modes().order, raw::CoordinateOrder::EastingNorthing);
     for (int id : {cmd::AnglesGons, cmd::EastingNorthing})
         EXPECT_TRUE(dialog->checkTable().checked(id)) << id;
     EXPECT_EQ(dialog->coordinateModel()->headerData(1, Qt::Horizontal).toString(), "Easting");
@@ -116,8 +116,8 @@ TEST_F(MainDialogTest, GarbageSettingsLeaveTheDefaults) {
         garbage.push_back(static_cast<char>(i * 131));
     tramline::test::spit(settingsFile(), garbage + "\n" + std::string(5000, 'x') + "\n");
     auto dialog = start("\"" + example().string() + "\"");
-    EXPECT_EQ(dialog->rawDocument().modes().angle, 1);
-    EXPECT_EQ(dialog->rawDocument().modes().neOrder, 0);
+    EXPECT_EQ(dialog->rawDocument().modes().angle, AngleUnit::DegreesMinutesSeconds);
+    EXPECT_EQ(dialog->rawDocument().modes().order, raw::CoordinateOrder::NorthingEasting);
     EXPECT_EQ(dialog->folders().working, workingFolder().string() + "/");
     EXPECT_EQ(dialog->rawModel()->rowCount(), 42);
     EXPECT_TRUE(shell.messages.empty());

@@ -585,7 +585,7 @@ TEST_F(ShellCommandTest, SettingsDialogKeepsTheLanguageForTheNextStart) {
     d->dispatch(cmd::Settings);
     EXPECT_EQ(shell.asked, (std::vector<std::string>{"Settings", "Settings"}));
     EXPECT_EQ(shell.messages, std::vector<std::string>{"Restart program to reset language"});
-    EXPECT_EQ(d->settings().langMode, 1);
+    EXPECT_EQ(d->settings().language, LanguageMode::System);
     EXPECT_EQ(d->menuBar()->actions()[0]->text(), "File"); // until the next start
     ASSERT_TRUE(d->exitProgram());
     EXPECT_NE(slurp(settingsFile()).find("lang_mode=1\n"), std::string::npos);

@@ -382,3 +382,37 @@ TEST(Wkt, ProjinfoAcceptsTheStandardTypes) {
     }
     std::filesystem::remove_all(path.parent_path());
 }
+
+// Coefficients by name, as descriptions and the command line give them: the
+// list grows to the named one, names compare without case, and a name the
+// type does not have changes nothing.
+TEST(CoordinateSystemCoefficients, SetByName) {
+    const struct {
+        ProjectionType type;
+        const char *name;
+        bool known;
+        std::vector<double> after; // the coefficients once 7.5 is set
+    } cases[] = {
+        {ProjectionType::ObliqueMercator27, "a", true, {7.5}},
+        {ProjectionType::ObliqueMercator27, "EPSILON", true, {0, 0, 0, 0, 0, 0, 0, 0, 0, 7.5}},
+        {ProjectionType::ObliqueMercator27, "lambda0", true, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 7.5}},
+        {ProjectionType::ObliqueMercator27, "l1", false, {}},
+        {ProjectionType::TransverseMercatorAlaska27, "cm", true, {0, 7.5}},
+        {ProjectionType::LambertConformalConic27, "L3", true, {0, 0, 7.5}},
+        {ProjectionType::LambertConformalConic27, "t3", false, {}},
+        {ProjectionType::TransverseMercator27, "t1", true, {7.5}},
+        {ProjectionType::TransverseMercator, "a", false, {}},
+    };
+    for (const auto &c : cases) {
+        CoordinateSystem cs;
+        cs.type = c.type;
+        EXPECT_EQ(cs.setCoefficient(c.name, 7.5), c.known) << c.name;
+        EXPECT_EQ(cs.parameters.coefficients, c.after) << c.name;
+    }
+    // Setting an earlier one keeps the later ones.
+    CoordinateSystem cs;
+    cs.type = ProjectionType::LambertConformalConic27;
+    cs.setCoefficient("l2", 2.0);
+    cs.setCoefficient("l1", 1.0);
+    EXPECT_EQ(cs.parameters.coefficients, (std::vector<double>{1.0, 2.0}));
+}

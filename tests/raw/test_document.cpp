@@ -103,20 +103,21 @@ TEST_F(RawDocumentTest, GridFormatsRewriteValues) {
 TEST_F(RawDocumentTest, DisplayModesDecideCellsAndWrittenCodes) {
     const std::string line = "SS,OP1,FP2,AR90.0000,ZE60.0000,SD100.000,--\n";
     struct Case {
-        int vertical, distance;
+        VerticalMode vertical; // 0: a corrupt mode, shown as zenith
+        DistanceMode distance;
         const char *vertCell, *distCell, *vertCaption, *distCaption, *written;
     };
     const Case cases[] = {
-        {2, 1, "60.0000", "100.000", "ZenithAng", "SlopeDist",
+        {VerticalMode::Zenith, DistanceMode::Slope, "60.0000", "100.000", "ZenithAng", "SlopeDist",
          "SS,OP1,FP2,AR90.0000,ZE60.0000,SD100.000,--\n"},
-        {1, 1, "30.0000", "100.000", "VertAng", "SlopeDist",
+        {VerticalMode::VerticalAngle, DistanceMode::Slope, "30.0000", "100.000", "VertAng",
+         "SlopeDist", "SS,OP1,FP2,AR90.0000,VA30.0000,SD100.000,--\n"},
+        {VerticalMode::ElevationDifference, DistanceMode::Horizontal, "50.0000", "86.603",
+         "ElevDiff", "HorzDist", "SS,OP1,FP2,AR90.0000,CE50.0000,HD86.603,--\n"},
+        {VerticalMode::None, DistanceMode::Slope, "30.0000", "100.000", "VertAng", "SlopeDist",
          "SS,OP1,FP2,AR90.0000,VA30.0000,SD100.000,--\n"},
-        {3, 2, "50.0000", "86.603", "ElevDiff", "HorzDist",
-         "SS,OP1,FP2,AR90.0000,CE50.0000,HD86.603,--\n"},
-        {4, 1, "30.0000", "100.000", "VertAng", "SlopeDist",
-         "SS,OP1,FP2,AR90.0000,VA30.0000,SD100.000,--\n"},
-        {0, 1, "60.0000", "100.000", "ZenithAng", "SlopeDist",
-         "SS,OP1,FP2,AR90.0000,ZE60.0000,SD100.000,--\n"},
+        {static_cast<VerticalMode>(0), DistanceMode::Slope, "60.0000", "100.000", "ZenithAng",
+         "SlopeDist", "SS,OP1,FP2,AR90.0000,ZE60.0000,SD100.000,--\n"},
     };
     for (const auto &c : cases) {
         DisplayModes modes;
@@ -124,12 +125,12 @@ TEST_F(RawDocumentTest, DisplayModesDecideCellsAndWrittenCodes) {
         modes.distance = c.distance;
         RawDocument doc = openText(line, modes);
         const auto &row = doc.row(0);
-        EXPECT_EQ(row.cells[kVerticalCell], c.vertCell) << c.vertical;
-        EXPECT_EQ(row.cells[kDistanceCell], c.distCell) << c.vertical;
+        EXPECT_EQ(row.cells[kVerticalCell], c.vertCell) << static_cast<int>(c.vertical);
+        EXPECT_EQ(row.cells[kDistanceCell], c.distCell) << static_cast<int>(c.vertical);
         const auto caps = doc.captions(row.type);
         EXPECT_EQ(caps[kVerticalCell], c.vertCaption);
         EXPECT_EQ(caps[kDistanceCell], c.distCaption);
-        EXPECT_EQ(doc.text(), c.written) << c.vertical;
+        EXPECT_EQ(doc.text(), c.written) << static_cast<int>(c.vertical);
     }
 }
 
@@ -237,7 +238,7 @@ TEST_F(RawDocumentTest, ModifyMeasurements) {
     RawDocument zenith = openText(text);
     EXPECT_EQ(zenith.modifyMeasurements(ModifyField::ElevationDifference, 1.0, {"2", 0, 0}), -1);
     DisplayModes elev;
-    elev.vertical = 3;
+    elev.vertical = VerticalMode::ElevationDifference;
     RawDocument diff = openText(text, elev);
     EXPECT_EQ(diff.modifyMeasurements(ModifyField::VerticalAngle, 0.5, {"3", 0, 0}), 1);
     EXPECT_EQ(diff.row(1).cells[kVerticalCell], "0.5145"); // 50 sin(0.0167 deg) + 0.5
