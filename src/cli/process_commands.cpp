@@ -2,6 +2,7 @@
 // into a coordinate file, with the "Process Results" report.
 #include "base/folders.h"
 #include "base/format.h"
+#include "base/status_text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
@@ -157,9 +158,8 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
         {tr("SDR Vertical Adjustment"), "--answer \"SDR Vertical Adjustment=Yes\" (or No)"}};
 
     raw::RawFile file;
-    std::string error;
-    if (!raw::readRawFile(o.file, file, &error)) {
-        ctx.err << tr("Error: unable to read raw file") << '\n';
+    if (const Status status = raw::readRawFile(o.file, file); !status) {
+        ctx.err << statusText(status) << '\n';
         ctx.exitCode = kFailure;
         return;
     }

@@ -1,6 +1,7 @@
 // tramline-cli raw ...: the raw file document from the command line.
 #include "base/folders.h"
 #include "base/format.h"
+#include "base/status_text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
@@ -241,14 +242,12 @@ void addCheck(CLI::App &raw, CommandContext &ctx) {
     cmd->add_option("FILE", *file, "RW5 file")->required();
     cmd->callback([&ctx, file] {
         raw::RawFile records;
-        std::ifstream in(*file, std::ios::binary);
-        if (!in || std::filesystem::is_directory(*file) || !raw::readRaw(in, records)) {
-            ctx.err << tr("Error: unable to read raw file") << '\n';
+        if (const Status status = raw::readRawFile(*file, records); !status) {
+            ctx.err << statusText(status) << '\n';
             ctx.exitCode = kFailure;
             return;
         }
-        in.clear();
-        in.seekg(0);
+        std::ifstream in(*file, std::ios::binary);
         const raw::RawSummary summary = raw::summarizeRaw(in);
         const auto warnings = raw::validateRaw(records);
         ctx.out << "File: " << *file << '\n';

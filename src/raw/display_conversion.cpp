@@ -208,7 +208,7 @@ void RawDocument::markAngleUnit(AngleUnit unit) {
 
 bool RawDocument::records(RawFile &file) const {
     std::istringstream in(text());
-    return readRaw(in, file);
+    return readRaw(in, file).ok();
 }
 
 } // namespace tramline::raw

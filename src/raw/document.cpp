@@ -3,6 +3,7 @@
 #include "base/atomic_save.h"
 #include "base/format.h"
 #include "base/point_names.h"
+#include "base/status_text.h"
 #include "base/translation.h"
 #include "raw/angle_math.h"
 #include "raw/classify.h"
@@ -266,8 +267,8 @@ void RawDocument::load(const RawFile &file) {
 
 bool RawDocument::open(const std::filesystem::path &path, Interaction &ui) {
     RawFile file;
-    if (!readRawFile(path, file)) {
-        ui.message(tr("Error: unable to read raw file"));
+    if (const Status status = readRawFile(path, file); !status) {
+        ui.message(statusText(status));
         return false;
     }
     load(file);
@@ -547,8 +548,8 @@ int RawDocument::replace(const std::string &what, const std::string &with, bool 
 
 bool RawDocument::append(const std::filesystem::path &path, bool tds, Interaction &ui) {
     RawFile file;
-    if (!readRawFile(path, file)) {
-        ui.message(tr("Error: unable to read raw file"));
+    if (const Status status = readRawFile(path, file); !status) {
+        ui.message(statusText(status));
         return false;
     }
     // The other file's angles are in its own unit; the rows are filled in

@@ -4,12 +4,11 @@
 #include "base/format.h"
 #include "base/line_reader.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "raw/angle_math.h"
 #include "raw/classify.h"
 
-#include <cerrno>
 #include <cmath>
-#include <cstring>
 #include <fstream>
 
 namespace tramline::raw {
@@ -227,7 +226,7 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
     return true;
 }
 
-bool readRaw(std::istream &in, RawFile &file) {
+Status readRaw(std::istream &in, RawFile &file) {
     file = RawFile{};
     // Reserve for the whole file when its size is known: growing a vector
     // of a million records moves every one of them several times.
@@ -252,28 +251,20 @@ bool readRaw(std::istream &in, RawFile &file) {
             file.verticalMode = node.observation.verticalKind;
         file.nodes.push_back(std::move(node));
     }
-    return !reader.failed();
+    if (reader.failed())
+        return Status::failure(StatusCode::Io, tr("Error: unable to read raw file"),
+                               reader.lineNumber() + 1);
+    return Status::success();
 }
 
-bool readRawFile(const std::filesystem::path &path, RawFile &file, std::string *error) {
+Status readRawFile(const std::filesystem::path &path, RawFile &file) {
     std::error_code ec;
-    if (std::filesystem::is_directory(path, ec)) {
-        if (error)
-            *error = std::strerror(EISDIR);
-        return false;
-    }
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        if (error)
-            *error = std::strerror(errno);
-        return false;
-    }
-    if (!readRaw(in, file)) {
-        if (error)
-            *error = "read error";
-        return false;
-    }
-    return true;
+    std::ifstream in;
+    if (!std::filesystem::is_directory(path, ec))
+        in.open(path, std::ios::binary);
+    if (!in.is_open())
+        return Status::failure(StatusCode::NotFound, tr("Error: unable to read raw file"));
+    return readRaw(in, file);
 }
 
 } // namespace tramline::raw
