@@ -1,5 +1,7 @@
 #include "app/menu_table.h"
 
+#include "base/text.h"
+
 #include <algorithm>
 
 namespace tramline::app {
@@ -146,16 +148,8 @@ const std::vector<MenuCommand> &menuCommands() {
 
 std::vector<std::string> menuPath(const char *path) {
     std::vector<std::string> parts;
-    std::string part;
-    for (const char *p = path; *p; ++p) {
-        if (*p == '>') {
-            parts.push_back(part);
-            part.clear();
-        } else {
-            part += *p;
-        }
-    }
-    parts.push_back(part);
+    for (const std::string_view caption : split(path, '>'))
+        parts.emplace_back(caption);
     return parts;
 }
 

@@ -2,6 +2,7 @@
 // text from the command line.
 #include "base/folders.h"
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
@@ -68,14 +69,11 @@ void fail(CommandContext &ctx, const Status &status) {
 
 bool parseCsvNumbers(const std::string &text, std::vector<double> &values) {
     values.clear();
-    std::size_t start = 0;
-    while (start <= text.size()) {
-        const std::size_t comma = std::min(text.find(',', start), text.size());
+    for (const std::string_view field : split(text, ',')) {
         double v = 0;
-        if (!parseNumber(std::string_view(text).substr(start, comma - start), v))
+        if (!parseNumber(field, v))
             return false;
         values.push_back(v);
-        start = comma + 1;
     }
     return true;
 }
@@ -102,12 +100,11 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
         cs = CoordinateSystem{};
         cs.type = *projectionTypeFromCode(o.type);
         for (const auto &param : o.params) {
-            const auto eq = param.find('=');
+            std::string_view key, text;
             double value = 0;
-            if (eq == std::string::npos ||
-                !parseNumber(std::string_view(param).substr(eq + 1), value))
+            if (!splitKeyValue(param, '=', key, text) || !parseNumber(text, value))
                 throw CLI::ValidationError("--param", "give NAME=VALUE, not " + param);
-            const std::string name = param.substr(0, eq);
+            const std::string name(key);
             if (usesCoefficients(cs.type)) {
                 if (!cs.setCoefficient(name, value))
                     throw CLI::ValidationError("--param",

@@ -3,6 +3,7 @@
 #include "base/folders.h"
 #include "base/format.h"
 #include "base/status_text.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
@@ -31,19 +32,6 @@ struct ProcessCliOptions {
          angleBalance = false, reportUnadjusted = false;
     std::vector<std::string> answers;
 };
-
-std::vector<std::string> split(const std::string &text, char sep) {
-    std::vector<std::string> parts;
-    size_t start = 0;
-    for (;;) {
-        const size_t at = text.find(sep, start);
-        parts.push_back(
-            text.substr(start, at == std::string::npos ? std::string::npos : at - start));
-        if (at == std::string::npos)
-            return parts;
-        start = at + 1;
-    }
-}
 
 reduce::AdjustMethod methodOf(const std::string &name) {
     if (name == "angle-balance")

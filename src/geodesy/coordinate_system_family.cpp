@@ -1,5 +1,6 @@
 #include "geodesy/coordinate_system_family.h"
 
+#include "base/text.h"
 #include "base/translation.h"
 
 #include <cctype>
@@ -30,13 +31,6 @@ constexpr FamilyNames kFamilies[kFamilyCount] = {
     {trNoop("Australia-AGD66/AMG"), ""},
 };
 
-std::string lower(std::string_view s) {
-    std::string out(s);
-    for (char &c : out)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return out;
-}
-
 } // namespace
 
 std::optional<CoordinateSystemFamily> familyFromCode(int code) {
@@ -54,7 +48,7 @@ std::optional<CoordinateSystemFamily> familyFromName(std::string_view name) {
         if (name == kFamilies[i].name)
             return static_cast<CoordinateSystemFamily>(i);
     for (int i = 0; i < kFamilyCount; ++i)
-        if (lower(name) == lower(kFamilies[i].name))
+        if (equalsIgnoreCase(name, kFamilies[i].name))
             return static_cast<CoordinateSystemFamily>(i);
     if (!name.empty() && name.size() <= 2 && std::isdigit(static_cast<unsigned char>(name[0])) &&
         std::isdigit(static_cast<unsigned char>(name.back())))

@@ -1,8 +1,7 @@
 #include "geodesy/projection_type.h"
 
+#include "base/text.h"
 #include "base/translation.h"
-
-#include <cctype>
 
 namespace tramline::geodesy {
 
@@ -59,16 +58,6 @@ constexpr ParameterInfo kParameters[kProjectionParameterCount] = {
     {"zone_width", trNoop("Zone Width"), ParameterKind::Angle},
 };
 
-bool equalNoCase(std::string_view a, std::string_view b) {
-    if (a.size() != b.size())
-        return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) !=
-            std::tolower(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
-}
-
 using P = ProjectionParameter;
 
 } // namespace
@@ -89,7 +78,7 @@ const char *projectionTypeWktName(ProjectionType type) {
 
 std::optional<ProjectionType> projectionTypeFromWktName(std::string_view name) {
     for (int i = 0; i < kProjectionTypeCount; ++i)
-        if (equalNoCase(name, kTypeNames[i].written))
+        if (equalsIgnoreCase(name, kTypeNames[i].written))
             return static_cast<ProjectionType>(i);
     return std::nullopt;
 }
@@ -218,9 +207,9 @@ const std::vector<WrittenParameter> &writtenParameters(ProjectionType type) {
 
 std::optional<ProjectionParameter> parameterFromWktName(std::string_view name) {
     for (int i = 0; i < kProjectionParameterCount; ++i)
-        if (equalNoCase(name, kParameters[i].wktName))
+        if (equalsIgnoreCase(name, kParameters[i].wktName))
             return static_cast<ProjectionParameter>(i);
-    if (equalNoCase(name, "XY_Plane_Rotation"))
+    if (equalsIgnoreCase(name, "XY_Plane_Rotation"))
         return ProjectionParameter::RectifiedGridAngle;
     return std::nullopt;
 }

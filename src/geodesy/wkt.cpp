@@ -3,12 +3,12 @@
 #include "base/angles.h"
 #include "base/atomic_save.h"
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "base/units.h"
 #include "geodesy/messages.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <fstream>
 
@@ -41,18 +41,11 @@ std::string formatParameter(const char *name, ProjectionParameter parameter,
     return {};
 }
 
-std::string lowered(std::string_view s) {
-    std::string out(s);
-    for (char &c : out)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return out;
-}
-
 // The text in lower case with everything inside quotes blanked out, so that
 // keywords are only found where they are keywords: a name may well hold
 // ",SPHEROID[" or "PARAMETER[".
 std::string keywordsOnly(std::string_view s) {
-    std::string out = lowered(s);
+    std::string out = toLower(s);
     bool quoted = false;
     for (char &c : out) {
         if (c == '"')
@@ -214,7 +207,7 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
     for (pos = low.find(",unit[\""); pos != std::string::npos;
          pos = low.find(",unit[\"", pos + 1)) {
         std::string unit;
-        if (quotedAt(line, pos + 7, unit) && lowered(unit) == "foot_us")
+        if (quotedAt(line, pos + 7, unit) && equalsIgnoreCase(unit, "foot_us"))
             usFeet = true;
     }
 
