@@ -328,7 +328,7 @@ void CKELMADlg::importRawData(bool tds) {
     if (path.empty())
         return;
     const size_t before = m_rawDocument.rowCount();
-    if (!m_rawDocument.append(path, tds, ui()))
+    if (!m_rawDocument.append(path, tds ? raw::RawFlavour::Tds : raw::RawFlavour::Rw5, ui()))
         return;
     refreshRawGrid();
     if (m_rawDocument.rowCount() > before)
@@ -618,7 +618,9 @@ void CKELMADlg::replaceCommand(bool rawGrid) {
     const bool all = button == 1;
     int count = 0;
     if (rawGrid) {
-        count = m_rawDocument.replace(m_lastFind, m_lastReplace, all, ui());
+        count =
+            m_rawDocument.replace(m_lastFind, m_lastReplace,
+                                  all ? raw::ReplaceScope::All : raw::ReplaceScope::AskEach, ui());
         refreshRawGrid();
     } else {
         count = m_coordinateModel->replace(qstr(m_lastFind), qstr(m_lastReplace), all);

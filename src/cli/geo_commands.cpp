@@ -248,7 +248,9 @@ void addWkt(CLI::App &geo, CommandContext &ctx) {
             return;
         if (o->out.empty()) {
             ctx.out << writeWkt(cs);
-        } else if (Status status = saveWkt(cs, o->out, o->append); !status) {
+        } else if (Status status =
+                       saveWkt(cs, o->out, o->append ? WktWrite::Append : WktWrite::Replace);
+                   !status) {
             fail(ctx, status);
         }
     });

@@ -52,7 +52,8 @@ void addClassify(CLI::App &raw, CommandContext &ctx) {
     cmd->callback([&ctx, lines, job] {
         raw::RawFields fields;
         for (const auto &line : *lines) {
-            const int kind = raw::ClassifyRawLine(line, *job ? 1 : 0, fields);
+            const int kind = raw::ClassifyRawLine(
+                line, *job ? raw::JobRecords::Recognised : raw::JobRecords::Unrecognised, fields);
             // Trailing empty outputs are not printed; empty values inside are.
             size_t used = fields.size();
             while (used > 0 && fields[used - 1].empty())
@@ -184,7 +185,7 @@ void addAppend(CLI::App &raw, CommandContext &ctx) {
             return;
         const size_t before = doc.rowCount();
         ConsoleInteraction ui(ctx.err);
-        if (!doc.append(o->other, o->tds, ui)) {
+        if (!doc.append(o->other, o->tds ? raw::RawFlavour::Tds : raw::RawFlavour::Rw5, ui)) {
             ctx.exitCode = kFailure;
             return;
         }

@@ -117,9 +117,9 @@ std::string writeWkt(const CoordinateSystem &system) {
     return out;
 }
 
-Status saveWkt(const CoordinateSystem &system, const std::filesystem::path &path, bool append) {
+Status saveWkt(const CoordinateSystem &system, const std::filesystem::path &path, WktWrite mode) {
     const std::string line = writeWkt(system);
-    if (append) {
+    if (mode == WktWrite::Append) {
         std::ofstream out(path, std::ios::binary | std::ios::app);
         if (out && out.write(line.data(), static_cast<std::streamsize>(line.size())) && out.flush())
             return Status::success();

@@ -96,7 +96,7 @@ int classifyObservation(std::string_view line, RawFields &fields) {
     return kObservation;
 }
 
-int classifyFields(std::string_view line, int jobFlag, RawFields &fields);
+int classifyFields(std::string_view line, JobRecords jobRecords, RawFields &fields);
 
 } // namespace
 
@@ -107,10 +107,10 @@ bool isObservationType(std::string_view type) {
     return false;
 }
 
-int ClassifyRawLine(std::string_view line, int jobFlag, RawFields &fields) {
+int ClassifyRawLine(std::string_view line, JobRecords jobRecords, RawFields &fields) {
     for (auto &f : fields)
         f.clear();
-    const int kind = classifyFields(line, jobFlag, fields);
+    const int kind = classifyFields(line, jobRecords, fields);
     if (kind == kUnrecognised) // no half-filled outputs from a rejected form
         for (auto &f : fields)
             f.clear();
@@ -119,7 +119,7 @@ int ClassifyRawLine(std::string_view line, int jobFlag, RawFields &fields) {
 
 namespace {
 
-int classifyFields(std::string_view line, int jobFlag, RawFields &fields) {
+int classifyFields(std::string_view line, JobRecords jobRecords, RawFields &fields) {
     if (line.starts_with("--")) {
         if (line.size() == 2)
             return kEmptyNote;
@@ -127,7 +127,7 @@ int classifyFields(std::string_view line, int jobFlag, RawFields &fields) {
         return kNote;
     }
 
-    if (jobFlag == 1 && line.starts_with("JB,")) {
+    if (jobRecords == JobRecords::Recognised && line.starts_with("JB,")) {
         FieldCursor c(line.substr(3), fields);
         return takeForm(c, {"NM", "DT", "TM"}) ? kJob : kUnrecognised;
     }

@@ -247,11 +247,11 @@ RawRow RawDocument::rowFromNode(const RawNode &node) const {
     return row;
 }
 
-std::vector<RawRow> RawDocument::rowsFromFile(const RawFile &file, bool tds) const {
+std::vector<RawRow> RawDocument::rowsFromFile(const RawFile &file, RawFlavour flavour) const {
     std::vector<RawRow> rows;
     rows.reserve(file.nodes.size());
     for (const auto &node : file.nodes) {
-        if (tds && node.type == RecordType::Text &&
+        if (flavour == RawFlavour::Tds && node.type == RecordType::Text &&
             (node.text.starts_with("JB,") || node.text.starts_with("MO,")))
             continue;
         rows.push_back(rowFromNode(node));
@@ -261,7 +261,7 @@ std::vector<RawRow> RawDocument::rowsFromFile(const RawFile &file, bool tds) con
 
 void RawDocument::load(const RawFile &file) {
     m_units = file.units;
-    m_rows = rowsFromFile(file, false);
+    m_rows = rowsFromFile(file, RawFlavour::Rw5);
     m_modified = false;
 }
 
@@ -514,7 +514,7 @@ std::optional<CellPosition> RawDocument::find(const std::string &what, CellPosit
     return std::nullopt;
 }
 
-int RawDocument::replace(const std::string &what, const std::string &with, bool all,
+int RawDocument::replace(const std::string &what, const std::string &with, ReplaceScope scope,
                          Interaction &ui) {
     if (what.empty())
         return 0;
@@ -524,7 +524,7 @@ int RawDocument::replace(const std::string &what, const std::string &with, bool 
             std::string &text = m_rows[r].cells[c];
             if (text.find(what) == std::string::npos)
                 continue;
-            if (!all) {
+            if (scope == ReplaceScope::AskEach) {
                 const int answer =
                     ui.choose(tr("Search and Replace"),
                               format(tr("Replace in row %ld column %ld?"), static_cast<long>(r + 1),
@@ -546,7 +546,7 @@ int RawDocument::replace(const std::string &what, const std::string &with, bool 
     return count;
 }
 
-bool RawDocument::append(const std::filesystem::path &path, bool tds, Interaction &ui) {
+bool RawDocument::append(const std::filesystem::path &path, RawFlavour flavour, Interaction &ui) {
     RawFile file;
     if (const Status status = readRawFile(path, file); !status) {
         ui.message(statusText(status));
@@ -557,7 +557,7 @@ bool RawDocument::append(const std::filesystem::path &path, bool tds, Interactio
     RawDocument other;
     other.m_modes = m_modes;
     other.m_units = file.units;
-    auto rows = other.rowsFromFile(file, tds);
+    auto rows = other.rowsFromFile(file, flavour);
     m_rows.insert(m_rows.end(), std::make_move_iterator(rows.begin()),
                   std::make_move_iterator(rows.end()));
     if (!rows.empty())

@@ -65,6 +65,12 @@ struct ModifySelection {
     size_t firstLine = 0, lastLine = 0;
 };
 
+/// Whether Replace asks before each hit or replaces them all.
+enum class ReplaceScope { AskEach, All };
+
+/// The kind of raw file that Import Raw Data adds.
+enum class RawFlavour { Rw5, Tds };
+
 struct CellPosition {
     size_t row = 0;    ///< 0-based row
     size_t column = 0; ///< 0 is the Type column, 1.. the cells
@@ -154,16 +160,17 @@ public:
     /// Finds `what` in the cells, row by row and left to right, starting
     /// after `from` and wrapping round once. Empty when not found.
     std::optional<CellPosition> find(const std::string &what, CellPosition from) const;
-    /// Replaces every occurrence of `what` by `with`. Unless `all`, asks
+    /// Replaces every occurrence of `what` by `with`. With AskEach, asks
     /// "Replace in row %ld column %ld?" (1-based, Type column 1) for each
     /// hit: Yes replaces, No skips, Cancel stops. Returns the count.
-    int replace(const std::string &what, const std::string &with, bool all, Interaction &ui);
+    int replace(const std::string &what, const std::string &with, ReplaceScope scope,
+                Interaction &ui);
 
-    /// Adds the records of another raw file at the end. With `tds`, the
-    /// file is a TDS collector's raw file: its own job and mode records are
-    /// left out, as the open job already has them. On failure shows
-    /// "Error: unable to read raw file".
-    bool append(const std::filesystem::path &path, bool tds, Interaction &ui);
+    /// Adds the records of another raw file at the end. A TDS collector's
+    /// raw file has its own job and mode records left out, as the open job
+    /// already has them. On failure shows "Error: unable to read raw file"
+    /// (with the line where the reading stopped).
+    bool append(const std::filesystem::path &path, RawFlavour flavour, Interaction &ui);
 
     /// The Print > Raw Data report ("Edit-Process Raw File").
     std::string printReport() const;
@@ -175,7 +182,7 @@ private:
     RawRow rowFromNode(const RawNode &node) const;
     void resetCorruptVerticalMode();
     void markAngleUnit(AngleUnit unit);
-    std::vector<RawRow> rowsFromFile(const RawFile &file, bool tds) const;
+    std::vector<RawRow> rowsFromFile(const RawFile &file, RawFlavour flavour) const;
 
     std::vector<RawRow> m_rows;
     std::filesystem::path m_path;

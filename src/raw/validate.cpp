@@ -90,7 +90,7 @@ RawSummary summarizeRaw(std::istream &in) {
         if (line.size() < 3)
             continue;
         ++summary.records;
-        const int kind = ClassifyRawLine(line, 1, fields);
+        const int kind = ClassifyRawLine(line, JobRecords::Recognised, fields);
         switch (kind) {
         case kObservation:
             ++summary.observations;

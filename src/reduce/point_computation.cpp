@@ -317,7 +317,7 @@ private:
         if (!p) {
             // An OC record may carry the coordinates itself.
             raw::RawFields f;
-            if (raw::ClassifyRawLine(text, 0, f) == raw::kOccupy) {
+            if (raw::ClassifyRawLine(text, raw::JobRecords::Unrecognised, f) == raw::kOccupy) {
                 TraversePoint q;
                 q.name = name;
                 if (parseNumber(f[1], q.north) && parseNumber(f[2], q.east)) {

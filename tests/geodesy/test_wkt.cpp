@@ -332,8 +332,8 @@ TEST(Wkt, AppendModeAddsALine) {
     CoordinateSystem first = britishGrid();
     CoordinateSystem second = britishGrid();
     second.name = "second";
-    ASSERT_TRUE(saveWkt(first, path, false).ok());
-    ASSERT_TRUE(saveWkt(second, path, true).ok());
+    ASSERT_TRUE(saveWkt(first, path, WktWrite::Replace).ok());
+    ASSERT_TRUE(saveWkt(second, path, WktWrite::Append).ok());
     EXPECT_EQ(slurp(path), writeWkt(first) + writeWkt(second));
 
     std::vector<CoordinateSystem> read;
@@ -342,11 +342,12 @@ TEST(Wkt, AppendModeAddsALine) {
     EXPECT_EQ(read[1].name, "second");
 
     // Writing without append replaces the file.
-    ASSERT_TRUE(saveWkt(second, path, false).ok());
+    ASSERT_TRUE(saveWkt(second, path, WktWrite::Replace).ok());
     EXPECT_EQ(slurp(path), writeWkt(second));
 
-    EXPECT_EQ(saveWkt(first, path.parent_path() / "no" / "such" / "dir.prj", false).code,
-              StatusCode::Io);
+    EXPECT_EQ(
+        saveWkt(first, path.parent_path() / "no" / "such" / "dir.prj", WktWrite::Replace).code,
+        StatusCode::Io);
     EXPECT_EQ(loadWkt(path.parent_path() / "missing.prj", read).code, StatusCode::Io);
     std::filesystem::remove_all(path.parent_path());
 }
@@ -368,7 +369,7 @@ TEST(Wkt, ProjinfoAcceptsTheStandardTypes) {
     };
     const auto path = tempFile("projinfo.prj");
     for (const auto &[system, expected] : cases) {
-        ASSERT_TRUE(saveWkt(system, path, false).ok());
+        ASSERT_TRUE(saveWkt(system, path, WktWrite::Replace).ok());
         const std::string command =
             "projinfo -o PROJ -q \"$(cat '" + path.string() + "')\" 2>/dev/null";
         FILE *pipe = popen(command.c_str(), "r");

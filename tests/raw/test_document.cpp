@@ -266,26 +266,26 @@ TEST_F(RawDocumentTest, FindAndReplace) {
     EXPECT_EQ(hit->row, 2u);
 
     ScriptedInteraction answers({"No", "Yes"});
-    EXPECT_EQ(doc.replace("IP", "PIN", false, answers), 1);
+    EXPECT_EQ(doc.replace("IP", "PIN", ReplaceScope::AskEach, answers), 1);
     EXPECT_EQ(answers.questions[0], "Search and Replace: Replace in row 1 column 8?");
     EXPECT_EQ(doc.row(0).cells[kDescriptionCell], "IP");
     EXPECT_EQ(doc.row(1).cells[kDescriptionCell], "PIN FOUND");
-    EXPECT_EQ(doc.replace("0000", "0", true, ui), 4); // two angles in each shot
+    EXPECT_EQ(doc.replace("0000", "0", ReplaceScope::All, ui), 4); // two angles in each shot
     ScriptedInteraction cancel({"Cancel"});
-    EXPECT_EQ(doc.replace("SS", "TR", false, cancel), 0);
+    EXPECT_EQ(doc.replace("SS", "TR", ReplaceScope::AskEach, cancel), 0);
 }
 
 TEST_F(RawDocumentTest, AppendAnotherFile) {
     const auto other =
         write("other.rw5", "JB,NMOTHER,DT,TM\nMO,AD0,UN2,SF1.00000000,EC0,EO0,AU0\nLS,HI5\n");
     RawDocument doc = openText("--first\n");
-    ASSERT_TRUE(doc.append(other, false, ui));
+    ASSERT_TRUE(doc.append(other, RawFlavour::Rw5, ui));
     EXPECT_EQ(doc.rowCount(), 4u);
     EXPECT_EQ(doc.row(3).type, "HI");
     RawDocument tds = openText("--first\n");
-    ASSERT_TRUE(tds.append(other, true, ui));
+    ASSERT_TRUE(tds.append(other, RawFlavour::Tds, ui));
     EXPECT_EQ(tds.rowCount(), 2u);
-    EXPECT_FALSE(tds.append(dir / "missing.rw5", false, ui));
+    EXPECT_FALSE(tds.append(dir / "missing.rw5", RawFlavour::Rw5, ui));
     EXPECT_EQ(ui.messages.back(), "Error: unable to read raw file");
 }
 
