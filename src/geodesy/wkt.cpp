@@ -133,7 +133,7 @@ Status saveWkt(const CoordinateSystem &system, const std::filesystem::path &path
 Status readWkt(std::string_view line, CoordinateSystem &system) {
     while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
         line.remove_suffix(1);
-    if (line.rfind("COMPD_CS", 0) != 0)
+    if (!line.starts_with("COMPD_CS"))
         return Status::failure(StatusCode::Format, tr(messages::kNotWkt));
     const std::string low = keywordsOnly(line);
     CoordinateSystem cs;
@@ -255,7 +255,7 @@ Status loadWkt(const std::filesystem::path &path, std::vector<CoordinateSystem> 
     // longer is not one, and is not held in memory whole.
     constexpr std::size_t kLongest = 1 << 16;
     while (std::getline(in, line)) {
-        if (line.size() > kLongest || line.rfind("COMPD_CS", 0) != 0)
+        if (line.size() > kLongest || !line.starts_with("COMPD_CS"))
             continue;
         CoordinateSystem cs;
         if (Status status = readWkt(line, cs); !status)

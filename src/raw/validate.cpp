@@ -112,7 +112,7 @@ RawSummary summarizeRaw(std::istream &in) {
                                                          "CC,",   "CSE,", "SSE,", "MSE,"};
             bool known = false;
             for (const char *prefix : kEditorRecords)
-                known = known || line.rfind(prefix, 0) == 0;
+                known = known || line.starts_with(prefix);
             if (!known)
                 summary.unrecognised.push_back(
                     format("line %zu: %s", reader.lineNumber(), line.c_str()));

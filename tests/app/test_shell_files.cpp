@@ -2,6 +2,7 @@
 // folder, the command line, the language choice and the menu table.
 #include "../support/test_support.h"
 #include "app/command_line.h"
+#include "app/display_commands.h"
 #include "app/language.h"
 #include "app/menu_table.h"
 #include "app/shell_folders.h"
@@ -265,3 +266,35 @@ TEST(MenuTable, CheckGroupsActAsRadioItems) {
 }
 
 } // namespace
+
+// Each Display command chooses its own mode, and the marks follow the modes:
+// a command's choice, once applied, checks that same command.
+TEST(DisplayCommands, ChoiceAndCheckMarkAgree) {
+    const int ids[] = {cmd::VerticalAngle,  cmd::ZenithAngle,   cmd::ElevationDifference,
+                       cmd::VerticalNone,   cmd::SlopeDistance, cmd::HorizontalDistance,
+                       cmd::AnglesDms,      cmd::AnglesGons,    cmd::NorthingEasting,
+                       cmd::EastingNorthing};
+    for (int id : ids) {
+        const auto choice = displayChoice(id);
+        ASSERT_TRUE(choice) << id;
+        raw::DisplayModes modes;
+        modes.vertical = choice->vertical.value_or(raw::VerticalMode::ElevationDifference);
+        modes.distance = choice->distance.value_or(raw::DistanceMode::Horizontal);
+        modes.angle = choice->angle.value_or(AngleUnit::Gons);
+        modes.order = choice->order.value_or(raw::CoordinateOrder::EastingNorthing);
+        MenuCheckTable checks;
+        checkDisplayModes(modes, checks);
+        EXPECT_TRUE(checks.checked(id)) << id;
+        int checked = 0;
+        for (const auto &[entry, on] : checks.entries())
+            checked += on ? 1 : 0;
+        EXPECT_EQ(checked, 4) << id; // one in each group
+    }
+    EXPECT_FALSE(displayChoice(cmd::OpenRaw));
+    // A corrupt vertical mode is marked as zenith.
+    raw::DisplayModes corrupt;
+    corrupt.vertical = static_cast<raw::VerticalMode>(0);
+    MenuCheckTable checks;
+    checkDisplayModes(corrupt, checks);
+    EXPECT_TRUE(checks.checked(cmd::ZenithAngle));
+}
