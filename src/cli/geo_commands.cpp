@@ -450,11 +450,11 @@ void addArea(CLI::App &geoid, CommandContext &ctx) {
         if (model->count())
             s.model = o->settings.model;
         if (o->north || o->south)
-            s.north = o->north;
+            s.latitudeSide = o->north ? LatitudeSide::North : LatitudeSide::South;
         if (o->east || o->west)
-            s.east = o->east;
+            s.longitudeSide = o->east ? LongitudeSide::East : LongitudeSide::West;
         if (o->degrees || o->miles)
-            s.degrees = o->degrees;
+            s.sizeUnit = o->degrees ? AreaSizeUnit::Degrees : AreaSizeUnit::Miles;
         std::error_code ec;
         std::filesystem::create_directories(folders.dataFolder, ec);
         saveGeoidAreaSettings(ini, s);
