@@ -89,7 +89,7 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
         const std::string zone = zoneByNameOrPosition(*family, o.zone);
         ZoneOptions options;
         options.gridZone = o.gridZone;
-        options.south = o.south;
+        options.hemisphere = o.south ? Hemisphere::South : Hemisphere::North;
         options.latitude = latitude;
         options.longitude = longitude;
         if (Status status = zoneSystem(*family, zone, options, cs); !status) {

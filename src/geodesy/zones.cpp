@@ -306,7 +306,7 @@ Status australianSystem(const AustralianGrid &grid, const ZoneOptions &options,
 Status utmSystem(const std::string &zoneName, const ZoneOptions &options,
                  CoordinateSystem &system) {
     int zone = 0;
-    bool south = options.south;
+    bool south = options.hemisphere == Hemisphere::South;
     if (zoneName == "Automatic") {
         if (!options.gridZone.empty()) {
             if (!parseZoneNumber(options.gridZone, zone) || zone < 1 || zone > 60)
