@@ -53,7 +53,8 @@ void BM_ClassifyRawFile(benchmark::State &state) {
         std::string line;
         lines = 0;
         while (reader.next(line)) {
-            benchmark::DoNotOptimize(tramline::raw::ClassifyRawLine(line, 1, fields));
+            benchmark::DoNotOptimize(tramline::raw::ClassifyRawLine(
+                line, tramline::raw::JobRecords::Recognised, fields));
             ++lines;
         }
     }

@@ -20,8 +20,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         if (end == std::string::npos)
             end = bytes.size();
         const std::string_view line(bytes.data() + start, end - start);
-        tramline::raw::ClassifyRawLine(line, 1, fields);
-        tramline::raw::ClassifyRawLine(line, 0, fields);
+        tramline::raw::ClassifyRawLine(line, tramline::raw::JobRecords::Recognised, fields);
+        tramline::raw::ClassifyRawLine(line, tramline::raw::JobRecords::Unrecognised, fields);
         start = end + 1;
     }
 

@@ -1,7 +1,8 @@
 #include "app/command_line.h"
 
+#include "base/text.h"
+
 #include <array>
-#include <cctype>
 
 namespace tramline::app {
 
@@ -21,16 +22,8 @@ constexpr std::array<Extension, 7> kExtensions = {{{".rw5", true},
                                                    {".mdb", false},
                                                    {".zak", false}}};
 
-std::string trimmed(std::string text) {
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front())))
-        text.erase(0, 1);
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
-        text.pop_back();
-    return text;
-}
-
-std::string unquoted(std::string text) {
-    text = trimmed(std::move(text));
+std::string unquoted(std::string_view line) {
+    std::string text(trim(line));
     if (text.size() >= 2 && text.front() == '"' && text.back() == '"')
         text = text.substr(1, text.size() - 2);
     else if (!text.empty() && text.front() == '"') // the first of two quoted names
@@ -45,8 +38,7 @@ size_t findExtension(const std::string &text, const char *ext) {
     const std::string e(ext);
     for (size_t at = text.find(e); at != std::string::npos; at = text.find(e, at + 1)) {
         const size_t end = at + e.size();
-        if (end == text.size() || text[end] == '"' ||
-            std::isspace(static_cast<unsigned char>(text[end])))
+        if (end == text.size() || text[end] == '"' || isBlank(text[end]))
             return at;
     }
     return std::string::npos;
@@ -77,7 +69,7 @@ CommandLineFiles parseCommandLine(const std::string &commandLine) {
         if (target.empty())
             target = unquoted(text.substr(0, end));
         text = text.size() - end > 1 ? text.substr(end + 1) : std::string{};
-        text = trimmed(text);
+        text = std::string(trim(text));
     }
     return files;
 }

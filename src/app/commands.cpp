@@ -2,6 +2,7 @@
 // editing, display modes, settings, processing. Commands whose features
 // are not built yet say so.
 #include "app/coordinate_grid_model.h"
+#include "app/display_commands.h"
 #include "app/main_dialog.h"
 #include "app/qt_text.h"
 #include "app/raw_grid_model.h"
@@ -32,9 +33,9 @@ namespace tramline::app {
 
 namespace {
 
-const char *const kYes = "&Yes";
-const char *const kNo = "&No";
-const char *const kCancel = "Cancel";
+const char *const kYes = trNoop("&Yes");
+const char *const kNo = trNoop("&No");
+const char *const kCancel = trNoop("Cancel");
 
 std::string readWhole(const std::filesystem::path &path) {
     std::ifstream in(path, std::ios::binary);
@@ -261,8 +262,8 @@ void CKELMADlg::newRawFile() {
         return;
     m_rawDocument.clear();
     // New rows hold angles in the unit on display; the file must say so.
-    if (m_rawDocument.modes().angle == 0)
-        m_rawDocument.changeAngleMode(0);
+    if (m_rawDocument.modes().angle == AngleUnit::Gons)
+        m_rawDocument.changeAngleMode(AngleUnit::Gons);
     refreshRawGrid();
     updateTitle();
 }
@@ -309,7 +310,7 @@ void CKELMADlg::importRawData(bool tds) {
     if (path.empty())
         return;
     const size_t before = m_rawDocument.rowCount();
-    if (!m_rawDocument.append(path, tds, ui()))
+    if (!m_rawDocument.append(path, tds ? raw::RawFlavour::Tds : raw::RawFlavour::Rw5, ui()))
         return;
     refreshRawGrid();
     if (m_rawDocument.rowCount() > before)
@@ -440,14 +441,16 @@ void CKELMADlg::addPointToCoordinateFile() {
 void CKELMADlg::settingsCommand() {
     const std::vector<std::string> choices = {tramline::tr("English"),
                                               tramline::tr("Windows Setting")};
-    std::vector<FormField> fields = {
-        {tramline::tr("Language"), choices[m_settings.langMode == 1 ? 1 : 0], choices}};
+    std::vector<FormField> fields = {{tramline::tr("Language"),
+                                      choices[m_settings.language == LanguageMode::System ? 1 : 0],
+                                      choices}};
     // The choice counts however the dialog is closed; Cancel only closes.
     prompts().askForm(tramline::tr("Settings"), fields, {tramline::tr(kCancel)});
-    const int chosen = fields[0].value == choices[1] ? 1 : 0;
-    if (chosen == (m_settings.langMode == 1 ? 1 : 0))
+    const LanguageMode chosen =
+        fields[0].value == choices[1] ? LanguageMode::System : LanguageMode::English;
+    if (chosen == m_settings.language)
         return;
-    m_settings.langMode = chosen;
+    m_settings.language = chosen;
     ui().message(tramline::tr("Restart program to reset language"));
 }
 
@@ -532,7 +535,9 @@ void CKELMADlg::replaceCommand(bool rawGrid) {
     const bool all = button == 1;
     long count = 0;
     if (rawGrid) {
-        count = m_rawDocument.replace(m_lastFind, m_lastReplace, all, ui());
+        count =
+            m_rawDocument.replace(m_lastFind, m_lastReplace,
+                                  all ? raw::ReplaceScope::All : raw::ReplaceScope::AskEach, ui());
         refreshRawGrid();
     } else {
         count = m_coordinateModel->replace(m_lastFind, m_lastReplace, all);
@@ -704,39 +709,20 @@ void CKELMADlg::modifyMeasurements() {
 // --- display ---------------------------------------------------------------------------
 
 void CKELMADlg::displayCommand(int id) {
-    switch (id) {
-    case cmd::VerticalAngle:
-    case cmd::ZenithAngle:
-    case cmd::ElevationDifference:
-    case cmd::VerticalNone:
-        m_rawDocument.changeVerticalMode(id - cmd::VerticalAngle + 1);
-        break;
-    case cmd::SlopeDistance:
-    case cmd::HorizontalDistance:
-        m_rawDocument.changeDistanceMode(id - cmd::SlopeDistance + 1);
-        break;
-    case cmd::AnglesDms:
-        m_rawDocument.changeAngleMode(1);
-        break;
-    case cmd::AnglesGons:
-        m_rawDocument.changeAngleMode(0);
-        break;
-    case cmd::NorthingEasting:
-        m_rawDocument.setCoordinateOrder(0);
-        break;
-    case cmd::EastingNorthing:
-        m_rawDocument.setCoordinateOrder(1);
-        break;
-    default:
+    const auto choice = displayChoice(id);
+    if (!choice)
         return;
-    }
+    if (choice->vertical)
+        m_rawDocument.changeVerticalMode(*choice->vertical);
+    if (choice->distance)
+        m_rawDocument.changeDistanceMode(*choice->distance);
+    if (choice->angle)
+        m_rawDocument.changeAngleMode(*choice->angle);
+    if (choice->order)
+        m_rawDocument.setCoordinateOrder(*choice->order);
     // A corrupt vertical mode was reset by the command: the marks follow
     // the modes as they now are.
-    const raw::DisplayModes &modes = m_rawDocument.modes();
-    m_checks.choose(cmd::VerticalAngle + modes.vertical - 1);
-    m_checks.choose(cmd::SlopeDistance + modes.distance - 1);
-    m_checks.choose(modes.angle == 1 ? cmd::AnglesDms : cmd::AnglesGons);
-    m_checks.choose(modes.neOrder == 1 ? cmd::EastingNorthing : cmd::NorthingEasting);
+    checkDisplayModes(m_rawDocument.modes(), m_checks);
     applyCheckTable();
     // The coordinate order shows when the grids are next filled; the
     // others rewrote cells.

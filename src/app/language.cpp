@@ -2,6 +2,7 @@
 
 #include "base/format.h"
 #include "base/line_reader.h"
+#include "base/text.h"
 #include "base/translation.h"
 
 #include <algorithm>
@@ -12,20 +13,6 @@
 namespace tramline::app {
 
 namespace {
-
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
-
-std::string trimmed(std::string text) {
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
-        text.pop_back();
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front())))
-        text.erase(0, 1);
-    return text;
-}
 
 bool isNumeric(const std::string &text) {
     return !text.empty() &&
@@ -58,7 +45,7 @@ LanguageCode codeFrom(const std::string &full) {
     code.full = full;
     code.shortCode = full.substr(0, full.find('_'));
     // Any English is the program's own text: no catalogue to look for.
-    if (lower(code.shortCode) == "en")
+    if (equalsIgnoreCase(code.shortCode, "en"))
         return LanguageCode{};
     return code;
 }
@@ -85,17 +72,16 @@ std::string startupLanguageCode(const std::filesystem::path &startupFile) {
     std::string line;
     bool inSection = false;
     while (reader.next(line)) {
-        line = trimmed(line);
-        if (!line.empty() && line.front() == '[') {
-            inSection = lower(line) == "[morvstart]";
+        const std::string_view text = trim(line);
+        if (text.starts_with('[')) {
+            inSection = equalsIgnoreCase(text, "[morvstart]");
             continue;
         }
-        const size_t eq = line.find('=');
-        if (!inSection || eq == std::string::npos ||
-            lower(trimmed(line.substr(0, eq))) != "lang_code")
+        std::string_view key, value;
+        if (!inSection || !splitKeyValue(text, '=', key, value) ||
+            !equalsIgnoreCase(key, "lang_code"))
             continue;
-        const std::string value = trimmed(line.substr(eq + 1));
-        return value.empty() ? "en" : value;
+        return value.empty() ? "en" : std::string(value);
     }
     return "en";
 }
@@ -103,7 +89,7 @@ std::string startupLanguageCode(const std::filesystem::path &startupFile) {
 LanguageCode chooseLanguage(const std::string &requested, const LanguageEnvironment &environment) {
     const std::string code =
         requested.empty() ? startupLanguageCode(environment.startupFile) : requested;
-    if (lower(code) == "en")
+    if (equalsIgnoreCase(code, "en"))
         return LanguageCode{};
     for (const auto &value : {environment.language, environment.lang}) {
         if (!value || value->empty() || isNumeric(*value))
@@ -113,16 +99,17 @@ LanguageCode chooseLanguage(const std::string &requested, const LanguageEnvironm
     }
     const std::string &language = environment.systemLanguage;
     const std::string &country = environment.systemCountry;
-    if (lower(code) == "win") {
+    if (equalsIgnoreCase(code, "win")) {
         if (language.empty())
             return LanguageCode{};
-        const bool differ = lower(language) != lower(country);
-        const bool unitedStatesEnglish = lower(language) == "en" && lower(country) == "us";
+        const bool differ = !equalsIgnoreCase(language, country);
+        const bool unitedStatesEnglish =
+            equalsIgnoreCase(language, "en") && equalsIgnoreCase(country, "us");
         if (differ && !unitedStatesEnglish && !country.empty())
             return codeFrom(language + "_" + country);
         return codeFrom(language);
     }
-    return lower(code) == lower(language) ? codeFrom(code) : LanguageCode{};
+    return equalsIgnoreCase(code, language) ? codeFrom(code) : LanguageCode{};
 }
 
 std::filesystem::path cataloguePath(const std::filesystem::path &localeFolder,

@@ -4,6 +4,7 @@
 
 #include "app/command_line.h"
 #include "app/coordinate_grid_model.h"
+#include "app/display_commands.h"
 #include "app/language.h"
 #include "app/qt_interaction.h"
 #include "app/qt_text.h"
@@ -139,7 +140,7 @@ void CKELMADlg::readSettings(const ShellOptions &options) {
     }
     m_settings.tmpdir = withSeparator(m_folders.working);
 
-    if (m_settings.langMode == 1) {
+    if (m_settings.language == LanguageMode::System) {
         // The shared start-up file lies beside the settings file; it only
         // speaks when no code is asked for, and the shell asks for "win".
         const LanguageEnvironment environment = processLanguageEnvironment(
@@ -152,15 +153,12 @@ void CKELMADlg::readSettings(const ShellOptions &options) {
     }
 
     raw::DisplayModes modes = m_rawDocument.modes();
-    modes.angle = m_settings.angDisplayMode == 0 ? 0 : 1;
-    modes.neOrder = m_settings.neOrder == 1 ? 1 : 0;
+    modes.angle = m_settings.angleDisplay;
+    modes.order = m_settings.coordinateOrder;
     m_rawDocument.setModes(modes);
-    m_checks.choose(30 + modes.vertical);
-    m_checks.choose(34 + modes.distance);
-    m_checks.choose(modes.angle == 1 ? cmd::AnglesDms : cmd::AnglesGons);
-    m_checks.choose(modes.neOrder == 1 ? cmd::EastingNorthing : cmd::NorthingEasting);
-    if (modes.angle == 0)
-        m_rawDocument.changeAngleMode(0);
+    checkDisplayModes(modes, m_checks);
+    if (modes.angle == AngleUnit::Gons)
+        m_rawDocument.changeAngleMode(AngleUnit::Gons);
 }
 
 void CKELMADlg::createGrids() {
@@ -292,8 +290,7 @@ void CKELMADlg::processCommandLine(const std::string &commandLine) {
 }
 
 crd::CoordinateOrder CKELMADlg::coordinateOrder() const {
-    return m_rawDocument.modes().neOrder == 1 ? crd::CoordinateOrder::EastingNorthing
-                                              : crd::CoordinateOrder::NorthingEasting;
+    return m_rawDocument.modes().order;
 }
 
 void CKELMADlg::updateTitle() {
@@ -367,7 +364,7 @@ void CKELMADlg::fitRawColumns() {
 }
 
 void CKELMADlg::refreshCoordinateGrid() {
-    m_coordinateModel->reload(coordinateOrder());
+    m_coordinateModel->reload(m_rawDocument.modes().order);
     m_coordinateGrid->setColumnWidth(0, 90);
     for (int c = 1; c < 4; ++c)
         m_coordinateGrid->setColumnWidth(c, 130);
@@ -418,8 +415,8 @@ bool CKELMADlg::exitProgram() {
     m_coordinateModified = false;
     m_workingFile->close();
     const raw::DisplayModes &modes = m_rawDocument.modes();
-    m_settings.angDisplayMode = modes.angle;
-    m_settings.neOrder = modes.neOrder;
+    m_settings.angleDisplay = modes.angle;
+    m_settings.coordinateOrder = modes.order;
     m_settings.tmpdir = withSeparator(m_folders.working);
     writeSettingsFile(m_folders.settings / kSettingsFileName,
                       m_settings); // a failure is no reason to stay

@@ -28,6 +28,6 @@ inline QString qpath(const std::filesystem::path &path) {
 }
 
 /// The product name, used in titles and message boxes.
-inline constexpr const char *kProductName = "Halvren Tramline";
+inline constexpr const char *kProductName = trNoop("Halvren Tramline");
 
 } // namespace tramline::app

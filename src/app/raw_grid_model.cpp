@@ -19,7 +19,7 @@ int RawGridModel::columnCount(const QModelIndex &parent) const {
 }
 
 size_t RawGridModel::cellColumn(int row, int column) const {
-    if (m_neOrder == 1 && row >= 0 && static_cast<size_t>(row) < m_document.rowCount() &&
+    if (m_eastingFirst && row >= 0 && static_cast<size_t>(row) < m_document.rowCount() &&
         m_document.row(static_cast<size_t>(row)).type == "PT") {
         if (column == 2)
             return 3;
@@ -117,7 +117,7 @@ QVariant RawGridModel::headerData(int section, Qt::Orientation orientation, int 
 
 void RawGridModel::reload() {
     beginResetModel();
-    m_neOrder = m_document.modes().neOrder;
+    m_eastingFirst = m_document.modes().eastingFirst();
     if (m_currentRow >= static_cast<int>(m_document.rowCount()))
         m_currentRow = static_cast<int>(m_document.rowCount()) - 1;
     endResetModel();

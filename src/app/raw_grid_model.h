@@ -53,7 +53,7 @@ signals:
 private:
     raw::RawDocument &m_document;
     int m_currentRow = -1;
-    int m_neOrder = 0;
+    bool m_eastingFirst = false;
 };
 
 /// Editors of the raw grid: the Type list, the angle kinds of the "Code"

@@ -1,7 +1,8 @@
 #include "app/shell_folders.h"
 
+#include "base/text.h"
+
 #include <algorithm>
-#include <cctype>
 
 namespace tramline::app {
 
@@ -15,10 +16,7 @@ bool isSeparator(char c) {
 
 bool sameName(std::string_view a, std::string_view b) {
 #ifdef _WIN32
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-        return std::tolower(static_cast<unsigned char>(x)) ==
-               std::tolower(static_cast<unsigned char>(y));
-    });
+    return equalsIgnoreCase(a, b);
 #else
     return a == b;
 #endif

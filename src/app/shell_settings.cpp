@@ -3,9 +3,11 @@
 #include "base/atomic_save.h"
 #include "base/format.h"
 #include "base/line_reader.h"
+#include "base/text.h"
 
 #include <charconv>
 #include <fstream>
+#include <optional>
 
 namespace tramline::app {
 
@@ -13,17 +15,15 @@ namespace {
 
 // Decimal, as atoi reads it (leading blanks, then digits), but a value
 // without digits leaves the setting alone rather than making it 0.
-bool parseInteger(std::string_view text, int &value) {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
-        text.remove_prefix(1);
+std::optional<int> parseInteger(std::string_view text) {
+    text = trimLeft(text);
     if (!text.empty() && text.front() == '+')
         text.remove_prefix(1);
     int parsed = 0;
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), parsed, 10);
     if (ec != std::errc() || end == text.data())
-        return false;
-    value = parsed;
-    return true;
+        return std::nullopt;
+    return parsed;
 }
 
 } // namespace
@@ -36,12 +36,17 @@ void applySettingsLine(std::string_view line, ShellSettings &settings) {
     const std::string_view value = line.substr(eq + 1);
     if (key == "tmpdir")
         settings.tmpdir.assign(value);
-    else if (key == "ang_display_mode")
-        parseInteger(value, settings.angDisplayMode);
-    else if (key == "ne_order")
-        parseInteger(value, settings.neOrder);
-    else if (key == "lang_mode")
-        parseInteger(value, settings.langMode);
+    else if (key == "ang_display_mode") {
+        if (const auto n = parseInteger(value))
+            settings.angleDisplay = *n == 0 ? AngleUnit::Gons : AngleUnit::DegreesMinutesSeconds;
+    } else if (key == "ne_order") {
+        if (const auto n = parseInteger(value))
+            settings.coordinateOrder = *n == 1 ? raw::CoordinateOrder::EastingNorthing
+                                               : raw::CoordinateOrder::NorthingEasting;
+    } else if (key == "lang_mode") {
+        if (const auto n = parseInteger(value))
+            settings.language = *n == 1 ? LanguageMode::System : LanguageMode::English;
+    }
 }
 
 bool readSettingsFile(const std::filesystem::path &path, ShellSettings &settings) {
@@ -58,9 +63,10 @@ bool readSettingsFile(const std::filesystem::path &path, ShellSettings &settings
 std::string settingsText(const ShellSettings &settings) {
     std::string out;
     appendFormat(out, "tmpdir=%s\n", settings.tmpdir.c_str());
-    appendFormat(out, "ang_display_mode=%d\n", settings.angDisplayMode);
-    appendFormat(out, "ne_order=%d\n", settings.neOrder);
-    appendFormat(out, "lang_mode=%d\n", settings.langMode);
+    appendFormat(out, "ang_display_mode=%d\n", settings.angleDisplay == AngleUnit::Gons ? 0 : 1);
+    appendFormat(out, "ne_order=%d\n",
+                 settings.coordinateOrder == raw::CoordinateOrder::EastingNorthing ? 1 : 0);
+    appendFormat(out, "lang_mode=%d\n", settings.language == LanguageMode::System ? 1 : 0);
     return out;
 }
 

@@ -3,6 +3,9 @@
 // line is skipped, so a file from a newer or older version still reads.
 #pragma once
 
+#include "base/units.h"
+#include "raw/display_modes.h"
+
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -11,16 +14,24 @@ namespace tramline::app {
 
 inline constexpr const char *kSettingsFileName = "tramline.ini";
 
+/// Which language the program shows: English, or the system's.
+enum class LanguageMode : int { English, System };
+
+/// The settings as the program uses them. In the file they are integers:
+/// `ang_display_mode` 1 ddd.mmss and 0 gons, `ne_order` 0 northing first
+/// and 1 easting first, `lang_mode` 0 English and 1 the system's language.
 struct ShellSettings {
-    std::string tmpdir;     ///< working folder, ending in a separator; empty: not set
-    int angDisplayMode = 1; ///< 1 ddd.mmss, 0 gons
-    int neOrder = 0;        ///< 0 northing first, 1 easting first
-    int langMode = 0;       ///< 0 English, 1 the system's language
+    std::string tmpdir; ///< working folder, ending in a separator; empty: not set
+    AngleUnit angleDisplay = AngleUnit::DegreesMinutesSeconds;
+    raw::CoordinateOrder coordinateOrder = raw::CoordinateOrder::NorthingEasting;
+    LanguageMode language = LanguageMode::English;
 };
 
 /// Applies one line (or one piece of an overlong line): split at the first
 /// "=", the key compared exactly, numbers decimal. A line without a value,
-/// an unknown key or a number that does not parse changes nothing.
+/// an unknown key or a number that does not parse changes nothing; a number
+/// other than the ones above means the default (ddd.mmss, northing first,
+/// English) but for `ang_display_mode`, where anything but 0 is ddd.mmss.
 void applySettingsLine(std::string_view line, ShellSettings &settings);
 
 /// Reads the file in pieces of at most 221 characters (a longer line is

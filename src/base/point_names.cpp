@@ -1,7 +1,8 @@
 #include "base/point_names.h"
 
+#include "base/text.h"
+
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <limits>
 
@@ -59,13 +60,6 @@ template <typename T> int compareValues(T x, T y) {
     return x < y ? -1 : (x > y ? 1 : 0);
 }
 
-std::string_view trim(std::string_view s) {
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front())))
-        s.remove_prefix(1);
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back())))
-        s.remove_suffix(1);
-    return s;
-}
 } // namespace
 
 int comparePointNames(std::string_view a, std::string_view b) {

@@ -13,7 +13,7 @@ bool g_bound = false;
 }
 
 bool setTranslationLanguage(const std::string &catalogueFolder, const std::string &languageCode) {
-    if (languageCode.empty() || languageCode == "en" || languageCode.rfind("en_", 0) == 0) {
+    if (languageCode.empty() || languageCode == "en" || languageCode.starts_with("en_")) {
         g_bound = false;
         return true;
     }

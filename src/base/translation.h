@@ -16,6 +16,12 @@ inline constexpr const char *kTextDomain = "halvren-office";
 /// code (the English texts are used).
 bool setTranslationLanguage(const std::string &catalogueFolder, const std::string &languageCode);
 
+/// Marks a text for the catalogue where it is defined (a table entry, a
+/// message constant) when tr() is applied to it later; returns it unchanged.
+constexpr const char *trNoop(const char *english) {
+    return english;
+}
+
 /// The translation of `english`, or `english` itself. The pointer stays
 /// valid for the life of the program.
 const char *tr(const char *english);

@@ -1,8 +1,11 @@
 #include "cli/cli.h"
 
+#include "base/format.h"
+#include "base/translation.h"
 #include "cli/command_context.h"
 
 #include <algorithm>
+#include <exception>
 
 namespace tramline::cli {
 
@@ -19,22 +22,33 @@ int run(const std::vector<std::string> &args, std::ostream &out, std::ostream &e
     addGeoCommands(app, context);
 
     std::vector<std::string> reversed(args.rbegin(), args.rend());
+    return runGuarded(
+        [&]() -> int {
+            try {
+                app.parse(reversed);
+            } catch (const CLI::Success &e) { // --help, --help-all, --version
+                app.exit(e, out, err);
+                return kSuccess;
+            } catch (const CLI::ParseError &e) {
+                app.exit(e, out, err);
+                return kUsage;
+            }
+            return context.exitCode;
+        },
+        err);
+}
+
+int runGuarded(const std::function<int()> &command, std::ostream &err) {
+    // The boundary of the program: whatever a command lets escape ends as a
+    // failure with a message, never as an abort.
     try {
-        app.parse(reversed);
-    } catch (const CLI::CallForHelp &e) {
-        app.exit(e, out, err);
-        return kSuccess;
-    } catch (const CLI::CallForAllHelp &e) {
-        app.exit(e, out, err);
-        return kSuccess;
-    } catch (const CLI::CallForVersion &e) {
-        app.exit(e, out, err);
-        return kSuccess;
-    } catch (const CLI::ParseError &e) {
-        app.exit(e, out, err);
-        return kUsage;
+        return command();
+    } catch (const std::exception &e) {
+        err << format(tr("Error: the command stopped unexpectedly (%s)"), e.what()) << '\n';
+    } catch (...) {
+        err << tr("Error: the command stopped unexpectedly") << '\n';
     }
-    return context.exitCode;
+    return kFailure;
 }
 
 } // namespace tramline::cli

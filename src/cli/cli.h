@@ -2,6 +2,7 @@
 // streams, so tests drive the real commands without starting a program.
 #pragma once
 
+#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -13,5 +14,9 @@ enum ExitCode : int { kSuccess = 0, kFailure = 1, kUsage = 2 };
 
 /// Runs the command line `args` (without the program name).
 int run(const std::vector<std::string> &args, std::ostream &out, std::ostream &err);
+
+/// Runs `command` and returns its exit code; anything it throws becomes an
+/// "Error: ..." line on `err` and kFailure. run() goes through it.
+int runGuarded(const std::function<int()> &command, std::ostream &err);
 
 } // namespace tramline::cli

@@ -1,16 +1,16 @@
 #include "cli/console_interaction.h"
 
+#include "base/text.h"
+
 #include <algorithm>
-#include <cctype>
 
 namespace tramline::cli {
 
 namespace {
+// A button as the user names it: without its "&" and in any case.
 std::string plain(const std::string &button) {
-    std::string out;
-    for (char c : button)
-        if (c != '&')
-            out += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    std::string out = toLower(button);
+    std::erase(out, '&');
     return out;
 }
 } // namespace

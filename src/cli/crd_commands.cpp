@@ -33,6 +33,13 @@ public:
     }
 };
 
+// Commands that change points record the change in the history file when
+// asked; a file that keeps history always gets it.
+void addHistoryFlag(CLI::App *cmd, bool &history) {
+    cmd->add_flag("--history", history,
+                  "Record the change in the history file (always when it exists)");
+}
+
 // Everything a command needs to work on one coordinate file.
 struct Store {
     explicit Store(CommandContext &context)
@@ -119,8 +126,7 @@ void addPut(CLI::App &crdApp, CommandContext &ctx) {
     cmd->add_option("EASTING", o->easting, "Easting")->required();
     cmd->add_option("ELEVATION", o->elevation, "Elevation (98765432.1: none)")->required();
     cmd->add_option("DESCRIPTION", o->description, "Description (31 characters are kept)");
-    cmd->add_flag("--history", o->history,
-                  "Record the change in the history file (always when it exists)");
+    addHistoryFlag(cmd, o->history);
     cmd->callback([&ctx, o] {
         Store store(ctx);
         if (!store.openForUpdate(o->file, o->history))
@@ -211,8 +217,7 @@ void addDelete(CLI::App &crdApp, CommandContext &ctx) {
     auto o = std::make_shared<Options>();
     cmd->add_option("FILE", o->file, "Coordinate file")->required();
     cmd->add_option("LIST", o->list, "Points to delete, like 1-5,7,A10")->required();
-    cmd->add_flag("--history", o->history,
-                  "Record the change in the history file (always when it exists)");
+    addHistoryFlag(cmd, o->history);
     cmd->callback([&ctx, o] {
         PointList list;
         if (!list.parse(o->list))
@@ -289,8 +294,7 @@ void addRename(CLI::App &crdApp, CommandContext &ctx) {
     cmd->add_option("FILE", o->file, "Coordinate file")->required();
     cmd->add_option("OLD", o->from, "The point's name")->required();
     cmd->add_option("NEW", o->to, "Its new name")->required();
-    cmd->add_flag("--history", o->history,
-                  "Record the change in the history file (always when it exists)");
+    addHistoryFlag(cmd, o->history);
     cmd->callback([&ctx, o] {
         Store store(ctx);
         if (!store.openForUpdate(o->file, o->history))
@@ -334,8 +338,7 @@ void addReplace(CLI::App &crdApp, CommandContext &ctx) {
                   "Replace (ask before each) rather than Replace All; answer with --answer");
     cmd->add_option("--answer", o->answers,
                     "\"Search and Replace=yes|no|cancel\": the answer to every question");
-    cmd->add_flag("--history", o->history,
-                  "Record the changes in the history file (always when it exists)");
+    addHistoryFlag(cmd, o->history);
     cmd->callback([&ctx, o] {
         Store store(ctx);
         for (const auto &answer : o->answers) {

@@ -2,6 +2,7 @@
 // text from the command line.
 #include "base/folders.h"
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
@@ -68,14 +69,11 @@ void fail(CommandContext &ctx, const Status &status) {
 
 bool parseCsvNumbers(const std::string &text, std::vector<double> &values) {
     values.clear();
-    std::size_t start = 0;
-    while (start <= text.size()) {
-        const std::size_t comma = std::min(text.find(',', start), text.size());
+    for (const std::string_view field : split(text, ',')) {
         double v = 0;
-        if (!parseNumber(std::string_view(text).substr(start, comma - start), v))
+        if (!parseNumber(field, v))
             return false;
         values.push_back(v);
-        start = comma + 1;
     }
     return true;
 }
@@ -88,17 +86,13 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
         const auto family = familyFromName(o.family);
         if (!family)
             throw CLI::ValidationError("--family", "no family " + o.family);
-        std::string zone = o.zone;
-        if (zonePosition(*family, zone) < 0 && !zone.empty() &&
-            zone.find_first_not_of("0123456789") == std::string::npos)
-            zone = zoneName(*family, std::stoi(zone));
+        const std::string zone = zoneByNameOrPosition(*family, o.zone);
         ZoneOptions options;
         options.gridZone = o.gridZone;
-        options.south = o.south;
+        options.hemisphere = o.south ? Hemisphere::South : Hemisphere::North;
         options.latitude = latitude;
         options.longitude = longitude;
-        if (Status status = zoneSystem(*family, zone.empty() ? o.zone : zone, options, cs);
-            !status) {
+        if (Status status = zoneSystem(*family, zone, options, cs); !status) {
             fail(ctx, status);
             return false;
         }
@@ -106,22 +100,15 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
         cs = CoordinateSystem{};
         cs.type = *projectionTypeFromCode(o.type);
         for (const auto &param : o.params) {
-            const auto eq = param.find('=');
+            std::string_view key, text;
             double value = 0;
-            if (eq == std::string::npos ||
-                !parseNumber(std::string_view(param).substr(eq + 1), value))
+            if (!splitKeyValue(param, '=', key, text) || !parseNumber(text, value))
                 throw CLI::ValidationError("--param", "give NAME=VALUE, not " + param);
-            const std::string name = param.substr(0, eq);
+            const std::string name(key);
             if (usesCoefficients(cs.type)) {
-                const auto names = coefficientNames(cs.type, 64);
-                const auto it = std::find(names.begin(), names.end(), name);
-                if (it == names.end())
+                if (!cs.setCoefficient(name, value))
                     throw CLI::ValidationError("--param",
                                                "no coefficient " + name + " in this type");
-                const auto index = static_cast<std::size_t>(it - names.begin());
-                if (cs.parameters.coefficients.size() <= index)
-                    cs.parameters.coefficients.resize(index + 1, 0.0);
-                cs.parameters.coefficients[index] = value;
                 continue;
             }
             const auto parameter = parameterFromWktName(name);
@@ -261,7 +248,9 @@ void addWkt(CLI::App &geo, CommandContext &ctx) {
             return;
         if (o->out.empty()) {
             ctx.out << writeWkt(cs);
-        } else if (Status status = saveWkt(cs, o->out, o->append); !status) {
+        } else if (Status status =
+                       saveWkt(cs, o->out, o->append ? WktWrite::Append : WktWrite::Replace);
+                   !status) {
             fail(ctx, status);
         }
     });
@@ -461,11 +450,11 @@ void addArea(CLI::App &geoid, CommandContext &ctx) {
         if (model->count())
             s.model = o->settings.model;
         if (o->north || o->south)
-            s.north = o->north;
+            s.latitudeSide = o->north ? LatitudeSide::North : LatitudeSide::South;
         if (o->east || o->west)
-            s.east = o->east;
+            s.longitudeSide = o->east ? LongitudeSide::East : LongitudeSide::West;
         if (o->degrees || o->miles)
-            s.degrees = o->degrees;
+            s.sizeUnit = o->degrees ? AreaSizeUnit::Degrees : AreaSizeUnit::Miles;
         std::error_code ec;
         std::filesystem::create_directories(folders.dataFolder, ec);
         saveGeoidAreaSettings(ini, s);

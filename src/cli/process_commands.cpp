@@ -2,6 +2,7 @@
 // into a coordinate file, with the "Process Results" report.
 #include "base/folders.h"
 #include "base/format.h"
+#include "base/status_text.h"
 #include "base/text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
@@ -73,11 +74,7 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
         const auto family = geodesy::familyFromName(o.family);
         if (!family)
             throw CLI::ValidationError("--family", "no family " + o.family);
-        // A zone by its name, or by its position in the family's list.
-        std::string zone = o.zone;
-        if (geodesy::zonePosition(*family, zone) < 0 && !zone.empty() &&
-            zone.find_first_not_of("0123456789") == std::string::npos)
-            zone = geodesy::zoneName(*family, std::stoi(zone));
+        const std::string zone = geodesy::zoneByNameOrPosition(*family, o.zone);
         geodesy::CoordinateSystem system;
         geodesy::Status status = geodesy::zoneSystem(*family, zone, {}, system);
         if (status)
@@ -152,9 +149,8 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
         {tr("SDR Vertical Adjustment"), "--answer \"SDR Vertical Adjustment=Yes\" (or No)"}};
 
     raw::RawFile file;
-    std::string error;
-    if (!raw::readRawFile(o.file, file, &error)) {
-        ctx.err << tr("Error: unable to read raw file") << '\n';
+    if (const Status status = raw::readRawFile(o.file, file); !status) {
+        ctx.err << statusText(status) << '\n';
         ctx.exitCode = kFailure;
         return;
     }

@@ -1,6 +1,7 @@
 // tramline-cli raw ...: the raw file document from the command line.
 #include "base/folders.h"
 #include "base/format.h"
+#include "base/status_text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
@@ -51,7 +52,8 @@ void addClassify(CLI::App &raw, CommandContext &ctx) {
     cmd->callback([&ctx, lines, job] {
         raw::RawFields fields;
         for (const auto &line : *lines) {
-            const int kind = raw::ClassifyRawLine(line, *job ? 1 : 0, fields);
+            const int kind = raw::ClassifyRawLine(
+                line, *job ? raw::JobRecords::Recognised : raw::JobRecords::Unrecognised, fields);
             // Trailing empty outputs are not printed; empty values inside are.
             size_t used = fields.size();
             while (used > 0 && fields[used - 1].empty())
@@ -146,7 +148,7 @@ void addModify(CLI::App &raw, CommandContext &ctx) {
             // display, and are written back as such.
             field = raw::ModifyField::ElevationDifference;
             raw::DisplayModes modes;
-            modes.vertical = 3;
+            modes.vertical = raw::VerticalMode::ElevationDifference;
             doc.setModes(modes);
         }
         if (!openDocument(o->file, doc, ctx))
@@ -183,7 +185,7 @@ void addAppend(CLI::App &raw, CommandContext &ctx) {
             return;
         const size_t before = doc.rowCount();
         ConsoleInteraction ui(ctx.err);
-        if (!doc.append(o->other, o->tds, ui)) {
+        if (!doc.append(o->other, o->tds ? raw::RawFlavour::Tds : raw::RawFlavour::Rw5, ui)) {
             ctx.exitCode = kFailure;
             return;
         }
@@ -241,14 +243,12 @@ void addCheck(CLI::App &raw, CommandContext &ctx) {
     cmd->add_option("FILE", *file, "RW5 file")->required();
     cmd->callback([&ctx, file] {
         raw::RawFile records;
-        std::ifstream in(*file, std::ios::binary);
-        if (!in || std::filesystem::is_directory(*file) || !raw::readRaw(in, records)) {
-            ctx.err << tr("Error: unable to read raw file") << '\n';
+        if (const Status status = raw::readRawFile(*file, records); !status) {
+            ctx.err << statusText(status) << '\n';
             ctx.exitCode = kFailure;
             return;
         }
-        in.clear();
-        in.seekg(0);
+        std::ifstream in(*file, std::ios::binary);
         const raw::RawSummary summary = raw::summarizeRaw(in);
         const auto warnings = raw::validateRaw(records);
         ctx.out << "File: " << *file << '\n';

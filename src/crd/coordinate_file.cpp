@@ -22,9 +22,9 @@ namespace tramline::crd {
 
 namespace {
 
-const char *const kCouldNotOpen =
+const char *const kCouldNotOpen = trNoop(
     "\nError 1: Could not open file: %s\nIt might be read-only, in use by another application\n"
-    "or locked in error by program. If locked, restart program.";
+    "or locked in error by program. If locked, restart program.");
 
 bool isCrdExtension(const std::filesystem::path &path) {
     return equalsIgnoreCase(path.extension().string(), ".crd");
@@ -123,8 +123,8 @@ bool CoordinateFile::probeWriteAccess(const std::filesystem::path &path) {
     const struct {
         const char *message;
         int milliseconds;
-    } retries[] = {{"\nWaiting 1.5 seconds to obtain file lock...", 1500},
-                   {"\nWaiting 5 seconds to obtain file lock...", 5000}};
+    } retries[] = {{trNoop("\nWaiting 1.5 seconds to obtain file lock..."), 1500},
+                   {trNoop("\nWaiting 5 seconds to obtain file lock..."), 5000}};
     for (const auto &retry : retries) {
         if (result != FileOpenResult::Locked)
             break;

@@ -131,18 +131,18 @@ bool HistoryFile::openForAppend(const std::filesystem::path &path) {
     if (!m_file) {
         std::error_code ec;
         if (std::filesystem::exists(path, ec))
-            return failed("\nCRD HISTORY FAILED: %s not valid.\n", path);
+            return failed(trNoop("\nCRD HISTORY FAILED: %s not valid.\n"), path);
         m_file = std::fopen(path.c_str(), "w+b");
         if (!m_file)
-            return failed("\nCRD History file, %s, could not be created!\n", path);
+            return failed(trNoop("\nCRD History file, %s, could not be created!\n"), path);
         if (std::fwrite(kMark, 1, kHistoryMarkSize, m_file) != kHistoryMarkSize ||
             std::fflush(m_file) != 0)
-            return failed("\nCRD HISTORY FAILED: COULD NOT WRITE TO %s.\n", path);
+            return failed(trNoop("\nCRD HISTORY FAILED: COULD NOT WRITE TO %s.\n"), path);
     } else {
         char mark[kHistoryMarkSize] = {};
         if (std::fread(mark, 1, kHistoryMarkSize, m_file) != kHistoryMarkSize ||
             std::memcmp(mark, kMark, kHistoryMarkSize) != 0)
-            return failed("\nCRD HISTORY FAILED: %s not valid.\n", path);
+            return failed(trNoop("\nCRD HISTORY FAILED: %s not valid.\n"), path);
     }
     if (std::fseek(m_file, 0, SEEK_END) != 0) {
         if (m_messages)
@@ -220,7 +220,7 @@ bool HistoryFile::append(const CrdPoint *before, const CrdPoint *after, int oper
 
     if (std::fwrite(entry.data(), 1, entry.size(), m_file) != entry.size() ||
         std::fflush(m_file) != 0)
-        return failed("\nCRD HISTORY FAILED: COULD NOT WRITE TO %s.\n", m_path);
+        return failed(trNoop("\nCRD HISTORY FAILED: COULD NOT WRITE TO %s.\n"), m_path);
     if (stamp)
         m_lastStamp = time;
     m_previousText = entryText;

@@ -5,6 +5,7 @@
 // what a user searches for is what the user sees.
 #pragma once
 
+#include "base/coordinate_order.h"
 #include "crd/crd_point.h"
 
 #include <array>
@@ -14,8 +15,7 @@ namespace tramline::crd {
 
 enum class PointField { Name, Northing, Easting, Elevation, Description };
 
-/// The order of the two coordinate columns.
-enum class CoordinateOrder { NorthingEasting, EastingNorthing };
+using tramline::CoordinateOrder;
 
 inline constexpr std::size_t kPointColumns = 5;
 

@@ -1,5 +1,7 @@
 #include "geodesy/coordinate_system.h"
 
+#include "base/text.h"
+
 namespace tramline::geodesy {
 
 double invertScalePpm(double scalePpm) {
@@ -90,6 +92,22 @@ void ProjectionParameters::setValue(ProjectionParameter parameter, double v) {
 Ellipsoid CoordinateSystem::ellipsoid() const {
     const double f = userInverseFlattening == 0.0 ? 0.0 : 1.0 / userInverseFlattening;
     return ellipsoidAt(ellipsoidIndex, userSemiMajorAxis, f);
+}
+
+bool CoordinateSystem::setCoefficient(std::string_view coefficient, double value) {
+    // The numbered types take as many coefficients as a description holds;
+    // no published zone needs more than this.
+    constexpr std::size_t kMostCoefficients = 64;
+    const auto names = coefficientNames(type, kMostCoefficients);
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        if (!equalsIgnoreCase(names[index], coefficient))
+            continue;
+        if (parameters.coefficients.size() <= index)
+            parameters.coefficients.resize(index + 1, 0.0);
+        parameters.coefficients[index] = value;
+        return true;
+    }
+    return false;
 }
 
 } // namespace tramline::geodesy

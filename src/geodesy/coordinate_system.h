@@ -7,6 +7,7 @@
 #include "geodesy/projection_type.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tramline::geodesy {
@@ -74,6 +75,12 @@ struct CoordinateSystem {
 
     /// The ellipsoid the system uses.
     Ellipsoid ellipsoid() const;
+
+    /// Sets the coefficient named `coefficient` ("a", "l3", ...; case does not matter)
+    /// of a coefficient type, growing the list as far as it needs (the
+    /// coefficients before it stay 0 until set). False when the type has
+    /// no coefficient of that name.
+    bool setCoefficient(std::string_view coefficient, double value);
 };
 
 } // namespace tramline::geodesy

@@ -1,5 +1,8 @@
 #include "geodesy/coordinate_system_family.h"
 
+#include "base/text.h"
+#include "base/translation.h"
+
 #include <cctype>
 #include <string>
 
@@ -13,27 +16,20 @@ struct FamilyNames {
 };
 
 constexpr FamilyNames kFamilies[kFamilyCount] = {
-    {"State Plane 83", "Projection: State Plane 83"},
-    {"State Plane 27", "Projection: State Plane 27"},
-    {"UTM", "Projection: UTM"},
-    {"Lat/Lon", "Projection: Lat/Lon"},
-    {"Great Britain-OSGB36", "Projection: OSGB36"},
-    {"Australia", "Projection: Australia"},
-    {"New Zealand-NZGD2000", "Projection: NZGD2000"},
-    {"New Zealand-NZGD49", "Projection: NZGD49"},
-    {"France NTF-GR3DF97A", "Projection: France NTF-GR3DF97A"},
-    {"Barbados National Grid", "Projection: Barbados National Grid"},
-    {"More Pre-Defined/User-Defined", ""},
-    {"Australia-AGD84/AMG", ""},
-    {"Australia-AGD66/AMG", ""},
+    {trNoop("State Plane 83"), "Projection: State Plane 83"},
+    {trNoop("State Plane 27"), "Projection: State Plane 27"},
+    {trNoop("UTM"), "Projection: UTM"},
+    {trNoop("Lat/Lon"), "Projection: Lat/Lon"},
+    {trNoop("Great Britain-OSGB36"), "Projection: OSGB36"},
+    {trNoop("Australia"), "Projection: Australia"},
+    {trNoop("New Zealand-NZGD2000"), "Projection: NZGD2000"},
+    {trNoop("New Zealand-NZGD49"), "Projection: NZGD49"},
+    {trNoop("France NTF-GR3DF97A"), "Projection: France NTF-GR3DF97A"},
+    {trNoop("Barbados National Grid"), "Projection: Barbados National Grid"},
+    {trNoop("More Pre-Defined/User-Defined"), ""},
+    {trNoop("Australia-AGD84/AMG"), ""},
+    {trNoop("Australia-AGD66/AMG"), ""},
 };
-
-std::string lower(std::string_view s) {
-    std::string out(s);
-    for (char &c : out)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return out;
-}
 
 } // namespace
 
@@ -52,7 +48,7 @@ std::optional<CoordinateSystemFamily> familyFromName(std::string_view name) {
         if (name == kFamilies[i].name)
             return static_cast<CoordinateSystemFamily>(i);
     for (int i = 0; i < kFamilyCount; ++i)
-        if (lower(name) == lower(kFamilies[i].name))
+        if (equalsIgnoreCase(name, kFamilies[i].name))
             return static_cast<CoordinateSystemFamily>(i);
     if (!name.empty() && name.size() <= 2 && std::isdigit(static_cast<unsigned char>(name[0])) &&
         std::isdigit(static_cast<unsigned char>(name.back())))

@@ -1,6 +1,6 @@
 #include "geodesy/ellipsoid.h"
 
-#include <cctype>
+#include "base/text.h"
 #include <cmath>
 
 namespace tramline::geodesy {
@@ -74,7 +74,7 @@ std::string simplified(std::string_view name) {
     std::string out;
     for (char c : name)
         if (c != ' ' && c != '_')
-            out += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+            out += toLowerAscii(c);
     return out;
 }
 

@@ -258,7 +258,7 @@ Status systemFromEpsg(int code, CoordinateSystem &system) {
     // Variant A with the skew and rectified angles equal is the state plane
     // oblique Mercator of 1983 (Alaska zone 1).
     if (cs.type == ProjectionType::HotineObliqueMercator && p.rectifiedGridAngle == p.azimuth &&
-        cs.datum.rfind("NAD83", 0) == 0)
+        cs.datum.starts_with("NAD83"))
         cs.type = ProjectionType::ObliqueMercator83;
 
     double towgs84[7];

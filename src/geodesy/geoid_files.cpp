@@ -2,12 +2,12 @@
 
 #include "base/atomic_save.h"
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "geodesy/messages.h"
 
 #include <curl/curl.h>
 
-#include <cctype>
 #include <cstdio>
 #include <fstream>
 #include <mutex>
@@ -32,8 +32,7 @@ std::string geoidGridUrl(const std::string &serverBase, const std::string &fileN
     if (!url.empty() && url.back() != '/')
         url += '/';
     url += "GeoidGrids/";
-    for (char c : fileName)
-        url += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    url += toLower(fileName);
     return url;
 }
 
@@ -73,7 +72,7 @@ int downloadFile(const std::string &url, const std::filesystem::path &target, lo
     const bool written = std::fclose(file) == 0;
 
     std::error_code ec;
-    const bool isHttp = url.rfind("http", 0) == 0;
+    const bool isHttp = url.starts_with("http");
     if (code == CURLE_OK && written && (!isHttp || (status >= 200 && status < 300))) {
         std::filesystem::rename(partial, target, ec);
         if (!ec)

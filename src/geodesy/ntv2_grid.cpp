@@ -2,6 +2,7 @@
 
 #include "base/format.h"
 #include "base/line_reader.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "geodesy/messages.h"
 
@@ -19,19 +20,11 @@ Status fail(const char *message) {
     return Status::failure(StatusCode::Format, tr(message));
 }
 
-std::string trimmed(std::string s) {
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r'))
-        s.pop_back();
-    std::size_t start = 0;
-    while (start < s.size() && (s[start] == ' ' || s[start] == '\t'))
-        ++start;
-    return s.substr(start);
-}
-
 // A header record: an eight-character keyword, then its value.
-void splitRecord(const std::string &line, std::string &key, std::string &value) {
-    key = trimmed(line.substr(0, std::min<std::size_t>(8, line.size())));
-    value = line.size() > 8 ? trimmed(line.substr(8)) : std::string();
+void splitRecord(std::string_view line, std::string &key, std::string &value) {
+    const std::size_t width = std::min<std::size_t>(8, line.size());
+    key = trim(line.substr(0, width));
+    value = trim(line.substr(width));
 }
 
 bool numberOf(const std::map<std::string, std::string> &records, const char *key, double &value) {

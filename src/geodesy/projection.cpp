@@ -5,6 +5,7 @@
 
 #include "base/angles.h"
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "geodesy/messages.h"
 #include "geodesy/proj_support.h"
@@ -52,16 +53,13 @@ Status eovDefinition(std::string &definition) {
     if (const auto at = step.rfind("+proj="); at != std::string::npos)
         step = step.substr(at);
     std::string kept;
-    std::size_t start = 0;
-    while (start < step.size()) {
-        std::size_t end = step.find(' ', start);
-        if (end == std::string::npos)
-            end = step.size();
-        const std::string token = step.substr(start, end - start);
-        if (!token.empty() && token.rfind("+x_0=", 0) != 0 && token.rfind("+y_0=", 0) != 0 &&
-            token.rfind("+ellps=", 0) != 0 && token.rfind("+step", 0) != 0)
-            kept += (kept.empty() ? "" : " ") + token;
-        start = end + 1;
+    for (const std::string_view token : split(step, ' ')) {
+        if (token.empty() || token.starts_with("+x_0=") || token.starts_with("+y_0=") ||
+            token.starts_with("+ellps=") || token.starts_with("+step"))
+            continue;
+        if (!kept.empty())
+            kept += ' ';
+        kept += token;
     }
     definition = kept;
     return Status::success();

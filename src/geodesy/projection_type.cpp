@@ -1,6 +1,7 @@
 #include "geodesy/projection_type.h"
 
-#include <cctype>
+#include "base/text.h"
+#include "base/translation.h"
 
 namespace tramline::geodesy {
 
@@ -12,26 +13,26 @@ struct TypeNames {
 };
 
 constexpr TypeNames kTypeNames[kProjectionTypeCount] = {
-    {"Transverse Mercator", "Transverse_Mercator"},
-    {"Lambert Conformal Conic 1SP", "Lambert_Conformal_Conic"},
-    {"Lambert Conformal Conic 2SP", "Lambert_Conformal_Conic_2SP"},
-    {"Double Stereographic", "Oblique_Stereographic"},
-    {"Oblique Mercator", "Oblique_Mercator"},
-    {"Oblique Stereographic", "Stereographic"},
-    {"Transverse Mercator 34", "Transverse_Mercator_34"},
-    {"Transverse Mercator GGRS87", "Transverse_Mercator_GGRS87"},
-    {"Transverse Mercator OSTN02", "Transverse_Mercator_OSTN02"},
-    {"Oblique Mercator EOV", "Oblique_Mercator_EOV"},
-    {"Hotine Oblique Mercator", "Hotine_Oblique_Mercator"},
-    {"Krovak Oblique Conic Conformal", "Krovak_Oblique_Conic_Conformal"},
-    {"Oblique Stereographic RD2000", "Oblique_Stereographic_RD2000"},
-    {"Oblique Stereographic RD2004", "Oblique_Stereographic_RD2004"},
-    {"Oblique Mercator 27", "Oblique_Mercator_27"},
-    {"Oblique Mercator 83", "Oblique_Mercator_83"},
-    {"Lambert Conformal Conic 27", "Lambert_Conformal_Conic_27"},
-    {"Transverse Mercator 27", "Transverse_Mercator_27"},
-    {"Transverse Mercator Alaska 27", "Transverse_Mercator_Alaska_27"},
-    {"Cassini_Soldner", "Cassini_Soldner"},
+    {trNoop("Transverse Mercator"), "Transverse_Mercator"},
+    {trNoop("Lambert Conformal Conic 1SP"), "Lambert_Conformal_Conic"},
+    {trNoop("Lambert Conformal Conic 2SP"), "Lambert_Conformal_Conic_2SP"},
+    {trNoop("Double Stereographic"), "Oblique_Stereographic"},
+    {trNoop("Oblique Mercator"), "Oblique_Mercator"},
+    {trNoop("Oblique Stereographic"), "Stereographic"},
+    {trNoop("Transverse Mercator 34"), "Transverse_Mercator_34"},
+    {trNoop("Transverse Mercator GGRS87"), "Transverse_Mercator_GGRS87"},
+    {trNoop("Transverse Mercator OSTN02"), "Transverse_Mercator_OSTN02"},
+    {trNoop("Oblique Mercator EOV"), "Oblique_Mercator_EOV"},
+    {trNoop("Hotine Oblique Mercator"), "Hotine_Oblique_Mercator"},
+    {trNoop("Krovak Oblique Conic Conformal"), "Krovak_Oblique_Conic_Conformal"},
+    {trNoop("Oblique Stereographic RD2000"), "Oblique_Stereographic_RD2000"},
+    {trNoop("Oblique Stereographic RD2004"), "Oblique_Stereographic_RD2004"},
+    {trNoop("Oblique Mercator 27"), "Oblique_Mercator_27"},
+    {trNoop("Oblique Mercator 83"), "Oblique_Mercator_83"},
+    {trNoop("Lambert Conformal Conic 27"), "Lambert_Conformal_Conic_27"},
+    {trNoop("Transverse Mercator 27"), "Transverse_Mercator_27"},
+    {trNoop("Transverse Mercator Alaska 27"), "Transverse_Mercator_Alaska_27"},
+    {trNoop("Cassini_Soldner"), "Cassini_Soldner"},
 };
 
 struct ParameterInfo {
@@ -41,31 +42,21 @@ struct ParameterInfo {
 };
 
 constexpr ParameterInfo kParameters[kProjectionParameterCount] = {
-    {"latitude_of_origin", "Latitude of Origin", ParameterKind::Angle},
-    {"central_meridian", "Central Meridian", ParameterKind::Angle},
-    {"scale_factor", "Scale Factor", ParameterKind::Scale},
-    {"false_easting", "False Easting", ParameterKind::Length},
-    {"false_northing", "False Northing", ParameterKind::Length},
-    {"standard_parallel_1", "Standard Parallel", ParameterKind::Angle},
-    {"standard_parallel_2", "Standard Parallel", ParameterKind::Angle},
-    {"latitude_of_center", "Latitude of Center", ParameterKind::Angle},
-    {"longitude_of_center", "Longitude of Center", ParameterKind::Angle},
-    {"azimuth", "Azimuth", ParameterKind::Angle},
-    {"rectified_grid_angle", "Rectified Grid Angle", ParameterKind::Angle},
-    {"pseudo_standard_parallel_1", "Pseudo Standard Parallel", ParameterKind::Angle},
-    {"denmark_area", "Area", ParameterKind::Integer},
-    {"zone_width", "Zone Width", ParameterKind::Angle},
+    {"latitude_of_origin", trNoop("Latitude of Origin"), ParameterKind::Angle},
+    {"central_meridian", trNoop("Central Meridian"), ParameterKind::Angle},
+    {"scale_factor", trNoop("Scale Factor"), ParameterKind::Scale},
+    {"false_easting", trNoop("False Easting"), ParameterKind::Length},
+    {"false_northing", trNoop("False Northing"), ParameterKind::Length},
+    {"standard_parallel_1", trNoop("Standard Parallel"), ParameterKind::Angle},
+    {"standard_parallel_2", trNoop("Standard Parallel"), ParameterKind::Angle},
+    {"latitude_of_center", trNoop("Latitude of Center"), ParameterKind::Angle},
+    {"longitude_of_center", trNoop("Longitude of Center"), ParameterKind::Angle},
+    {"azimuth", trNoop("Azimuth"), ParameterKind::Angle},
+    {"rectified_grid_angle", trNoop("Rectified Grid Angle"), ParameterKind::Angle},
+    {"pseudo_standard_parallel_1", trNoop("Pseudo Standard Parallel"), ParameterKind::Angle},
+    {"denmark_area", trNoop("Area"), ParameterKind::Integer},
+    {"zone_width", trNoop("Zone Width"), ParameterKind::Angle},
 };
-
-bool equalNoCase(std::string_view a, std::string_view b) {
-    if (a.size() != b.size())
-        return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) !=
-            std::tolower(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
-}
 
 using P = ProjectionParameter;
 
@@ -87,7 +78,7 @@ const char *projectionTypeWktName(ProjectionType type) {
 
 std::optional<ProjectionType> projectionTypeFromWktName(std::string_view name) {
     for (int i = 0; i < kProjectionTypeCount; ++i)
-        if (equalNoCase(name, kTypeNames[i].written))
+        if (equalsIgnoreCase(name, kTypeNames[i].written))
             return static_cast<ProjectionType>(i);
     return std::nullopt;
 }
@@ -216,9 +207,9 @@ const std::vector<WrittenParameter> &writtenParameters(ProjectionType type) {
 
 std::optional<ProjectionParameter> parameterFromWktName(std::string_view name) {
     for (int i = 0; i < kProjectionParameterCount; ++i)
-        if (equalNoCase(name, kParameters[i].wktName))
+        if (equalsIgnoreCase(name, kParameters[i].wktName))
             return static_cast<ProjectionParameter>(i);
-    if (equalNoCase(name, "XY_Plane_Rotation"))
+    if (equalsIgnoreCase(name, "XY_Plane_Rotation"))
         return ProjectionParameter::RectifiedGridAngle;
     return std::nullopt;
 }

@@ -29,12 +29,13 @@ Status report(Interaction &ui, StatusCode code, const std::string &message) {
     return Status::failure(code, message);
 }
 
-bool parseFlag(const std::string &value, bool &flag) {
+// A 1/0 flag of the ini file as one of a choice's two values; a value that
+// is no number leaves the choice alone.
+template <typename Choice>
+void parseFlag(const std::string &value, Choice whenSet, Choice whenClear, Choice &choice) {
     double v = 0;
-    if (!parseNumber(value, v))
-        return false;
-    flag = v != 0.0;
-    return true;
+    if (parseNumber(value, v))
+        choice = v != 0.0 ? whenSet : whenClear;
 }
 
 } // namespace
@@ -61,11 +62,11 @@ bool loadGeoidAreaSettings(const std::filesystem::path &file, GeoidAreaSettings 
         else if (key == "size" && parseNumber(value, v))
             s.size = v;
         else if (key == "is_north")
-            parseFlag(value, s.north);
+            parseFlag(value, LatitudeSide::North, LatitudeSide::South, s.latitudeSide);
         else if (key == "is_east")
-            parseFlag(value, s.east);
+            parseFlag(value, LongitudeSide::East, LongitudeSide::West, s.longitudeSide);
         else if (key == "is_deg")
-            parseFlag(value, s.degrees);
+            parseFlag(value, AreaSizeUnit::Degrees, AreaSizeUnit::Miles, s.sizeUnit);
     }
     settings = s;
     return true;
@@ -77,20 +78,26 @@ bool saveGeoidAreaSettings(const std::filesystem::path &file, const GeoidAreaSet
     appendFormat(text, "lon_val=%.4f\n", s.longitude);
     appendFormat(text, "is_geoid99=%d\n", s.model);
     appendFormat(text, "size=%.2f\n", s.size);
-    appendFormat(text, "is_north=%d\n", s.north ? 1 : 0);
-    appendFormat(text, "is_east=%d\n", s.east ? 1 : 0);
-    appendFormat(text, "is_deg=%d\n", s.degrees ? 1 : 0);
+    appendFormat(text, "is_north=%d\n", s.latitudeSide == LatitudeSide::North ? 1 : 0);
+    appendFormat(text, "is_east=%d\n", s.longitudeSide == LongitudeSide::East ? 1 : 0);
+    appendFormat(text, "is_deg=%d\n", s.sizeUnit == AreaSizeUnit::Degrees ? 1 : 0);
     return saveTextAtomically(file, text);
 }
 
 bool askGeoidArea(Interaction &ui, GeoidAreaSettings &settings) {
     std::vector<FormField> fields = {
         {tr("Latitude (dd.mmss)"), format("%.4f", settings.latitude), {}},
-        {"", settings.north ? tr("North") : tr("South"), {tr("North"), tr("South")}},
+        {"",
+         settings.latitudeSide == LatitudeSide::North ? tr("North") : tr("South"),
+         {tr("North"), tr("South")}},
         {tr("Longitude (dd.mmss)"), format("%.4f", settings.longitude), {}},
-        {"", settings.east ? tr("East") : tr("West"), {tr("West"), tr("East")}},
+        {"",
+         settings.longitudeSide == LongitudeSide::East ? tr("East") : tr("West"),
+         {tr("West"), tr("East")}},
         {tr("Geoid Size"), format("%.2f", settings.size), {}},
-        {"", settings.degrees ? tr("Degree") : tr("Miles"), {tr("Degree"), tr("Miles")}},
+        {"",
+         settings.sizeUnit == AreaSizeUnit::Degrees ? tr("Degree") : tr("Miles"),
+         {tr("Degree"), tr("Miles")}},
         {tr("Geoid To Process"), std::to_string(settings.model), {}},
     };
     if (!ui.fillForm(tr("Set Geoid Area"), fields))
@@ -100,9 +107,9 @@ bool askGeoidArea(Interaction &ui, GeoidAreaSettings &settings) {
     if (!parseNumber(fields[0].value, s.latitude) || !parseNumber(fields[2].value, s.longitude) ||
         !parseNumber(fields[4].value, s.size) || !parseNumber(fields[6].value, model))
         return false;
-    s.north = fields[1].value == tr("North");
-    s.east = fields[3].value == tr("East");
-    s.degrees = fields[5].value == tr("Degree");
+    s.latitudeSide = fields[1].value == tr("North") ? LatitudeSide::North : LatitudeSide::South;
+    s.longitudeSide = fields[3].value == tr("East") ? LongitudeSide::East : LongitudeSide::West;
+    s.sizeUnit = fields[5].value == tr("Degree") ? AreaSizeUnit::Degrees : AreaSizeUnit::Miles;
     s.model = static_cast<int>(model);
     settings = s;
     return true;
@@ -112,9 +119,12 @@ Status setGeoidArea(GeoidModels &models, const GeoidAreaSettings &s,
                     const std::filesystem::path &output, Interaction &ui) {
     if (!isGeoidModel(s.model))
         return report(ui, StatusCode::InvalidInput, tr(messages::kGeoidNotSet));
-    const double latitude = unpackDms(std::fabs(s.latitude)) * (s.north ? 1 : -1);
-    const double longitude = unpackDms(std::fabs(s.longitude)) * (s.east ? 1 : -1);
-    const double sizeDegrees = s.degrees ? s.size : s.size * kMetresPerMile / kMetresPerDegree;
+    const double latitude =
+        unpackDms(std::fabs(s.latitude)) * (s.latitudeSide == LatitudeSide::North ? 1 : -1);
+    const double longitude =
+        unpackDms(std::fabs(s.longitude)) * (s.longitudeSide == LongitudeSide::East ? 1 : -1);
+    const bool inDegrees = s.sizeUnit == AreaSizeUnit::Degrees;
+    const double sizeDegrees = inDegrees ? s.size : s.size * kMetresPerMile / kMetresPerDegree;
     if (sizeDegrees > kMaxGeoidAreaDegrees)
         return report(ui, StatusCode::InvalidInput, tr(messages::kMaxGeoidSize));
     if (!(sizeDegrees > 0) || std::fabs(latitude) > 90.0)
@@ -145,7 +155,7 @@ Status setGeoidArea(GeoidModels &models, const GeoidAreaSettings &s,
 
     const double halfLatitude = sizeDegrees / 2.0;
     const double halfLongitude =
-        s.degrees ? halfLatitude
+        inDegrees ? halfLatitude
                   : std::min(180.0, halfLatitude / std::max(std::cos(radians(latitude)), 1e-3));
     const double dLat = model->latitudeSpacing(), dLon = model->longitudeSpacing();
     const int firstRow = std::max(

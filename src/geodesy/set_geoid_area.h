@@ -12,15 +12,21 @@
 
 namespace tramline::geodesy {
 
-/// The tool's entries, as "setgeoid.ini" keeps them.
+enum class LatitudeSide { North, South };
+enum class LongitudeSide { East, West };
+/// The unit of the square's side: degrees, or statute miles.
+enum class AreaSizeUnit { Degrees, Miles };
+
+/// The tool's entries. "setgeoid.ini" keeps the three choices as 1/0 flags
+/// (is_north, is_east, is_deg).
 struct GeoidAreaSettings {
     double latitude = 0.0;  ///< as entered, ddd.mmss, without sign
     double longitude = 0.0; ///< as entered, ddd.mmss, without sign
     int model = 0;          ///< the geoid model code ("is_geoid99")
-    double size = 1.0;      ///< side of the square, degrees or statute miles
-    bool north = true;      ///< the latitude is north
-    bool east = false;      ///< the longitude is east
-    bool degrees = true;    ///< the size is in degrees (else miles)
+    double size = 1.0;      ///< side of the square, in `sizeUnit`
+    LatitudeSide latitudeSide = LatitudeSide::North;
+    LongitudeSide longitudeSide = LongitudeSide::West;
+    AreaSizeUnit sizeUnit = AreaSizeUnit::Degrees;
 };
 
 inline constexpr const char *kSetGeoidIni = "setgeoid.ini";

@@ -3,12 +3,12 @@
 #include "base/angles.h"
 #include "base/atomic_save.h"
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "base/units.h"
 #include "geodesy/messages.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <fstream>
 
@@ -41,18 +41,11 @@ std::string formatParameter(const char *name, ProjectionParameter parameter,
     return {};
 }
 
-std::string lowered(std::string_view s) {
-    std::string out(s);
-    for (char &c : out)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return out;
-}
-
 // The text in lower case with everything inside quotes blanked out, so that
 // keywords are only found where they are keywords: a name may well hold
 // ",SPHEROID[" or "PARAMETER[".
 std::string keywordsOnly(std::string_view s) {
-    std::string out = lowered(s);
+    std::string out = toLower(s);
     bool quoted = false;
     for (char &c : out) {
         if (c == '"')
@@ -124,9 +117,9 @@ std::string writeWkt(const CoordinateSystem &system) {
     return out;
 }
 
-Status saveWkt(const CoordinateSystem &system, const std::filesystem::path &path, bool append) {
+Status saveWkt(const CoordinateSystem &system, const std::filesystem::path &path, WktWrite mode) {
     const std::string line = writeWkt(system);
-    if (append) {
+    if (mode == WktWrite::Append) {
         std::ofstream out(path, std::ios::binary | std::ios::app);
         if (out && out.write(line.data(), static_cast<std::streamsize>(line.size())) && out.flush())
             return Status::success();
@@ -140,7 +133,7 @@ Status saveWkt(const CoordinateSystem &system, const std::filesystem::path &path
 Status readWkt(std::string_view line, CoordinateSystem &system) {
     while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
         line.remove_suffix(1);
-    if (line.rfind("COMPD_CS", 0) != 0)
+    if (!line.starts_with("COMPD_CS"))
         return Status::failure(StatusCode::Format, tr(messages::kNotWkt));
     const std::string low = keywordsOnly(line);
     CoordinateSystem cs;
@@ -214,11 +207,10 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
     for (pos = low.find(",unit[\""); pos != std::string::npos;
          pos = low.find(",unit[\"", pos + 1)) {
         std::string unit;
-        if (quotedAt(line, pos + 7, unit) && lowered(unit) == "foot_us")
+        if (quotedAt(line, pos + 7, unit) && equalsIgnoreCase(unit, "foot_us"))
             usFeet = true;
     }
 
-    const auto coefficientNamesOfType = coefficientNames(cs.type, 64);
     for (pos = low.find("parameter[\""); pos != std::string::npos;
          pos = low.find("parameter[\"", pos + 1)) {
         std::string name;
@@ -228,14 +220,7 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
             !numberAt(line, end + 1, value) || !std::isfinite(value))
             return badValue(name.empty() ? "PARAMETER" : name);
         if (usesCoefficients(cs.type)) {
-            const auto it = std::find(coefficientNamesOfType.begin(), coefficientNamesOfType.end(),
-                                      lowered(name));
-            if (it == coefficientNamesOfType.end())
-                continue;
-            const auto index = static_cast<std::size_t>(it - coefficientNamesOfType.begin());
-            if (cs.parameters.coefficients.size() <= index)
-                cs.parameters.coefficients.resize(index + 1, 0.0);
-            cs.parameters.coefficients[index] = value;
+            cs.setCoefficient(name, value); // other names: another program's parameters
             continue;
         }
         const auto parameter = parameterFromWktName(name);
@@ -270,7 +255,7 @@ Status loadWkt(const std::filesystem::path &path, std::vector<CoordinateSystem> 
     // longer is not one, and is not held in memory whole.
     constexpr std::size_t kLongest = 1 << 16;
     while (std::getline(in, line)) {
-        if (line.size() > kLongest || line.rfind("COMPD_CS", 0) != 0)
+        if (line.size() > kLongest || !line.starts_with("COMPD_CS"))
             continue;
         CoordinateSystem cs;
         if (Status status = readWkt(line, cs); !status)

@@ -22,9 +22,12 @@ namespace tramline::geodesy {
 /// keeps the line readable by every parser.
 std::string writeWkt(const CoordinateSystem &system);
 
-/// Writes the line to `path`: a new file (replacing an old one whole), or,
-/// with `append`, a line added at the end of an existing file.
-Status saveWkt(const CoordinateSystem &system, const std::filesystem::path &path, bool append);
+/// How saveWkt() treats a file that is already there.
+enum class WktWrite { Replace, Append };
+
+/// Writes the line to `path`: a new file (replacing an old one whole), or a
+/// line added at the end of an existing file.
+Status saveWkt(const CoordinateSystem &system, const std::filesystem::path &path, WktWrite mode);
 
 /// Reads one line that begins with "COMPD_CS" into `system`. Parameter
 /// names are taken without regard to case and in any order; linear values

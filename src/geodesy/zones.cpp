@@ -6,6 +6,7 @@
 #include "geodesy/messages.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 
@@ -305,7 +306,7 @@ Status australianSystem(const AustralianGrid &grid, const ZoneOptions &options,
 Status utmSystem(const std::string &zoneName, const ZoneOptions &options,
                  CoordinateSystem &system) {
     int zone = 0;
-    bool south = options.south;
+    bool south = options.hemisphere == Hemisphere::South;
     if (zoneName == "Automatic") {
         if (!options.gridZone.empty()) {
             if (!parseZoneNumber(options.gridZone, zone) || zone < 1 || zone > 60)
@@ -398,6 +399,18 @@ int zonePosition(CoordinateSystemFamily family, const std::string &name) {
     const auto names = zoneNames(family);
     const auto it = std::find(names.begin(), names.end(), name);
     return it == names.end() ? -1 : static_cast<int>(it - names.begin());
+}
+
+std::string zoneByNameOrPosition(CoordinateSystemFamily family, const std::string &text) {
+    if (zonePosition(family, text) >= 0)
+        return text;
+    int position = -1;
+    const char *end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, position);
+    if (text.empty() || error != std::errc() || stop != end)
+        return text;
+    const std::string name = zoneName(family, position);
+    return name.empty() ? text : name;
 }
 
 Status zoneSystem(CoordinateSystemFamily family, const std::string &zone,

@@ -25,6 +25,13 @@ std::string zoneName(CoordinateSystemFamily family, int position);
 /// The position of `name` in the family's list; -1 when it is not there.
 int zonePosition(CoordinateSystemFamily family, const std::string &name);
 
+/// The zone a user names by its name, or else by its position in the
+/// family's list ("0" is the first); `text` itself when it is neither, so
+/// that zoneSystem() reports it. Positions of any length are safe.
+std::string zoneByNameOrPosition(CoordinateSystemFamily family, const std::string &text);
+
+enum class Hemisphere { North, South };
+
 /// What chooses the grid zone where a list entry leaves it open (UTM
 /// "Automatic", and the Australian grids, whose entries name a grid rather
 /// than one zone).
@@ -32,9 +39,9 @@ struct ZoneOptions {
     /// A grid zone: a UTM/MGA/AMG zone number ("55") or an ISG zone
     /// ("56/2"); empty to take it from the position.
     std::string gridZone;
-    /// For UTM: the southern hemisphere's false northing (10 000 km).
+    /// For UTM: the southern hemisphere has a false northing of 10 000 km.
     /// "Automatic" takes the hemisphere from the position instead.
-    bool south = false;
+    Hemisphere hemisphere = Hemisphere::North;
     /// A position inside the zone, decimal degrees, north and east
     /// positive; unset when not known.
     double latitude = kUnset;

@@ -62,10 +62,6 @@ private:
     bool m_done = false;
 };
 
-bool startsWith(std::string_view text, std::string_view prefix) {
-    return text.substr(0, prefix.size()) == prefix;
-}
-
 // A form is a fixed list of codes; every one must match. A note field
 // ("--") runs to the end of the line, any other value to the next comma;
 // fields after a complete form are not read.
@@ -100,7 +96,7 @@ int classifyObservation(std::string_view line, RawFields &fields) {
     return kObservation;
 }
 
-int classifyFields(std::string_view line, int jobFlag, RawFields &fields);
+int classifyFields(std::string_view line, JobRecords jobRecords, RawFields &fields);
 
 } // namespace
 
@@ -111,10 +107,10 @@ bool isObservationType(std::string_view type) {
     return false;
 }
 
-int ClassifyRawLine(std::string_view line, int jobFlag, RawFields &fields) {
+int ClassifyRawLine(std::string_view line, JobRecords jobRecords, RawFields &fields) {
     for (auto &f : fields)
         f.clear();
-    const int kind = classifyFields(line, jobFlag, fields);
+    const int kind = classifyFields(line, jobRecords, fields);
     if (kind == kUnrecognised) // no half-filled outputs from a rejected form
         for (auto &f : fields)
             f.clear();
@@ -123,39 +119,39 @@ int ClassifyRawLine(std::string_view line, int jobFlag, RawFields &fields) {
 
 namespace {
 
-int classifyFields(std::string_view line, int jobFlag, RawFields &fields) {
-    if (startsWith(line, "--")) {
+int classifyFields(std::string_view line, JobRecords jobRecords, RawFields &fields) {
+    if (line.starts_with("--")) {
         if (line.size() == 2)
             return kEmptyNote;
         fields[0].assign(line.substr(2));
         return kNote;
     }
 
-    if (jobFlag == 1 && startsWith(line, "JB,")) {
+    if (jobRecords == JobRecords::Recognised && line.starts_with("JB,")) {
         FieldCursor c(line.substr(3), fields);
         return takeForm(c, {"NM", "DT", "TM"}) ? kJob : kUnrecognised;
     }
-    if (startsWith(line, "LS,")) {
+    if (line.starts_with("LS,")) {
         FieldCursor c(line.substr(3), fields);
         if (c.take("HI"))
             return c.take("HR") ? kHeightsHiHr : kHeightsHi;
         return c.take("HR") ? kHeightsHr : kUnrecognised;
     }
-    if (startsWith(line, "OC,")) {
+    if (line.starts_with("OC,")) {
         FieldCursor c(line.substr(3), fields);
         if (!c.takeOneOf({"OP", "PN"}))
             return kUnrecognised;
         return takeForm(c, {"N ", "E ", "EL", "--"}) ? kOccupy : kUnrecognised;
     }
-    if (startsWith(line, "BK,")) {
+    if (line.starts_with("BK,")) {
         FieldCursor c(line.substr(3), fields);
         return takeForm(c, {"OP", "BP", "BS", "BC"}) ? kBacksight : kUnrecognised;
     }
-    if (startsWith(line, "SP,")) {
+    if (line.starts_with("SP,")) {
         FieldCursor c(line.substr(3), fields);
         return takeForm(c, {"PN", "N ", "E ", "EL", "--"}) ? kStorePoint : kUnrecognised;
     }
-    if (startsWith(line, "BP,")) {
+    if (line.starts_with("BP,")) {
         FieldCursor c(line.substr(3), fields);
         if (!c.take("PN") || !c.take("LA") || !c.take("LN") || !c.take("EL"))
             return kUnrecognised;
@@ -165,27 +161,27 @@ int classifyFields(std::string_view line, int jobFlag, RawFields &fields) {
             return kBasePointNote;
         return c.take("SR") ? kBasePointSr : kUnrecognised;
     }
-    if (startsWith(line, "GPS,")) {
+    if (line.starts_with("GPS,")) {
         FieldCursor c(line.substr(4), fields);
         return takeForm(c, {"PN", "LA", "LN", "EL", "--"}) ? kGps : kUnrecognised;
     }
-    if (startsWith(line, "G0,")) {
+    if (line.starts_with("G0,")) {
         fields[0].assign(line.substr(3));
         return kGps0;
     }
-    if (startsWith(line, "MO,")) {
+    if (line.starts_with("MO,")) {
         FieldCursor c(line.substr(3), fields);
         return takeForm(c, {"AD", "UN", "SF", "EC", "EO", "AU"}) ? kMode : kUnrecognised;
     }
-    if (startsWith(line, "G1,")) {
+    if (line.starts_with("G1,")) {
         FieldCursor c(line.substr(3), fields);
         return takeForm(c, {"BP", "PN", "DX", "DY", "DZ"}) ? kGps1 : kUnrecognised;
     }
-    if (startsWith(line, "G2,")) {
+    if (line.starts_with("G2,")) {
         FieldCursor c(line.substr(3), fields);
         return takeForm(c, {"VX", "VY", "VZ"}) ? kGps2 : kUnrecognised;
     }
-    if (startsWith(line, "G3,")) {
+    if (line.starts_with("G3,")) {
         FieldCursor c(line.substr(3), fields);
         return takeForm(c, {"XY", "XZ", "YZ"}) ? kGps3 : kUnrecognised;
     }

@@ -35,13 +35,17 @@ enum RawLineKind : int {
 
 using RawFields = std::array<std::string, 10>;
 
-/// Classifies one line (without its line end). `jobFlag` 1 makes a "JB"
-/// record recognisable; with any other value a JB line is kind 0. Up to
+/// Whether a "JB" line counts as a job record (a whole file is read with
+/// them; single lines of a job's body are not).
+enum class JobRecords { Unrecognised, Recognised };
+
+/// Classifies one line (without its line end). With JobRecords::
+/// Unrecognised a JB line is kind 0. Up to
 /// ten field values are written to `fields` in the record's field order;
 /// the others are cleared. For an observation the first value is the
 /// record type itself ("SS", "FD", ...). For a note the first value is the
 /// text after the dashes; for G0 the whole content after "G0,".
-int ClassifyRawLine(std::string_view line, int jobFlag, RawFields &fields);
+int ClassifyRawLine(std::string_view line, JobRecords jobRecords, RawFields &fields);
 
 /// True for the record types that hold an observation.
 bool isObservationType(std::string_view type);

@@ -4,6 +4,7 @@
 // distances), so each conversion uses the row's other values as they stand
 // at that moment; repeated switching may move the last place by rounding.
 #include "base/format.h"
+#include "base/text.h"
 #include "raw/angle_math.h"
 #include "raw/classify.h"
 #include "raw/document.h"
@@ -75,31 +76,23 @@ bool isAngleRecordRow(const std::string &type) {
     return type == "BK" || type == "AZ";
 }
 
-bool startsWith(const std::string &s, const char *prefix) {
-    return s.rfind(prefix, 0) == 0;
-}
-
 bool isGonsNote(const RawRow &row) {
     if (!row.type.empty() || row.cells.empty())
         return false;
-    std::string text = row.cells[0];
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
-        text.pop_back();
-    return text == "UNITS GONS";
+    return trimRight(row.cells[0]) == "UNITS GONS";
 }
 
 } // namespace
 
 void RawDocument::resetCorruptVerticalMode() {
-    if (m_modes.vertical < 1 || m_modes.vertical > 4)
-        m_modes.vertical = static_cast<int>(VerticalMode::Zenith);
+    m_modes.vertical = m_modes.verticalMode();
 }
 
-int RawDocument::changeVerticalMode(int mode) {
+int RawDocument::changeVerticalMode(VerticalMode mode) {
     resetCorruptVerticalMode();
     const VerticalMode from = m_modes.verticalMode();
     const DistanceMode distance = m_modes.distanceMode();
-    m_modes.vertical = mode >= 1 && mode <= 4 ? mode : static_cast<int>(VerticalMode::Zenith);
+    m_modes.vertical = DisplayModes::isVerticalMode(mode) ? mode : VerticalMode::Zenith;
     const VerticalMode to = m_modes.verticalMode();
     const AngleUnit unit = m_units.angle;
     int count = 0;
@@ -132,10 +125,10 @@ int RawDocument::changeVerticalMode(int mode) {
     return count;
 }
 
-int RawDocument::changeDistanceMode(int mode) {
+int RawDocument::changeDistanceMode(DistanceMode mode) {
     resetCorruptVerticalMode();
     const DistanceMode from = m_modes.distanceMode();
-    m_modes.distance = mode == 2 ? 2 : 1;
+    m_modes.distance = mode == DistanceMode::Horizontal ? mode : DistanceMode::Slope;
     const DistanceMode to = m_modes.distanceMode();
     const VerticalMode vertical = m_modes.verticalMode();
     const AngleUnit unit = m_units.angle;
@@ -156,11 +149,11 @@ int RawDocument::changeDistanceMode(int mode) {
     return count;
 }
 
-int RawDocument::changeAngleMode(int angleMode) {
+int RawDocument::changeAngleMode(AngleUnit unit) {
     resetCorruptVerticalMode();
-    m_modes.angle = angleMode == 0 ? 0 : 1;
+    m_modes.angle = unit == AngleUnit::Gons ? unit : AngleUnit::DegreesMinutesSeconds;
     const AngleUnit from = m_units.angle;
-    const AngleUnit to = m_modes.angle == 0 ? AngleUnit::Gons : AngleUnit::DegreesMinutesSeconds;
+    const AngleUnit to = m_modes.angle;
     if (from == to)
         return 0;
     auto convert = [&](std::string &cell) {
@@ -196,7 +189,7 @@ void RawDocument::markAngleUnit(AngleUnit unit) {
     const char digit = unit == AngleUnit::Gons ? '1' : '0';
     bool modeRecord = false;
     for (RawRow &row : m_rows) {
-        if (row.type != "DS" || row.cells.empty() || !startsWith(row.cells[0], "MO,"))
+        if (row.type != "DS" || row.cells.empty() || !row.cells[0].starts_with("MO,"))
             continue;
         modeRecord = true;
         std::string &text = row.cells[0];
@@ -215,7 +208,7 @@ void RawDocument::markAngleUnit(AngleUnit unit) {
 
 bool RawDocument::records(RawFile &file) const {
     std::istringstream in(text());
-    return readRaw(in, file);
+    return readRaw(in, file).ok();
 }
 
 } // namespace tramline::raw

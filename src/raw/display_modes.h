@@ -1,25 +1,37 @@
 // How the raw grid shows observations: the vertical value, the distance,
-// the angle unit and the order of coordinates.
+// the angle unit and the order of coordinates. The settings file keeps two
+// of them as integers; the shell converts where it reads and writes it.
 #pragma once
+
+#include "base/coordinate_order.h"
+#include "base/units.h"
 
 namespace tramline::raw {
 
 enum class VerticalMode : int { VerticalAngle = 1, Zenith = 2, ElevationDifference = 3, None = 4 };
 enum class DistanceMode : int { Slope = 1, Horizontal = 2 };
+using tramline::CoordinateOrder;
 
 struct DisplayModes {
-    int vertical = 2; ///< 1 vertical angle, 2 zenith, 3 elevation difference, 4 none
-    int distance = 1; ///< 1 slope, 2 horizontal
-    int angle = 1;    ///< 1 ddd.mmss, 0 gons (`ang_display_mode`)
-    int neOrder = 0;  ///< 0 northing first, 1 easting first (`ne_order`)
+    VerticalMode vertical = VerticalMode::Zenith;
+    DistanceMode distance = DistanceMode::Slope;
+    AngleUnit angle = AngleUnit::DegreesMinutesSeconds;
+    CoordinateOrder order = CoordinateOrder::NorthingEasting;
 
-    /// The vertical mode, a corrupt value (outside 1 to 4) read as zenith.
+    /// The vertical mode, a corrupt value (one no enumerator names) read as
+    /// zenith.
     VerticalMode verticalMode() const {
-        return vertical >= 1 && vertical <= 4 ? static_cast<VerticalMode>(vertical)
-                                              : VerticalMode::Zenith;
+        return isVerticalMode(vertical) ? vertical : VerticalMode::Zenith;
     }
     DistanceMode distanceMode() const {
-        return distance == 2 ? DistanceMode::Horizontal : DistanceMode::Slope;
+        return distance == DistanceMode::Horizontal ? DistanceMode::Horizontal
+                                                    : DistanceMode::Slope;
+    }
+    bool eastingFirst() const { return order == CoordinateOrder::EastingNorthing; }
+
+    static constexpr bool isVerticalMode(VerticalMode mode) {
+        return mode == VerticalMode::VerticalAngle || mode == VerticalMode::Zenith ||
+               mode == VerticalMode::ElevationDifference || mode == VerticalMode::None;
     }
 };
 

@@ -3,6 +3,7 @@
 #include "base/atomic_save.h"
 #include "base/format.h"
 #include "base/point_names.h"
+#include "base/status_text.h"
 #include "base/translation.h"
 #include "raw/angle_math.h"
 #include "raw/classify.h"
@@ -55,10 +56,6 @@ std::string reformatAngle(const std::string &text, AngleUnit unit) {
     return v ? formatAngle(angleToDegrees(*v, unit), unit) : text;
 }
 
-bool startsWith(const std::string &s, const char *prefix) {
-    return s.rfind(prefix, 0) == 0;
-}
-
 } // namespace
 
 const std::vector<std::string> &rowTypes() {
@@ -83,49 +80,54 @@ std::string RawDocument::fileName() const {
 
 std::vector<std::string> RawDocument::captions(const std::string &type) const {
     if (isObservationRow(type)) {
-        const char *vertical = "VertAng";
+        const char *vertical = trNoop("VertAng");
         switch (m_modes.verticalMode()) {
         case VerticalMode::Zenith:
-            vertical = "ZenithAng";
+            vertical = trNoop("ZenithAng");
             break;
         case VerticalMode::ElevationDifference:
-            vertical = "ElevDiff";
+            vertical = trNoop("ElevDiff");
             break;
         case VerticalMode::VerticalAngle:
         case VerticalMode::None:
             break;
         }
-        const char *distance =
-            m_modes.distanceMode() == DistanceMode::Horizontal ? "HorzDist" : "SlopeDist";
-        return {"OcPt", "FsPt", "Code", "HorzAngle", vertical, distance, "Description"};
+        const char *distance = m_modes.distanceMode() == DistanceMode::Horizontal
+                                   ? trNoop("HorzDist")
+                                   : trNoop("SlopeDist");
+        return {trNoop("OcPt"), trNoop("FsPt"), trNoop("Code"),       trNoop("HorzAngle"),
+                vertical,       distance,       trNoop("Description")};
     }
     if (type == "HI")
-        return {"InstHt", "RodHt"};
+        return {trNoop("InstHt"), trNoop("RodHt")};
     if (type == "BK")
-        return {"OcPt", "BsPt", "SetAzi", "BsCircle"};
+        return {trNoop("OcPt"), trNoop("BsPt"), trNoop("SetAzi"), trNoop("BsCircle")};
     if (type == "PT")
-        return {"PntNo", "Northing", "Easting", "Elevation", "Description"};
+        return {trNoop("PntNo"), trNoop("Northing"), trNoop("Easting"), trNoop("Elevation"),
+                trNoop("Description")};
     if (type == "GPS" || type == "BP")
-        return {"PntNo", "Latitude", "Longitude", "Elevation", "Description"};
+        return {trNoop("PntNo"), trNoop("Latitude"), trNoop("Longitude"), trNoop("Elevation"),
+                trNoop("Description")};
     if (type == "EL")
-        return {"PntNo", "Elevation"};
+        return {trNoop("PntNo"), trNoop("Elevation")};
     if (type == "AZ")
-        return {"OcPt", "FsPt", "SetAzi"};
+        return {trNoop("OcPt"), trNoop("FsPt"), trNoop("SetAzi")};
     if (type == "CSE")
-        return {"Northing", "Easting", "Elevation", "Azimuth(sec)"};
+        return {trNoop("Northing"), trNoop("Easting"), trNoop("Elevation"), trNoop("Azimuth(sec)")};
     if (type == "SSE")
-        return {"Rod Ctr", "Inst Ctr", "Inst Hgt", "Rod Hgt"};
+        return {trNoop("Rod Ctr"), trNoop("Inst Ctr"), trNoop("Inst Hgt"), trNoop("Rod Hgt")};
     if (type == "MSE")
-        return {"HA Pt(sec)", "HA Rd(sec)", "VA Pt(sec)", "VA Rd(sec)", "Distance", "Dist PPM"};
+        return {trNoop("HA Pt(sec)"), trNoop("HA Rd(sec)"), trNoop("VA Pt(sec)"),
+                trNoop("VA Rd(sec)"), trNoop("Distance"),   trNoop("Dist PPM")};
     if (type == "NAME")
-        return {"Traverse Name"};
+        return {trNoop("Traverse Name")};
     if (type == "DO")
-        return {"Data On/Off"};
+        return {trNoop("Data On/Off")};
     if (type == "G0" || type == "G1" || type == "G2" || type == "G3")
-        return {"GPS Vector"};
+        return {trNoop("GPS Vector")};
     if (type == "DS")
-        return {"Record"};
-    return {"Note"};
+        return {trNoop("Record")};
+    return {trNoop("Note")};
 }
 
 // --- filling rows from records ----------------------------------------------
@@ -237,7 +239,7 @@ RawRow RawDocument::rowFromNode(const RawNode &node) const {
         row.cells = {node.text};
         break;
     case RecordType::Text:
-        if (startsWith(node.text, "--")) {
+        if (node.text.starts_with("--")) {
             row.type.clear();
             row.cells = {node.text.substr(2)};
         } else {
@@ -249,12 +251,12 @@ RawRow RawDocument::rowFromNode(const RawNode &node) const {
     return row;
 }
 
-std::vector<RawRow> RawDocument::rowsFromFile(const RawFile &file, bool tds) const {
+std::vector<RawRow> RawDocument::rowsFromFile(const RawFile &file, RawFlavour flavour) const {
     std::vector<RawRow> rows;
     rows.reserve(file.nodes.size());
     for (const auto &node : file.nodes) {
-        if (tds && node.type == RecordType::Text &&
-            (startsWith(node.text, "JB,") || startsWith(node.text, "MO,")))
+        if (flavour == RawFlavour::Tds && node.type == RecordType::Text &&
+            (node.text.starts_with("JB,") || node.text.starts_with("MO,")))
             continue;
         rows.push_back(rowFromNode(node));
     }
@@ -263,14 +265,14 @@ std::vector<RawRow> RawDocument::rowsFromFile(const RawFile &file, bool tds) con
 
 void RawDocument::load(const RawFile &file) {
     m_units = file.units;
-    m_rows = rowsFromFile(file, false);
+    m_rows = rowsFromFile(file, RawFlavour::Rw5);
     m_modified = false;
 }
 
 bool RawDocument::open(const std::filesystem::path &path, Interaction &ui) {
     RawFile file;
-    if (!readRawFile(path, file)) {
-        ui.message(tr("Error: unable to read raw file"));
+    if (const Status status = readRawFile(path, file); !status) {
+        ui.message(statusText(status));
         return false;
     }
     load(file);
@@ -324,7 +326,7 @@ std::string RawDocument::lineFor(const RawRow &row) const {
     if (t == "BP") {
         // A base point read with its extra fields holds them, from "AG" on,
         // in its last cell.
-        if (cell(4).substr(0, 2) == "AG")
+        if (cell(4).starts_with("AG"))
             return writeBasePointExtra(cell(0), cell(1), cell(2), cell(3), cell(4));
         return writeBasePoint(cell(0), cell(1), cell(2), cell(3), cell(4));
     }
@@ -348,9 +350,9 @@ std::string RawDocument::lineFor(const RawRow &row) const {
     if (t == "DS")
         return text + "\n";
     // A note; record texts typed as notes become those records again.
-    if (startsWith(text, "--OC,") || startsWith(text, "--MO,") || startsWith(text, "--JB,"))
+    if (text.starts_with("--OC,") || text.starts_with("--MO,") || text.starts_with("--JB,"))
         return text.substr(2) + "\n";
-    if (startsWith(text, "OC,") || startsWith(text, "MO,") || startsWith(text, "JB,"))
+    if (text.starts_with("OC,") || text.starts_with("MO,") || text.starts_with("JB,"))
         return text + "\n";
     return writeNote(text);
 }
@@ -516,7 +518,7 @@ std::optional<CellPosition> RawDocument::find(const std::string &what, CellPosit
     return std::nullopt;
 }
 
-int RawDocument::replace(const std::string &what, const std::string &with, bool all,
+int RawDocument::replace(const std::string &what, const std::string &with, ReplaceScope scope,
                          Interaction &ui) {
     if (what.empty())
         return 0;
@@ -526,7 +528,7 @@ int RawDocument::replace(const std::string &what, const std::string &with, bool 
             std::string &text = m_rows[r].cells[c];
             if (text.find(what) == std::string::npos)
                 continue;
-            if (!all) {
+            if (scope == ReplaceScope::AskEach) {
                 const int answer =
                     ui.choose(tr("Search and Replace"),
                               format(tr("Replace in row %ld column %ld?"), static_cast<long>(r + 1),
@@ -548,10 +550,10 @@ int RawDocument::replace(const std::string &what, const std::string &with, bool 
     return count;
 }
 
-bool RawDocument::append(const std::filesystem::path &path, bool tds, Interaction &ui) {
+bool RawDocument::append(const std::filesystem::path &path, RawFlavour flavour, Interaction &ui) {
     RawFile file;
-    if (!readRawFile(path, file)) {
-        ui.message(tr("Error: unable to read raw file"));
+    if (const Status status = readRawFile(path, file); !status) {
+        ui.message(statusText(status));
         return false;
     }
     // The other file's angles are in its own unit; the rows are filled in
@@ -559,7 +561,7 @@ bool RawDocument::append(const std::filesystem::path &path, bool tds, Interactio
     RawDocument other;
     other.m_modes = m_modes;
     other.m_units = file.units;
-    auto rows = other.rowsFromFile(file, tds);
+    auto rows = other.rowsFromFile(file, flavour);
     m_rows.insert(m_rows.end(), std::make_move_iterator(rows.begin()),
                   std::make_move_iterator(rows.end()));
     if (!rows.empty())

@@ -65,6 +65,12 @@ struct ModifySelection {
     size_t firstLine = 0, lastLine = 0;
 };
 
+/// Whether Replace asks before each hit or replaces them all.
+enum class ReplaceScope { AskEach, All };
+
+/// The kind of raw file that Import Raw Data adds.
+enum class RawFlavour { Rw5, Tds };
+
 struct CellPosition {
     size_t row = 0;    ///< 0-based row
     size_t column = 0; ///< 0 is the Type column, 1.. the cells
@@ -126,23 +132,19 @@ public:
     // --- display commands (display_conversion.cpp) ----------------------
     // Each rewrites the affected cells of every row in place, from the old
     // form to the new, and returns how many cells it rewrote. A corrupt
-    // vertical mode (outside 1 to 4) is read as zenith and reset to it.
-    // The modified flag is left alone: the values mean what they meant.
+    // vertical mode is read as zenith and reset to it. The modified flag is
+    // left alone: the values mean what they meant.
 
-    /// New vertical mode: 1 vertical angle, 2 zenith angle, 3 elevation
-    /// difference, 4 none (shown as vertical angles, the grid hides them);
-    /// any other value means zenith.
-    int changeVerticalMode(int mode);
-    /// New distance mode: 1 slope, 2 horizontal.
-    int changeDistanceMode(int mode);
-    /// New angle mode (`ang_display_mode`): 1 ddd.mmss, 0 gons. The cells
-    /// then hold angles in that unit, and the mode record (or a "--UNITS
-    /// GONS" note when there is none) says so, so that the saved file
-    /// stays true.
-    int changeAngleMode(int angleMode);
-    /// New coordinate order (`ne_order`): 0 northing first, 1 easting first.
+    /// New vertical mode (None shows vertical angles, the grid hides them);
+    /// a value no enumerator names means zenith.
+    int changeVerticalMode(VerticalMode mode);
+    int changeDistanceMode(DistanceMode mode);
+    /// New angle unit. The cells then hold angles in that unit, and the
+    /// mode record (or a "--UNITS GONS" note when there is none) says so,
+    /// so that the saved file stays true.
+    int changeAngleMode(AngleUnit unit);
     /// Nothing is rewritten; grids show the order when next filled.
-    void setCoordinateOrder(int neOrder) { m_modes.neOrder = neOrder; }
+    void setCoordinateOrder(CoordinateOrder order) { m_modes.order = order; }
 
     /// The rows read back as records, as processing and exports take them.
     bool records(RawFile &file) const;
@@ -158,16 +160,17 @@ public:
     /// Finds `what` in the cells, row by row and left to right, starting
     /// after `from` and wrapping round once. Empty when not found.
     std::optional<CellPosition> find(const std::string &what, CellPosition from) const;
-    /// Replaces every occurrence of `what` by `with`. Unless `all`, asks
+    /// Replaces every occurrence of `what` by `with`. With AskEach, asks
     /// "Replace in row %ld column %ld?" (1-based, Type column 1) for each
     /// hit: Yes replaces, No skips, Cancel stops. Returns the count.
-    int replace(const std::string &what, const std::string &with, bool all, Interaction &ui);
+    int replace(const std::string &what, const std::string &with, ReplaceScope scope,
+                Interaction &ui);
 
-    /// Adds the records of another raw file at the end. With `tds`, the
-    /// file is a TDS collector's raw file: its own job and mode records are
-    /// left out, as the open job already has them. On failure shows
-    /// "Error: unable to read raw file".
-    bool append(const std::filesystem::path &path, bool tds, Interaction &ui);
+    /// Adds the records of another raw file at the end. A TDS collector's
+    /// raw file has its own job and mode records left out, as the open job
+    /// already has them. On failure shows "Error: unable to read raw file"
+    /// (with the line where the reading stopped).
+    bool append(const std::filesystem::path &path, RawFlavour flavour, Interaction &ui);
 
     /// The Print > Raw Data report ("Edit-Process Raw File").
     std::string printReport() const;
@@ -179,7 +182,7 @@ private:
     RawRow rowFromNode(const RawNode &node) const;
     void resetCorruptVerticalMode();
     void markAngleUnit(AngleUnit unit);
-    std::vector<RawRow> rowsFromFile(const RawFile &file, bool tds) const;
+    std::vector<RawRow> rowsFromFile(const RawFile &file, RawFlavour flavour) const;
 
     std::vector<RawRow> m_rows;
     std::filesystem::path m_path;

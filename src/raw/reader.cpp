@@ -3,31 +3,17 @@
 #include "base/angles.h"
 #include "base/format.h"
 #include "base/line_reader.h"
+#include "base/text.h"
+#include "base/translation.h"
 #include "raw/angle_math.h"
 #include "raw/classify.h"
 
-#include <cerrno>
 #include <cmath>
-#include <cstring>
 #include <fstream>
 
 namespace tramline::raw {
 
 namespace {
-
-// Splits at commas into at most `maxFields` pieces; the last piece keeps
-// any further commas (a trailing description may hold them).
-void splitFields(std::string_view line, size_t maxFields, std::vector<std::string_view> &out) {
-    out.clear();
-    while (out.size() + 1 < maxFields) {
-        const size_t comma = line.find(',');
-        if (comma == std::string_view::npos)
-            break;
-        out.push_back(line.substr(0, comma));
-        line.remove_prefix(comma + 1);
-    }
-    out.push_back(line);
-}
 
 // The value of a field after its two-character code; empty when shorter.
 std::string_view afterCode(std::string_view field) {
@@ -39,7 +25,7 @@ bool number(std::string_view text, double &value) {
 }
 
 void readHorizontal(std::string_view field, Observation &obs) {
-    if (field.substr(0, 2) == "BR") {
+    if (field.starts_with("BR")) {
         // "BRN45.3000E": the quadrant from the third and the last character.
         const char ns = field.size() > 2 ? field[2] : ' ';
         const char ew = field.empty() ? ' ' : field.back();
@@ -133,7 +119,7 @@ void readObservation(const std::vector<std::string_view> &parts, const RawUnits 
     node.fields.assign(6, std::string{});
     for (size_t i = 1; i < parts.size() && i < 6; ++i)
         node.fields[i - 1].assign(afterCode(parts[i]));
-    if (parts.size() > 3 && parts[3].substr(0, 2) == "BR") {
+    if (parts.size() > 3 && parts[3].starts_with("BR")) {
         std::string_view value = parts[3].size() > 3 ? parts[3].substr(3) : std::string_view{};
         if (!value.empty() && (value.back() == 'E' || value.back() == 'W'))
             value.remove_suffix(1);
@@ -172,7 +158,7 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
 
     if (!type.empty() && type.substr(0, 2) != "--") {
         if (isObservationType(type)) {
-            splitFields(line, 7, parts);
+            splitAtMost(line, ',', 7, parts);
             node.type = RecordType::Observation;
             node.name.assign(type);
             readObservation(parts, units, node);
@@ -181,7 +167,7 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
         for (const auto &record : kPositional) {
             if (record.name != type)
                 continue;
-            splitFields(rest, record.fieldCount, parts);
+            splitAtMost(rest, ',', record.fieldCount, parts);
             node.type = record.type;
             node.name.assign(type);
             for (std::string_view p : parts)
@@ -190,15 +176,15 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
         }
         if (type == "LS") {
             // Heights come in three forms; here the code decides which is which.
-            splitFields(rest, 2, parts);
+            splitAtMost(rest, ',', 2, parts);
             node.type = RecordType::Heights;
             node.name = "LS";
             node.fields.assign(2, std::string{});
             for (std::string_view p : parts) {
-                if (p.substr(0, 2) == "HI") {
+                if (p.starts_with("HI")) {
                     node.fields[0].assign(afterCode(p));
                     node.hasHi = true;
-                } else if (p.substr(0, 2) == "HR") {
+                } else if (p.starts_with("HR")) {
                     node.fields[1].assign(afterCode(p));
                     node.hasHr = true;
                 }
@@ -206,14 +192,14 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
             return true;
         }
         if (type == "BP") {
-            splitFields(rest, 5, parts);
+            splitAtMost(rest, ',', 5, parts);
             node.type = RecordType::BasePoint;
             node.name = "BP";
             for (size_t i = 0; i < parts.size(); ++i)
                 node.fields.emplace_back(i < 4 ? afterCode(parts[i]) : parts[i]);
             // The fifth piece is either "--description" or the extra fields
             // (AG, PA, AT, then a note or SR), kept whole.
-            if (node.fields.size() == 5 && node.fields[4].substr(0, 2) == "--")
+            if (node.fields.size() == 5 && node.fields[4].starts_with("--"))
                 node.fields[4].erase(0, 2);
             return true;
         }
@@ -238,7 +224,7 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
             node.text.assign(line.substr(0, kTextRowLimit));
             node.fields.assign(5, std::string{});
             RawFields f;
-            if (ClassifyRawLine(line, 0, f) == kOccupy) {
+            if (ClassifyRawLine(line, JobRecords::Unrecognised, f) == kOccupy) {
                 for (size_t i = 0; i < node.fields.size(); ++i)
                     node.fields[i] = std::move(f[i]);
             } else {
@@ -257,7 +243,7 @@ bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node) {
     return true;
 }
 
-bool readRaw(std::istream &in, RawFile &file) {
+Status readRaw(std::istream &in, RawFile &file) {
     file = RawFile{};
     // Reserve for the whole file when its size is known: growing a vector
     // of a million records moves every one of them several times.
@@ -282,28 +268,20 @@ bool readRaw(std::istream &in, RawFile &file) {
             file.verticalMode = node.observation.verticalKind;
         file.nodes.push_back(std::move(node));
     }
-    return !reader.failed();
+    if (reader.failed())
+        return Status::failure(StatusCode::Io, tr("Error: unable to read raw file"),
+                               reader.lineNumber() + 1);
+    return Status::success();
 }
 
-bool readRawFile(const std::filesystem::path &path, RawFile &file, std::string *error) {
+Status readRawFile(const std::filesystem::path &path, RawFile &file) {
     std::error_code ec;
-    if (std::filesystem::is_directory(path, ec)) {
-        if (error)
-            *error = std::strerror(EISDIR);
-        return false;
-    }
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        if (error)
-            *error = std::strerror(errno);
-        return false;
-    }
-    if (!readRaw(in, file)) {
-        if (error)
-            *error = "read error";
-        return false;
-    }
-    return true;
+    std::ifstream in;
+    if (!std::filesystem::is_directory(path, ec))
+        in.open(path, std::ios::binary);
+    if (!in.is_open())
+        return Status::failure(StatusCode::NotFound, tr("Error: unable to read raw file"));
+    return readRaw(in, file);
 }
 
 } // namespace tramline::raw

@@ -7,6 +7,7 @@
 // slope distance.
 #pragma once
 
+#include "base/status.h"
 #include "raw/record.h"
 
 #include <filesystem>
@@ -32,11 +33,12 @@ struct RawFile {
 bool parseRawLine(std::string_view line, const RawUnits &units, RawNode &node);
 
 /// Reads a whole stream. Never fails on content: what does not parse is
-/// kept as text. False only when the stream itself failed.
-bool readRaw(std::istream &in, RawFile &file);
+/// kept as text. Fails (Io, "Error: unable to read raw file") only when
+/// the stream itself failed, with the line where the reading stopped.
+Status readRaw(std::istream &in, RawFile &file);
 
-/// Opens and reads a file. False when it cannot be opened or read (a
-/// missing file, a folder); `error` then holds the system's reason.
-bool readRawFile(const std::filesystem::path &path, RawFile &file, std::string *error = nullptr);
+/// Opens and reads a file. Fails with NotFound when it cannot be opened (a
+/// missing file, a folder; no line then), or as readRaw() does.
+Status readRawFile(const std::filesystem::path &path, RawFile &file);
 
 } // namespace tramline::raw

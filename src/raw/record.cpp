@@ -1,6 +1,6 @@
 #include "raw/record.h"
 
-#include <cctype>
+#include "base/text.h"
 
 namespace tramline::raw {
 
@@ -30,7 +30,7 @@ std::string occupiedPointOf(std::string_view occupyLine) {
 
 bool applyUnitsLine(std::string_view line, RawUnits &units) {
     bool changed = false;
-    if (line.substr(0, 3) == "MO," && line.find(",AD") != std::string_view::npos) {
+    if (line.starts_with("MO,") && line.find(",AD") != std::string_view::npos) {
         const size_t un = line.find(",UN");
         if (un != std::string_view::npos && un + 3 < line.size()) {
             LinearUnit unit;
@@ -48,10 +48,8 @@ bool applyUnitsLine(std::string_view line, RawUnits &units) {
         }
         return changed;
     }
-    if (line.substr(0, 8) == "--UNITS ") {
-        std::string_view word = line.substr(8);
-        while (!word.empty() && std::isspace(static_cast<unsigned char>(word.back())))
-            word.remove_suffix(1);
+    if (line.starts_with("--UNITS ")) {
+        const std::string_view word = trimRight(line.substr(8));
         if (word == "METERS") {
             units.linear = LinearUnit::Metres;
             units.linearDeclared = true;

@@ -90,7 +90,7 @@ RawSummary summarizeRaw(std::istream &in) {
         if (line.size() < 3)
             continue;
         ++summary.records;
-        const int kind = ClassifyRawLine(line, 1, fields);
+        const int kind = ClassifyRawLine(line, JobRecords::Recognised, fields);
         switch (kind) {
         case kObservation:
             ++summary.observations;
@@ -112,7 +112,7 @@ RawSummary summarizeRaw(std::istream &in) {
                                                          "CC,",   "CSE,", "SSE,", "MSE,"};
             bool known = false;
             for (const char *prefix : kEditorRecords)
-                known = known || line.rfind(prefix, 0) == 0;
+                known = known || line.starts_with(prefix);
             if (!known)
                 summary.unrecognised.push_back(
                     format("line %zu: %s", reader.lineNumber(), line.c_str()));

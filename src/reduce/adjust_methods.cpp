@@ -9,17 +9,18 @@ namespace {
 // Menu ids are the desktop program's (its menu table checks them against
 // these rows); history codes are the coordinate file's processing codes.
 constexpr AdjustMethodInfo kMethods[] = {
-    {AdjustMethod::None, "No Adjust", "Process No Adjust Results", "", "none", 37, 0, true},
-    {AdjustMethod::AngleBalance, "Angle Balance", "Process Angle Balance Results", "",
-     "angle-balance", 32813, 0, true},
-    {AdjustMethod::Compass, "Compass", "Process Compass Results", "Compass Closure", "compass", 39,
-     28, true},
-    {AdjustMethod::Crandall, "Crandall", "Process Crandall Results", "Crandall Closure", "crandall",
-     40, 29, true},
-    {AdjustMethod::Transit, "Transit", "Process Transit Results", "Transit Closure", "transit", 41,
-     27, true},
-    {AdjustMethod::LeastSquares, "Least-Squares", "Process Least-Squares Results", "",
-     "least-squares", 32814, 30, false},
+    {AdjustMethod::None, trNoop("No Adjust"), trNoop("Process No Adjust Results"), "", "none", 37,
+     0, true},
+    {AdjustMethod::AngleBalance, trNoop("Angle Balance"), trNoop("Process Angle Balance Results"),
+     "", "angle-balance", 32813, 0, true},
+    {AdjustMethod::Compass, trNoop("Compass"), trNoop("Process Compass Results"),
+     trNoop("Compass Closure"), "compass", 39, 28, true},
+    {AdjustMethod::Crandall, trNoop("Crandall"), trNoop("Process Crandall Results"),
+     trNoop("Crandall Closure"), "crandall", 40, 29, true},
+    {AdjustMethod::Transit, trNoop("Transit"), trNoop("Process Transit Results"),
+     trNoop("Transit Closure"), "transit", 41, 27, true},
+    {AdjustMethod::LeastSquares, trNoop("Least-Squares"), trNoop("Process Least-Squares Results"),
+     "", "least-squares", 32814, 30, false},
 };
 
 } // namespace

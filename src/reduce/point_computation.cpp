@@ -67,13 +67,13 @@ void appendColumnHeads(std::string &h) {
     h += ' ';
     appendPadded(h, tr("Point"), 9);
     for (const auto &[head, width] :
-         std::initializer_list<std::pair<const char *, size_t>>{{"Azimuth", 9},
-                                                                {"SlopeDist", 10},
-                                                                {"HorzDist", 10},
-                                                                {"VertDist", 10},
-                                                                {"Northing", 12},
-                                                                {"Easting", 12},
-                                                                {"Elevation", 10}}) {
+         std::initializer_list<std::pair<const char *, size_t>>{{trNoop("Azimuth"), 9},
+                                                                {trNoop("SlopeDist"), 10},
+                                                                {trNoop("HorzDist"), 10},
+                                                                {trNoop("VertDist"), 10},
+                                                                {trNoop("Northing"), 12},
+                                                                {trNoop("Easting"), 12},
+                                                                {trNoop("Elevation"), 10}}) {
         h += ' ';
         appendPadded(h, tr(head), width, true);
     }

@@ -15,11 +15,11 @@ using raw::RecordType;
 
 namespace {
 
-const char *kChangeNotes = "&Change Store Point Records into Notes";
-const char *kChangeSecondary = "&Change Secondary Store Point Records into Notes";
-const char *kContinue = "Continue &Processing";
-const char *kReport = "&Report";
-const char *kReturn = "Return To &Editor";
+const char *kChangeNotes = trNoop("&Change Store Point Records into Notes");
+const char *kChangeSecondary = trNoop("&Change Secondary Store Point Records into Notes");
+const char *kContinue = trNoop("Continue &Processing");
+const char *kReport = trNoop("&Report");
+const char *kReturn = trNoop("Return To &Editor");
 
 int ask(Interaction &ui, const char *title, const std::string &text,
         std::vector<std::string> buttons) {
@@ -111,7 +111,7 @@ CheckOutcome storePointCheck(CheckContext &context) {
     std::string report = format("\n%s: %s\n", tr("Raw File"), context.rawFileName.c_str());
     appendFormat(report, "\n%-9.9s %-14.14s %s", tr("Point ID"), tr("Measure Line#"),
                  tr("Store Line#"));
-    return answer(context, "Store Point Check", text, kChangeNotes, conflicts,
+    return answer(context, trNoop("Store Point Check"), text, kChangeNotes, conflicts,
                   report + list + "\n");
 }
 
@@ -145,7 +145,7 @@ CheckOutcome storePointConflicts(CheckContext &context) {
     const std::string text =
         std::string(tr("Warning: Multiple Store Point records to same point number")) + "\n" +
         tr("with different coordinates.") + "\n\n" + tr("Point ID  Store Line #'s") + list;
-    return answer(context, "Store Point Conflicts", text, kChangeSecondary, secondary,
+    return answer(context, trNoop("Store Point Conflicts"), text, kChangeSecondary, secondary,
                   format("\n%s: %s\n", tr("Raw File"), context.rawFileName.c_str()) +
                       tr("Point ID  Store Line #'s") + list + "\n");
 }
@@ -177,7 +177,7 @@ CheckOutcome pointProtect(CheckContext &context, crd::CoordinateFile &coordinate
     if (count == 0)
         return CheckOutcome::Continue;
     const std::string text = std::string(tr("Duplicate Point Numbers")) + "\n\n" + list;
-    switch (ask(context.ui, "Point Protect", text, {kContinue, kReport, kReturn})) {
+    switch (ask(context.ui, trNoop("Point Protect"), text, {kContinue, kReport, kReturn})) {
     case 0:
         return CheckOutcome::Continue;
     case 1: {

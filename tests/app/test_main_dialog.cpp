@@ -72,10 +72,10 @@ TEST_F(MainDialogTest, StartsWithoutSettingsFile) {
     EXPECT_EQ(dialog->rawGrid()->property("controlId").toInt(), 110);
     EXPECT_EQ(dialog->coordinateGrid()->property("controlId").toInt(), 111);
     EXPECT_EQ(dialog->folders().working, workingFolder().string() + "/");
-    for (int id : {32, 35, 32850, 32862})
+    for (int id : {cmd::ZenithAngle, cmd::SlopeDistance, cmd::AnglesDms, cmd::NorthingEasting})
         EXPECT_TRUE(dialog->checkTable().checked(id)) << id;
-    EXPECT_TRUE(dialog->actions(32).front()->isChecked());
-    EXPECT_FALSE(dialog->actions(31).front()->isChecked());
+    EXPECT_TRUE(dialog->actions(cmd::ZenithAngle).front()->isChecked());
+    EXPECT_FALSE(dialog->actions(cmd::VerticalAngle).front()->isChecked());
     EXPECT_TRUE(shell.messages.empty());
     // The settings are written at exit, defaults and all.
     ASSERT_TRUE(dialog->exitProgram());
@@ -99,9 +99,9 @@ TEST_F(MainDialogTest, StartsWithSettingsFileAndAnOldWorkingFile) {
     EXPECT_EQ(dialog->folders().working, tmpdir.string() + "/");
     EXPECT_EQ(dialog->coordinateModel()->rowCount(), 0);
     EXPECT_FALSE(fs::exists(settingsFolder() / "tramlinetmp.not"));
-    EXPECT_EQ(dialog->rawDocument().modes().angle, 0);
-    EXPECT_EQ(dialog->rawDocument().modes().neOrder, 1);
-    for (int id : {32851, 32863})
+    EXPECT_EQ(dialog->rawDocument().modes().angle, AngleUnit::Gons);
+    EXPECT_EQ(dialog->rawDocument().modes().order, raw::CoordinateOrder::EastingNorthing);
+    for (int id : {cmd::AnglesGons, cmd::EastingNorthing})
         EXPECT_TRUE(dialog->checkTable().checked(id)) << id;
     EXPECT_EQ(dialog->coordinateModel()->headerData(1, Qt::Horizontal).toString(), "Easting");
     ASSERT_TRUE(dialog->exitProgram());
@@ -116,8 +116,8 @@ TEST_F(MainDialogTest, GarbageSettingsLeaveTheDefaults) {
         garbage.push_back(static_cast<char>(i * 131));
     tramline::test::spit(settingsFile(), garbage + "\n" + std::string(5000, 'x') + "\n");
     auto dialog = start("\"" + example().string() + "\"");
-    EXPECT_EQ(dialog->rawDocument().modes().angle, 1);
-    EXPECT_EQ(dialog->rawDocument().modes().neOrder, 0);
+    EXPECT_EQ(dialog->rawDocument().modes().angle, AngleUnit::DegreesMinutesSeconds);
+    EXPECT_EQ(dialog->rawDocument().modes().order, raw::CoordinateOrder::NorthingEasting);
     EXPECT_EQ(dialog->folders().working, workingFolder().string() + "/");
     EXPECT_EQ(dialog->rawModel()->rowCount(), 42);
     EXPECT_TRUE(shell.messages.empty());
@@ -329,10 +329,12 @@ TEST_F(MainDialogTest, MenuHoldsEveryCommandInOrder) {
         "32810 Help > On-Line Manual\n"
         "32777 Help > About\n";
     EXPECT_EQ(menuListing(*dialog), expected);
-    EXPECT_EQ(dialog->actions(32841).size(), 2u);
-    for (int id : {31, 32, 33, 34, 35, 36, 32850, 32851, 32862, 32863})
+    EXPECT_EQ(dialog->actions(cmd::ExportRawTds).size(), 2u);
+    for (int id : {cmd::VerticalAngle, cmd::ZenithAngle, cmd::ElevationDifference,
+                   cmd::VerticalNone, cmd::SlopeDistance, cmd::HorizontalDistance, cmd::AnglesDms,
+                   cmd::AnglesGons, cmd::NorthingEasting, cmd::EastingNorthing})
         EXPECT_TRUE(dialog->actions(id).front()->isCheckable()) << id;
-    EXPECT_FALSE(dialog->actions(201).front()->isCheckable());
+    EXPECT_FALSE(dialog->actions(cmd::OpenRaw).front()->isCheckable());
 }
 
 TEST_F(MainDialogTest, GridsShareTheClientAreaOnEveryResize) {
@@ -410,7 +412,7 @@ TEST_F(MainDialogTest, ExitQuestions) {
 // A raw file without a name asks for one on the way out.
 TEST_F(MainDialogTest, ExitSavesAnUnnamedRawFileUnderTheNameGiven) {
     auto dialog = start();
-    dialog->dispatch(51);
+    dialog->dispatch(cmd::AddSideShot);
     shell.reply("&Yes");
     shell.files.push_back((dir / "new.rw5").string());
     ASSERT_TRUE(dialog->exitProgram());
@@ -420,7 +422,7 @@ TEST_F(MainDialogTest, ExitSavesAnUnnamedRawFileUnderTheNameGiven) {
 
 TEST_F(MainDialogTest, CloseEventRunsTheExitPath) {
     auto dialog = start();
-    dialog->dispatch(51);
+    dialog->dispatch(cmd::AddSideShot);
     dialog->show();
     shell.reply("Cancel");
     EXPECT_FALSE(dialog->close());
@@ -464,9 +466,9 @@ TEST_F(LanguageTest, GermanWithTheSystemSetting) {
     ASSERT_GE(menus.size(), 4);
     EXPECT_EQ(menus[0]->text(), QString::fromUtf8("Datei"));
     EXPECT_EQ(menus[1]->text(), QString::fromUtf8("Bearbeiten"));
-    EXPECT_EQ(dialog->actions(201).front()->text(), QString::fromUtf8("RW5-Datei öffnen"));
-    EXPECT_EQ(dialog->actions(207).front()->text(), QString::fromUtf8("Beenden"));
-    dialog->dispatch(51);
+    EXPECT_EQ(dialog->actions(cmd::OpenRaw).front()->text(), QString::fromUtf8("RW5-Datei öffnen"));
+    EXPECT_EQ(dialog->actions(cmd::Exit).front()->text(), QString::fromUtf8("Beenden"));
+    dialog->dispatch(cmd::AddSideShot);
     shell.reply("&Nein");
     EXPECT_TRUE(dialog->exitProgram());
     ASSERT_EQ(shell.questions.size(), 1u);

@@ -53,21 +53,70 @@ TEST_F(ShellCommandTest, DisplayModesOverALoadedFile) {
         std::vector<int> checked;
     };
     const Step steps[] = {
-        {31,
+        {cmd::VerticalAngle,
          "345.4539",
          "-0.0027",
          "85.824",
          "VertAng",
          "SlopeDist",
          false,
-         {31, 35, 32850, 32862}},
-        {33, "345.4539", "-0.0112", "85.824", "ElevDiff", "SlopeDist", false, {33}},
-        {36, "345.4539", "-0.0112", "85.824", "ElevDiff", "HorzDist", false, {33, 36}},
-        {34, "345.4539", "-0.0027", "85.824", "VertAng", "HorzDist", true, {34, 36}},
-        {32, "345.4539", "90.0027", "85.824", "ZenithAng", "HorzDist", false, {32, 36}},
-        {35, "345.4539", "90.0027", "85.824", "ZenithAng", "SlopeDist", false, {32, 35}},
-        {32851, "384.1787", "100.0083", "85.824", "ZenithAng", "SlopeDist", false, {32851}},
-        {32850, "345.4539", "90.0027", "85.824", "ZenithAng", "SlopeDist", false, {32850}},
+         {cmd::VerticalAngle, cmd::SlopeDistance, cmd::AnglesDms, cmd::NorthingEasting}},
+        {cmd::ElevationDifference,
+         "345.4539",
+         "-0.0112",
+         "85.824",
+         "ElevDiff",
+         "SlopeDist",
+         false,
+         {cmd::ElevationDifference}},
+        {cmd::HorizontalDistance,
+         "345.4539",
+         "-0.0112",
+         "85.824",
+         "ElevDiff",
+         "HorzDist",
+         false,
+         {cmd::ElevationDifference, cmd::HorizontalDistance}},
+        {cmd::VerticalNone,
+         "345.4539",
+         "-0.0027",
+         "85.824",
+         "VertAng",
+         "HorzDist",
+         true,
+         {cmd::VerticalNone, cmd::HorizontalDistance}},
+        {cmd::ZenithAngle,
+         "345.4539",
+         "90.0027",
+         "85.824",
+         "ZenithAng",
+         "HorzDist",
+         false,
+         {cmd::ZenithAngle, cmd::HorizontalDistance}},
+        {cmd::SlopeDistance,
+         "345.4539",
+         "90.0027",
+         "85.824",
+         "ZenithAng",
+         "SlopeDist",
+         false,
+         {cmd::ZenithAngle, cmd::SlopeDistance}},
+        {cmd::AnglesGons,
+         "384.1787",
+         "100.0083",
+         "85.824",
+         "ZenithAng",
+         "SlopeDist",
+         false,
+         {cmd::AnglesGons}},
+        {cmd::AnglesDms,
+         "345.4539",
+         "90.0027",
+         "85.824",
+         "ZenithAng",
+         "SlopeDist",
+         false,
+         {cmd::AnglesDms}},
     };
     for (const auto &s : steps) {
         d->dispatch(s.id);
@@ -93,12 +142,12 @@ TEST_F(ShellCommandTest, DisplayModesOverALoadedFile) {
 // it when they are next filled.
 TEST_F(ShellCommandTest, CoordinateOrder) {
     auto d = startWithExample();
-    d->dispatch(32863);
-    EXPECT_TRUE(d->checkTable().checked(32863));
-    EXPECT_FALSE(d->checkTable().checked(32862));
+    d->dispatch(cmd::EastingNorthing);
+    EXPECT_TRUE(d->checkTable().checked(cmd::EastingNorthing));
+    EXPECT_FALSE(d->checkTable().checked(cmd::NorthingEasting));
     EXPECT_EQ(d->coordinateModel()->headerData(1, Qt::Horizontal).toString(), "Northing");
     shell.reply("1|5000|6000||");
-    d->dispatch(32805); // adding a point fills the grid again
+    d->dispatch(cmd::AddPointToCrd); // adding a point fills the grid again
     EXPECT_EQ(d->coordinateModel()->headerData(1, Qt::Horizontal).toString(), "Easting");
     d->openRawFile(example().string()); // and the raw grid's store points
     setCurrent(*d, 4, 1);
@@ -133,8 +182,9 @@ TEST_F(ShellCommandTest, AddAndDeleteRows) {
         const char *type;
         int rows, at;
     };
-    const Step steps[] = {{51, "SS", 1, 0},    {55, "", 2, 1},   {52, "BK", 3, 2},
-                          {32859, "DO", 4, 3}, {54, "PT", 5, 4}, {50, "TR", 6, 5}};
+    const Step steps[] = {{cmd::AddSideShot, "SS", 1, 0},   {cmd::AddNote, "", 2, 1},
+                          {cmd::AddBackSight, "BK", 3, 2},  {cmd::AddDataOnOff, "DO", 4, 3},
+                          {cmd::AddPointToRaw, "PT", 5, 4}, {cmd::AddTraverse, "TR", 6, 5}};
     for (const auto &s : steps) {
         d->dispatch(s.id);
         ASSERT_EQ(d->rawModel()->rowCount(), s.rows) << s.id;
@@ -153,17 +203,17 @@ TEST_F(ShellCommandTest, AddAndDeleteRows) {
     EXPECT_FALSE(d->rawModel()->setData(d->rawModel()->index(0, 0), "XX"));
     // Delete Row takes the current row and keeps a current row.
     setCurrent(*d, 1, 1);
-    d->dispatch(40007);
+    d->dispatch(cmd::DeleteRow);
     EXPECT_EQ(d->rawModel()->rowCount(), 5);
     EXPECT_EQ(cell(*d, 1, 0), "BK");
     EXPECT_EQ(d->rawGrid()->currentIndex().row(), 1);
     // Keys insert a row of the current row's type above or below it.
     setCurrent(*d, 0, 1);
-    d->dispatch(213);
+    d->dispatch(cmd::InsertRowAbove);
     EXPECT_EQ(d->rawModel()->rowCount(), 6);
     EXPECT_EQ(cell(*d, 0, 0), "NAME");
     EXPECT_EQ(cell(*d, 0, 1), "");
-    d->dispatch(214);
+    d->dispatch(cmd::InsertRowBelow);
     EXPECT_EQ(cell(*d, 1, 0), "NAME");
     EXPECT_EQ(d->rawModel()->rowCount(), 7);
     EXPECT_EQ(d->rawDocument().text(),
@@ -213,21 +263,21 @@ TEST_F(ShellCommandTest, SaveAndReopenGiveTheSameBytes) {
     auto d = startWithExample();
     const fs::path copy = dir / "copy.rw5";
     shell.files = {copy.string()};
-    d->dispatch(203);
+    d->dispatch(cmd::SaveRawAs);
     EXPECT_EQ(shell.asked, std::vector<std::string>{"Raw File To Save (rw5, save)"});
     EXPECT_EQ(slurp(copy), slurp(example()));
     EXPECT_EQ(d->windowTitle().toStdString(),
               "Halvren Tramline - [RW5: " + copy.string() + "] - [CRD: NONE]");
 
     ASSERT_TRUE(d->rawModel()->setData(d->rawModel()->index(9, 7), "REBAR, CAP 5678"));
-    d->dispatch(202);
+    d->dispatch(cmd::SaveRaw);
     EXPECT_FALSE(d->rawDocument().modified());
     const std::string saved = slurp(copy);
     EXPECT_NE(saved.find("SS,OP1,FP101,AR345.4539,ZE90.0027,SD85.824,--REBAR, CAP 5678\n"),
               std::string::npos);
 
     shell.files = {copy.string()};
-    d->dispatch(201);
+    d->dispatch(cmd::OpenRaw);
     EXPECT_TRUE(shell.questions.empty()); // nothing to save
     EXPECT_EQ(cell(*d, 9, 7), "REBAR, CAP 5678");
     EXPECT_EQ(d->rawDocument().text(), saved);
@@ -235,7 +285,7 @@ TEST_F(ShellCommandTest, SaveAndReopenGiveTheSameBytes) {
     // New asks about changes first.
     d->rawModel()->setData(d->rawModel()->index(9, 7), "X");
     shell.reply("&No");
-    d->dispatch(200);
+    d->dispatch(cmd::NewRaw);
     EXPECT_EQ(d->rawModel()->rowCount(), 0);
     EXPECT_EQ(d->windowTitle(), "Halvren Tramline - [RW5: NONE] - [CRD: NONE]");
     EXPECT_EQ(slurp(copy), saved);
@@ -245,7 +295,7 @@ TEST_F(ShellCommandTest, FailedSaveKeepsTheChanges) {
     auto d = startWithExample();
     d->rawModel()->setData(d->rawModel()->index(9, 7), "X");
     shell.files = {(dir / "no such folder" / "x.rw5").string()};
-    d->dispatch(203);
+    d->dispatch(cmd::SaveRawAs);
     EXPECT_EQ(shell.messages, std::vector<std::string>{"Error: failed to write rawfile"});
     EXPECT_TRUE(d->rawDocument().modified());
     EXPECT_EQ(d->rawDocument().path(), example());
@@ -264,7 +314,7 @@ TEST_F(ShellCommandTest, CoordinateFilesThroughTheWorkingCopy) {
     const std::string before = slurp(site);
     auto d = start();
     shell.files = {site.string()};
-    d->dispatch(32806);
+    d->dispatch(cmd::OpenCrd);
     EXPECT_EQ(shell.asked.back(), "CRD File To Open (crd;crdb;cgc;mdb;zak)");
     ASSERT_EQ(d->coordinateModel()->rowCount(), 1);
     EXPECT_EQ(d->coordinateModel()->index(0, 1).data().toString(), "6000.0000");
@@ -280,15 +330,15 @@ TEST_F(ShellCommandTest, CoordinateFilesThroughTheWorkingCopy) {
 
     // Add > Point (To CRD File) offers the next number.
     shell.reply("2|6100|5100||NAIL");
-    d->dispatch(32805);
+    d->dispatch(cmd::AddPointToCrd);
     ASSERT_EQ(d->coordinateModel()->rowCount(), 2);
     EXPECT_EQ(d->coordinateModel()->index(1, 0).data().toString(), "2");
     EXPECT_EQ(d->coordinateModel()->index(1, 3).data().toString(), "0.0000"); // the store's rule
     shell.reply("2|1|1||");
-    d->dispatch(32805);
+    d->dispatch(cmd::AddPointToCrd);
     EXPECT_EQ(shell.messages.back(), "Error: point 2 already exists");
 
-    d->dispatch(32809);
+    d->dispatch(cmd::SaveCrd);
     EXPECT_FALSE(d->coordinateModified());
     crd::CoordinateFile reread;
     ASSERT_TRUE(reread.openForReading(site));
@@ -305,7 +355,7 @@ TEST_F(ShellCommandTest, CoordinateFilesThroughTheWorkingCopy) {
     EXPECT_EQ(d->workingFile().notes("10"), std::vector<std::string>{"found"});
     const fs::path other = dir / "other.crd";
     shell.files = {other.string()};
-    d->dispatch(32808);
+    d->dispatch(cmd::SaveCrdAs);
     EXPECT_EQ(d->windowTitle().toStdString(),
               "Halvren Tramline - [RW5: NONE] - [CRD: " + other.string() + "]");
     d->show();
@@ -314,13 +364,13 @@ TEST_F(ShellCommandTest, CoordinateFilesThroughTheWorkingCopy) {
     d->coordinateGrid()->setCurrentIndex(
         d->coordinateModel()->index(d->coordinateModel()->rowOf("10"), 1));
     QApplication::processEvents();
-    d->dispatch(40007);
+    d->dispatch(cmd::DeleteRow);
     EXPECT_EQ(d->coordinateModel()->rowCount(), 1);
     EXPECT_TRUE(d->workingFile().notes("10").empty());
 
     // New CRD File asks about the changes, then starts empty.
     shell.reply("&No");
-    d->dispatch(32807);
+    d->dispatch(cmd::NewCrd);
     EXPECT_EQ(d->coordinateModel()->rowCount(), 0);
     EXPECT_EQ(d->windowTitle(), "Halvren Tramline - [RW5: NONE] - [CRD: NONE]");
     EXPECT_EQ(shell.questions.back(), "Halvren Tramline: Save Coordinate File Changes?");
@@ -330,18 +380,18 @@ TEST_F(ShellCommandTest, FindAndReplaceInBothGrids) {
     auto d = startWithExample();
     setCurrent(*d, 0, 0);
     shell.reply("TRAVERSE PT");
-    d->dispatch(32815);
+    d->dispatch(cmd::FindRaw);
     EXPECT_EQ(d->rawGrid()->currentIndex().row(), 10);
     EXPECT_EQ(d->rawGrid()->currentIndex().column(), 7);
     shell.reply("TRAVERSE PT"); // the next one
-    d->dispatch(32815);
+    d->dispatch(cmd::FindRaw);
     EXPECT_EQ(d->rawGrid()->currentIndex().row(), 16);
     shell.reply("NO SUCH TEXT");
-    d->dispatch(32815);
+    d->dispatch(cmd::FindRaw);
     EXPECT_EQ(shell.messages.back(), "String not found");
 
     shell.forms = {"TRAVERSE PT|STATION=>Replace All"};
-    d->dispatch(32818);
+    d->dispatch(cmd::ReplaceRaw);
     EXPECT_EQ(cell(*d, 10, 7), "STATION");
     EXPECT_EQ(d->rawDocument().text().find("TRAVERSE PT"), std::string::npos);
     // One at a time: the first is skipped, the second replaced, then stop.
@@ -349,19 +399,19 @@ TEST_F(ShellCommandTest, FindAndReplaceInBothGrids) {
     shell.reply("No");
     shell.reply("Yes");
     shell.reply("Cancel");
-    d->dispatch(32818);
+    d->dispatch(cmd::ReplaceRaw);
     EXPECT_EQ(cell(*d, 10, 7), "STATION");
     EXPECT_EQ(cell(*d, 16, 7), "STN");
     EXPECT_EQ(cell(*d, 21, 7), "STATION");
     EXPECT_EQ(shell.questions.back(), "Search and Replace: Replace in row 22 column 8?");
 
     shell.reply("5100|5200|12||NAIL");
-    d->dispatch(32805);
+    d->dispatch(cmd::AddPointToCrd);
     shell.reply("NAIL");
-    d->dispatch(32816);
+    d->dispatch(cmd::FindCrd);
     EXPECT_EQ(d->coordinateGrid()->currentIndex().column(), 4);
     shell.forms = {"NAIL|SPIKE=>Replace All"};
-    d->dispatch(32817);
+    d->dispatch(cmd::ReplaceCrd);
     EXPECT_EQ(d->coordinateModel()->index(0, 4).data().toString(), "SPIKE");
 }
 
@@ -381,7 +431,7 @@ TEST_F(ShellCommandTest, ModifyMeasurements) {
     };
     for (const auto &c : cases) {
         shell.reply(c.form);
-        d->dispatch(109);
+        d->dispatch(cmd::ModifyMeasurements);
         EXPECT_EQ(shell.messages.back(), c.message) << c.form;
         EXPECT_EQ(cell(*d, 10, 4), c.row10Horizontal) << c.form;
         EXPECT_EQ(cell(*d, 10, 6), c.row10Distance) << c.form;
@@ -395,17 +445,17 @@ TEST_F(ShellCommandTest, CutCopyAndPaste) {
     d->rawGrid()->selectionModel()->select(
         QItemSelection(d->rawModel()->index(9, 1), d->rawModel()->index(10, 2)),
         QItemSelectionModel::ClearAndSelect);
-    d->dispatch(211);
+    d->dispatch(cmd::Copy);
     EXPECT_EQ(QApplication::clipboard()->text(), "1\t101\n1\t2");
     setCurrent(*d, 14, 1);
-    d->dispatch(212);
+    d->dispatch(cmd::Paste);
     EXPECT_EQ(cell(*d, 14, 2), "101");
     EXPECT_EQ(cell(*d, 15, 2), "2");
     EXPECT_TRUE(d->rawDocument().modified());
     d->rawGrid()->selectionModel()->select(
         QItemSelection(d->rawModel()->index(14, 0), d->rawModel()->index(14, 7)),
         QItemSelectionModel::ClearAndSelect);
-    d->dispatch(210);
+    d->dispatch(cmd::Cut);
     EXPECT_EQ(cell(*d, 14, 0), "SS"); // a row keeps its type
     EXPECT_EQ(cell(*d, 14, 2), "");
     EXPECT_TRUE(QApplication::clipboard()->text().startsWith("SS\t1\t101\tAR"));
@@ -413,14 +463,14 @@ TEST_F(ShellCommandTest, CutCopyAndPaste) {
 
 TEST_F(ShellCommandTest, PrintWindows) {
     auto d = startWithExample();
-    d->dispatch(206);
+    d->dispatch(cmd::PrintRaw);
     ASSERT_NE(d->textWindow(), nullptr);
     EXPECT_EQ(d->textWindow()->windowTitle(), "Edit-Process Raw File");
     EXPECT_TRUE(d->textWindow()->text().startsWith("Edit-Process Raw File\n"));
     EXPECT_EQ(d->textWindow()->text().toStdString(), slurp(workingFolder() / "morvrprt.tmp"));
     shell.reply("7|5000|6000|100.25|IRON ROD");
-    d->dispatch(32805);
-    d->dispatch(57);
+    d->dispatch(cmd::AddPointToCrd);
+    d->dispatch(cmd::PrintCoordinates);
     EXPECT_EQ(d->textWindow()->windowTitle(), "Coordinates");
     EXPECT_TRUE(d->textWindow()->text().contains(
         "7                5000.0000       6000.0000     100.2500  IRON ROD"));
@@ -434,9 +484,9 @@ TEST_F(ShellCommandTest, PrinterSettingsAndPrinting) {
         seen = w->metaObject()->className();
         static_cast<QDialog *>(w)->reject();
     });
-    d->dispatch(32778);
+    d->dispatch(cmd::PrinterSettings);
     EXPECT_EQ(seen, "QPageSetupDialog");
-    d->dispatch(206);
+    d->dispatch(cmd::PrintRaw);
     ASSERT_NE(d->textWindow(), nullptr);
     seen.clear();
     tramline::test::whenModal([&seen](QWidget *w) {
@@ -454,7 +504,7 @@ TEST_F(ShellCommandTest, PrinterSettingsAndPrinting) {
 TEST_F(ShellCommandTest, ProcessCompassThroughTheMenu) {
     auto d = startWithExample();
     shell.reply("1|1|Automatic");
-    d->dispatch(39);
+    d->dispatch(cmd::ProcessCompass);
     EXPECT_EQ(shell.questions.front(), "Traverse Points");
     ASSERT_NE(d->processResultsWindow(), nullptr);
     ProcessResultsWindow &results = *d->processResultsWindow();
@@ -474,7 +524,7 @@ TEST_F(ShellCommandTest, ProcessCompassThroughTheMenu) {
     // the editor writes nothing.
     shell = {};
     shell.reply("Return To &Editor");
-    d->dispatch(37);
+    d->dispatch(cmd::ProcessNoAdjust);
     ASSERT_FALSE(shell.questions.empty());
     EXPECT_EQ(shell.questions.front().rfind("Point Protect: ", 0), 0u);
     EXPECT_EQ(d->coordinateModel()->points().size(), 14u);
@@ -498,7 +548,7 @@ TEST_F(ShellCommandTest, EveryMethodRunsOnTheExample) {
 
 TEST_F(ShellCommandTest, ProcessWithoutDataSaysSo) {
     auto d = start();
-    d->dispatch(39);
+    d->dispatch(cmd::ProcessCompass);
     EXPECT_EQ(shell.messages, std::vector<std::string>{"Error: unable to read raw file"});
     EXPECT_EQ(d->processResultsWindow(), nullptr);
 }
@@ -510,11 +560,14 @@ TEST_F(ShellCommandTest, CommandsOfOtherFeaturesSaySoAndUnknownIdsDoNothing) {
         const char *message;
     };
     const Case cases[] = {
-        {32814, "Process (Compute Pts) > Least-Squares: this command is not available yet."},
-        {32841, "Tools > Export Raw Data > NY DOT: this command is not available yet."},
-        {32869, "Tools > Export Raw Data > dgDialog: this command is not available yet."},
-        {32772, "Tools > Data Transfer > Sokkia SDR: this command is not available yet."},
-        {32866, "Tools > Geoid Manager: this command is not available yet."},
+        {cmd::ProcessLeastSquares,
+         "Process (Compute Pts) > Least-Squares: this command is not available yet."},
+        {cmd::ExportRawTds, "Tools > Export Raw Data > NY DOT: this command is not available yet."},
+        {cmd::ExportRawDgDialog,
+         "Tools > Export Raw Data > dgDialog: this command is not available yet."},
+        {cmd::TransferSokkiaSdr,
+         "Tools > Data Transfer > Sokkia SDR: this command is not available yet."},
+        {cmd::GeoidManager, "Tools > Geoid Manager: this command is not available yet."},
     };
     for (const auto &c : cases) {
         shell.messages.clear();
@@ -531,12 +584,12 @@ TEST_F(ShellCommandTest, CommandsOfOtherFeaturesSaySoAndUnknownIdsDoNothing) {
 TEST_F(ShellCommandTest, SettingsDialogKeepsTheLanguageForTheNextStart) {
     auto d = start();
     shell.forms = {"English=>Cancel", "Windows Setting=>Cancel"};
-    d->dispatch(288);
+    d->dispatch(cmd::Settings);
     EXPECT_TRUE(shell.messages.empty());
-    d->dispatch(288);
+    d->dispatch(cmd::Settings);
     EXPECT_EQ(shell.asked, (std::vector<std::string>{"Settings", "Settings"}));
     EXPECT_EQ(shell.messages, std::vector<std::string>{"Restart program to reset language"});
-    EXPECT_EQ(d->settings().langMode, 1);
+    EXPECT_EQ(d->settings().language, LanguageMode::System);
     EXPECT_EQ(d->menuBar()->actions()[0]->text(), "File"); // until the next start
     ASSERT_TRUE(d->exitProgram());
     EXPECT_NE(slurp(settingsFile()).find("lang_mode=1\n"), std::string::npos);
@@ -548,11 +601,11 @@ TEST_F(ShellCommandTest, ImportRawDataAddsTheRecords) {
         write("field.raw", "JB,NMX,DT01-01-2026,TM08:00:00\nMO,AD0,UN2,SF1.00000000,EC0,EO0,AU0\n"
                            "SS,OP7,FP8,AR1.0000,ZE90.0000,SD5.000,--TDS\n");
     shell.files = {tds.string(), tds.string(), (dir / "missing.rw5").string()};
-    d->dispatch(32840);
+    d->dispatch(cmd::ImportRawTds);
     EXPECT_EQ(d->rawModel()->rowCount(), 43); // job and mode records left out
-    d->dispatch(47);
+    d->dispatch(cmd::ImportRawHalvren);
     EXPECT_EQ(d->rawModel()->rowCount(), 46);
-    d->dispatch(47);
+    d->dispatch(cmd::ImportRawHalvren);
     EXPECT_EQ(shell.messages.back(), "Error: unable to read raw file");
     EXPECT_EQ(shell.asked,
               (std::vector<std::string>{"TDS Raw File to Import (rw5;raw)",
@@ -562,11 +615,11 @@ TEST_F(ShellCommandTest, ImportRawDataAddsTheRecords) {
 TEST_F(ShellCommandTest, ProcessSettingsApplyToTheNextRun) {
     auto d = startWithExample();
     shell.reply("1.00010000|Off|Off|On|Off|On|Off|On|Off|Off");
-    d->dispatch(32842);
+    d->dispatch(cmd::ProcessSettings);
     shell.reply("<cancel>");
-    d->dispatch(32842); // a cancelled form changes nothing
+    d->dispatch(cmd::ProcessSettings); // a cancelled form changes nothing
     shell.reply("1|1|Automatic");
-    d->dispatch(39);
+    d->dispatch(cmd::ProcessCompass);
     ASSERT_NE(d->processResultsWindow(), nullptr);
     EXPECT_TRUE(
         d->processResultsWindow()->tabText("Report Header").contains("Scale Factor: 1.00010000"));

@@ -2,6 +2,7 @@
 // folder, the command line, the language choice and the menu table.
 #include "../support/test_support.h"
 #include "app/command_line.h"
+#include "app/display_commands.h"
 #include "app/language.h"
 #include "app/menu_table.h"
 #include "app/shell_folders.h"
@@ -18,54 +19,87 @@ namespace {
 using SettingsFileTest = tramline::test::ScratchFolderTest;
 
 TEST(ShellSettings, Lines) {
+    constexpr auto Dms = AngleUnit::DegreesMinutesSeconds;
+    constexpr auto Gons = AngleUnit::Gons;
+    constexpr auto NE = raw::CoordinateOrder::NorthingEasting;
+    constexpr auto EN = raw::CoordinateOrder::EastingNorthing;
+    constexpr auto English = LanguageMode::English;
+    constexpr auto System = LanguageMode::System;
     struct Case {
         const char *line;
-        int ang, ne, lang;
+        AngleUnit angle;
+        raw::CoordinateOrder order;
+        LanguageMode language;
         const char *tmpdir;
     };
     const Case cases[] = {
-        {"ne_order=1", 1, 1, 0, ""},
-        {"ang_display_mode=0", 0, 0, 0, ""},
-        {"lang_mode=1", 1, 0, 1, ""},
-        {"tmpdir=/jobs/tmp/", 1, 0, 0, "/jobs/tmp/"},
-        {"tmpdir=/a=b/", 1, 0, 0, "/a=b/"}, // split at the first "="
-        {"ne_order=", 1, 0, 0, ""},         // no value
-        {"ne_order", 1, 0, 0, ""},          // no "="
-        {"NE_ORDER=1", 1, 0, 0, ""},        // keys compare exactly
-        {" ne_order=1", 1, 0, 0, ""},
-        {"colour=blue", 1, 0, 0, ""}, // unknown key
-        {"ne_order=x", 1, 0, 0, ""},  // no number: left alone
-        {"ne_order= 1", 1, 1, 0, ""}, // decimal as atoi reads it
-        {"lang_mode=1junk", 1, 0, 1, ""},
-        {"ang_display_mode=99999999999999", 1, 0, 0, ""}, // out of range
+        {"ne_order=1", Dms, EN, English, ""},
+        {"ang_display_mode=0", Gons, NE, English, ""},
+        {"ang_display_mode=1", Dms, NE, English, ""},
+        {"ang_display_mode=7", Dms, NE, English, ""}, // anything but 0 is ddd.mmss
+        {"lang_mode=1", Dms, NE, System, ""},
+        {"lang_mode=2", Dms, NE, English, ""},
+        {"ne_order=2", Dms, NE, English, ""},
+        {"tmpdir=/jobs/tmp/", Dms, NE, English, "/jobs/tmp/"},
+        {"tmpdir=/a=b/", Dms, NE, English, "/a=b/"}, // split at the first "="
+        {"ne_order=", Dms, NE, English, ""},         // no value
+        {"ne_order", Dms, NE, English, ""},          // no "="
+        {"NE_ORDER=1", Dms, NE, English, ""},        // keys compare exactly
+        {" ne_order=1", Dms, NE, English, ""},
+        {"colour=blue", Dms, NE, English, ""},        // unknown key
+        {"ang_display_mode=x", Dms, NE, English, ""}, // no number: left alone
+        {"ne_order= 1", Dms, EN, English, ""},        // decimal as atoi reads it
+        {"lang_mode=1junk", Dms, NE, System, ""},
+        {"ang_display_mode=99999999999999", Dms, NE, English, ""}, // out of range
     };
     for (const auto &c : cases) {
         ShellSettings s;
         applySettingsLine(c.line, s);
-        EXPECT_EQ(s.angDisplayMode, c.ang) << c.line;
-        EXPECT_EQ(s.neOrder, c.ne) << c.line;
-        EXPECT_EQ(s.langMode, c.lang) << c.line;
+        EXPECT_EQ(s.angleDisplay, c.angle) << c.line;
+        EXPECT_EQ(s.coordinateOrder, c.order) << c.line;
+        EXPECT_EQ(s.language, c.language) << c.line;
         EXPECT_EQ(s.tmpdir, c.tmpdir) << c.line;
     }
+    // A value that does not parse keeps what an earlier line set.
+    ShellSettings s;
+    applySettingsLine("ang_display_mode=0", s);
+    applySettingsLine("ang_display_mode=x", s);
+    EXPECT_EQ(s.angleDisplay, Gons);
 }
 
+// The file keeps its integers: 1 ddd.mmss and 0 gons, the other way round
+// from the order of the angle units.
 TEST_F(SettingsFileTest, WrittenInItsOrderAndReadBack) {
-    ShellSettings s;
-    s.tmpdir = "/jobs/tmp/";
-    s.angDisplayMode = 0;
-    s.neOrder = 1;
-    s.langMode = 1;
+    const struct {
+        AngleUnit angle;
+        raw::CoordinateOrder order;
+        LanguageMode language;
+        const char *text;
+    } cases[] = {
+        {AngleUnit::Gons, raw::CoordinateOrder::EastingNorthing, LanguageMode::System,
+         "tmpdir=/jobs/tmp/\nang_display_mode=0\nne_order=1\nlang_mode=1\n"},
+        {AngleUnit::DegreesMinutesSeconds, raw::CoordinateOrder::NorthingEasting,
+         LanguageMode::English, "tmpdir=/jobs/tmp/\nang_display_mode=1\nne_order=0\nlang_mode=0\n"},
+    };
     const auto path = dir / "tramline.ini";
-    ASSERT_TRUE(writeSettingsFile(path, s));
-    EXPECT_EQ(tramline::test::slurp(path),
-              "tmpdir=/jobs/tmp/\nang_display_mode=0\nne_order=1\nlang_mode=1\n");
-    ShellSettings back;
-    ASSERT_TRUE(readSettingsFile(path, back));
-    EXPECT_EQ(back.tmpdir, s.tmpdir);
-    EXPECT_EQ(back.angDisplayMode, 0);
-    EXPECT_EQ(back.neOrder, 1);
-    EXPECT_EQ(back.langMode, 1);
-    EXPECT_FALSE(writeSettingsFile(dir / "missing" / "tramline.ini", s));
+    for (const auto &c : cases) {
+        ShellSettings s;
+        s.tmpdir = "/jobs/tmp/";
+        s.angleDisplay = c.angle;
+        s.coordinateOrder = c.order;
+        s.language = c.language;
+        ASSERT_TRUE(writeSettingsFile(path, s));
+        EXPECT_EQ(tramline::test::slurp(path), c.text);
+        ShellSettings back;
+        back.angleDisplay =
+            c.angle == AngleUnit::Gons ? AngleUnit::DegreesMinutesSeconds : AngleUnit::Gons;
+        ASSERT_TRUE(readSettingsFile(path, back));
+        EXPECT_EQ(back.tmpdir, s.tmpdir);
+        EXPECT_EQ(back.angleDisplay, c.angle);
+        EXPECT_EQ(back.coordinateOrder, c.order);
+        EXPECT_EQ(back.language, c.language);
+    }
+    EXPECT_FALSE(writeSettingsFile(dir / "missing" / "tramline.ini", ShellSettings{}));
 }
 
 // A line longer than the 222-character buffer is read in pieces, each piece
@@ -81,12 +115,12 @@ TEST_F(SettingsFileTest, OverlongLinesAndGarbage) {
                                 "ang_display_mode=" + std::string(4000, '0') + "\n");
     ShellSettings s;
     ASSERT_TRUE(readSettingsFile(path, s));
-    EXPECT_EQ(s.neOrder, 1);
-    EXPECT_EQ(s.langMode, 1);
-    EXPECT_EQ(s.angDisplayMode, 0); // the first piece: 204 zeros
+    EXPECT_EQ(s.coordinateOrder, raw::CoordinateOrder::EastingNorthing);
+    EXPECT_EQ(s.language, LanguageMode::System);
+    EXPECT_EQ(s.angleDisplay, AngleUnit::Gons); // the first piece: 204 zeros
     ShellSettings untouched;
     EXPECT_FALSE(readSettingsFile(dir / "none.ini", untouched));
-    EXPECT_EQ(untouched.angDisplayMode, 1);
+    EXPECT_EQ(untouched.angleDisplay, AngleUnit::DegreesMinutesSeconds);
 }
 
 TEST_F(SettingsFileTest, ProgramFolder) {
@@ -214,21 +248,53 @@ TEST_F(SettingsFileTest, CatalogueSearchAndWarnings) {
 TEST(MenuTable, CheckGroupsActAsRadioItems) {
     MenuCheckTable table;
     EXPECT_EQ(table.entries().size(), 10u);
-    table.choose(32);
-    table.choose(35);
-    table.choose(32850);
-    table.choose(32862);
-    table.choose(33);
-    EXPECT_TRUE(table.checked(33));
-    EXPECT_FALSE(table.checked(32));
-    EXPECT_TRUE(table.checked(35)); // other groups keep theirs
-    EXPECT_TRUE(table.checked(32850));
-    table.choose(32863);
-    EXPECT_FALSE(table.checked(32862));
-    EXPECT_TRUE(table.checked(32863));
-    table.choose(201); // not a display command
-    EXPECT_TRUE(table.checked(33));
-    EXPECT_FALSE(table.checked(201));
+    table.choose(cmd::ZenithAngle);
+    table.choose(cmd::SlopeDistance);
+    table.choose(cmd::AnglesDms);
+    table.choose(cmd::NorthingEasting);
+    table.choose(cmd::ElevationDifference);
+    EXPECT_TRUE(table.checked(cmd::ElevationDifference));
+    EXPECT_FALSE(table.checked(cmd::ZenithAngle));
+    EXPECT_TRUE(table.checked(cmd::SlopeDistance)); // other groups keep theirs
+    EXPECT_TRUE(table.checked(cmd::AnglesDms));
+    table.choose(cmd::EastingNorthing);
+    EXPECT_FALSE(table.checked(cmd::NorthingEasting));
+    EXPECT_TRUE(table.checked(cmd::EastingNorthing));
+    table.choose(cmd::OpenRaw); // not a display command
+    EXPECT_TRUE(table.checked(cmd::ElevationDifference));
+    EXPECT_FALSE(table.checked(cmd::OpenRaw));
 }
 
 } // namespace
+
+// Each Display command chooses its own mode, and the marks follow the modes:
+// a command's choice, once applied, checks that same command.
+TEST(DisplayCommands, ChoiceAndCheckMarkAgree) {
+    const int ids[] = {cmd::VerticalAngle,  cmd::ZenithAngle,   cmd::ElevationDifference,
+                       cmd::VerticalNone,   cmd::SlopeDistance, cmd::HorizontalDistance,
+                       cmd::AnglesDms,      cmd::AnglesGons,    cmd::NorthingEasting,
+                       cmd::EastingNorthing};
+    for (int id : ids) {
+        const auto choice = displayChoice(id);
+        ASSERT_TRUE(choice) << id;
+        raw::DisplayModes modes;
+        modes.vertical = choice->vertical.value_or(raw::VerticalMode::ElevationDifference);
+        modes.distance = choice->distance.value_or(raw::DistanceMode::Horizontal);
+        modes.angle = choice->angle.value_or(AngleUnit::Gons);
+        modes.order = choice->order.value_or(raw::CoordinateOrder::EastingNorthing);
+        MenuCheckTable checks;
+        checkDisplayModes(modes, checks);
+        EXPECT_TRUE(checks.checked(id)) << id;
+        int checked = 0;
+        for (const auto &[entry, on] : checks.entries())
+            checked += on ? 1 : 0;
+        EXPECT_EQ(checked, 4) << id; // one in each group
+    }
+    EXPECT_FALSE(displayChoice(cmd::OpenRaw));
+    // A corrupt vertical mode is marked as zenith.
+    raw::DisplayModes corrupt;
+    corrupt.vertical = static_cast<raw::VerticalMode>(0);
+    MenuCheckTable checks;
+    checkDisplayModes(corrupt, checks);
+    EXPECT_TRUE(checks.checked(cmd::ZenithAngle));
+}

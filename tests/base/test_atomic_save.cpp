@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -18,6 +20,23 @@ namespace {
 
 using tramline::test::slurp;
 using AtomicSave = tramline::test::ScratchFolderTest;
+
+// Runs `write` in a child process whose file-size limit (1 KiB) plays the
+// full disk; true when the write reported failure.
+bool failsOnAFullDisk(const std::function<bool()> &write) {
+    const pid_t child = ::fork();
+    if (child < 0)
+        return false;
+    if (child == 0) {
+        ::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit{1024, 1024};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        ::_exit(write() ? 1 : 0);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
 
 TEST_F(AtomicSave, ReplacesAndKeepsPermissions) {
     const auto file = dir / "job.rw5";
@@ -56,19 +75,9 @@ TEST_F(AtomicSave, FullDiskLeavesTheOldFile) {
     // A child process with a small file-size limit plays the full disk.
     const auto file = dir / "job.rw5";
     ASSERT_TRUE(saveTextAtomically(file, "old\n"));
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        ::signal(SIGXFSZ, SIG_IGN);
-        rlimit limit{1024, 1024};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-        const bool ok = saveTextAtomically(file, std::string(100000, 'x'));
-        ::_exit(ok ? 1 : 0);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0) << "the save should have failed";
+    EXPECT_TRUE(failsOnAFullDisk([&] {
+        return saveTextAtomically(file, std::string(100000, 'x'));
+    })) << "the save should have failed";
     EXPECT_EQ(slurp(file), "old\n");
     EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 1);
 }
@@ -125,18 +134,8 @@ TEST_F(AtomicCopy, TargetIsOldOrWholeCopy) {
 TEST_F(AtomicCopy, FullDiskLeavesTheOldTarget) {
     const auto source = write("big.crd", std::string(100000, 'x'));
     const auto target = write("site.crd", "old");
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        ::signal(SIGXFSZ, SIG_IGN);
-        rlimit limit{1024, 1024};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-        ::_exit(copyAtomically(source, target) ? 1 : 0);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0) << "the copy should have failed";
+    EXPECT_TRUE(failsOnAFullDisk([&] { return copyAtomically(source, target); }))
+        << "the copy should have failed";
     EXPECT_EQ(slurp(target), "old");
     EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 2);
 }

@@ -185,6 +185,13 @@ TEST(GeoCommands, FailuresAndUsage) {
          2,
          "no ellipsoid"},
         {{"geo", "forward", "--type", "0", "--towgs84", "1,2,3", "1", "1"}, 2, "seven numbers"},
+        // A position far past any list (once an uncaught out_of_range).
+        {{"geo", "forward", "--family", "UTM", "--zone", "99999999999", "1", "1"},
+         1,
+         "Error: no zone 99999999999 in"},
+        {{"geo", "forward", "--family", "UTM", "--zone", "-1", "1", "1"},
+         1,
+         "Error: no zone -1 in"},
         {{"geo", "forward", "1", "1"}, 2, "name a system"},
         {{"geo", "forward", "--family", "UTM", "1", "1"}, 2, "--zone"},
         {{"geo", "wkt", "--append", "--type", "0"}, 2, "--out"},

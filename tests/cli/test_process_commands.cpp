@@ -75,6 +75,11 @@ TEST_F(ProcessCli, BadUsageAndFailures) {
     EXPECT_EQ(runCli(process({"--reference-azimuth", "north"})).code, 2);
     EXPECT_EQ(runCli(process({"--combined-scale"})).code, 2); // needs --family and --zone
     EXPECT_EQ(runCli(process({"--answer", "no equals sign"})).code, 2);
+    // A zone position too large for any number type is an unknown zone.
+    const Result zone = runCli(
+        process({"--combined-scale", "--family", "State Plane 83", "--zone", "99999999999"}));
+    EXPECT_EQ(zone.code, 1);
+    EXPECT_NE(zone.err.find("Error: no zone 99999999999 in"), std::string::npos) << zone.err;
     const Result missing =
         runCli({"process", (dir / "none.rw5").string(), "--crd", (dir / "x.crd").string()});
     EXPECT_EQ(missing.code, 1);

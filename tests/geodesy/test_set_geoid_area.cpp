@@ -75,9 +75,9 @@ TEST(SetGeoidArea, MilesAndEdges) {
     GeoidAreaSettings s;
     s.model = 6;
     s.latitude = 60.0;
-    s.east = true;
+    s.longitudeSide = LongitudeSide::East;
     s.longitude = 10.0;
-    s.degrees = false;
+    s.sizeUnit = AreaSizeUnit::Miles;
     s.size = 138.0; // 1.995 degrees of latitude, twice that of longitude at 60 N
     ScriptedInteraction ui;
     ASSERT_TRUE(setGeoidArea(models, s, f.path / "miles.grd", ui).ok());
@@ -90,7 +90,7 @@ TEST(SetGeoidArea, MilesAndEdges) {
 
     // At the pole the square is clipped to the model.
     s.latitude = 89.3;
-    s.degrees = true;
+    s.sizeUnit = AreaSizeUnit::Degrees;
     s.size = 4;
     ASSERT_TRUE(setGeoidArea(models, s, f.path / "pole.grd", ui).ok());
     ASSERT_TRUE(GeoidGrid::load(f.path / "pole.grd", cut).ok());
@@ -106,28 +106,30 @@ TEST(SetGeoidArea, Messages) {
     struct Case {
         int model;
         double latitude, size;
-        bool degrees;
+        AreaSizeUnit unit;
         std::filesystem::path output;
         const char *message;
     };
+    constexpr auto Deg = AreaSizeUnit::Degrees;
+    constexpr auto Miles = AreaSizeUnit::Miles;
     const Case cases[] = {
-        {0, 45, 1, true, "a.grd", "Error: Geoid not set"},
-        {79, 45, 1, true, "a.grd", "Error: Geoid not set"},
-        {6, 45, 15.5, true, "a.grd", "Warning: max geoid size is 15 degrees"},
-        {6, 45, 1100, false, "a.grd", "Warning: max geoid size is 15 degrees"},
-        {36, 45, 1, true, "a.grd", "Error: Point is not within grid coverage."},
-        {1, 10, 1, true, "a.grd", "Error: Point is not within grid coverage."},
-        {40, 31, 1, true, "a.grd", "Error unable to read geoid"},
-        {6, 45, 1, true, "no/such/folder/a.grd", "Error: unable to write Geoid grid."},
+        {0, 45, 1, Deg, "a.grd", "Error: Geoid not set"},
+        {79, 45, 1, Deg, "a.grd", "Error: Geoid not set"},
+        {6, 45, 15.5, Deg, "a.grd", "Warning: max geoid size is 15 degrees"},
+        {6, 45, 1100, Miles, "a.grd", "Warning: max geoid size is 15 degrees"},
+        {36, 45, 1, Deg, "a.grd", "Error: Point is not within grid coverage."},
+        {1, 10, 1, Deg, "a.grd", "Error: Point is not within grid coverage."},
+        {40, 31, 1, Deg, "a.grd", "Error unable to read geoid"},
+        {6, 45, 1, Deg, "no/such/folder/a.grd", "Error: unable to write Geoid grid."},
     };
     for (const auto &c : cases) {
         GeoidAreaSettings s;
         s.model = c.model;
         s.latitude = c.latitude;
         s.longitude = 1.0;
-        s.east = true;
+        s.longitudeSide = LongitudeSide::East;
         s.size = c.size;
-        s.degrees = c.degrees;
+        s.sizeUnit = c.unit;
         ScriptedInteraction ui;
         const Status status = setGeoidArea(models, s, f.path / c.output, ui);
         EXPECT_FALSE(status.ok()) << c.message;
@@ -144,9 +146,9 @@ TEST(SetGeoidArea, IniFileInItsOrder) {
     s.longitude = 100.1;
     s.model = 6;
     s.size = 2.5;
-    s.north = true;
-    s.east = false;
-    s.degrees = false;
+    s.latitudeSide = LatitudeSide::North;
+    s.longitudeSide = LongitudeSide::West;
+    s.sizeUnit = AreaSizeUnit::Miles;
     const auto ini = f.path / kSetGeoidIni;
     ASSERT_TRUE(saveGeoidAreaSettings(ini, s));
     EXPECT_EQ(slurp(ini),
@@ -156,8 +158,8 @@ TEST(SetGeoidArea, IniFileInItsOrder) {
     ASSERT_TRUE(loadGeoidAreaSettings(ini, back));
     EXPECT_EQ(back.latitude, 45.3015);
     EXPECT_EQ(back.model, 6);
-    EXPECT_FALSE(back.degrees);
-    EXPECT_FALSE(back.east);
+    EXPECT_EQ(back.sizeUnit, AreaSizeUnit::Miles);
+    EXPECT_EQ(back.longitudeSide, LongitudeSide::West);
 
     // Unknown keys, bad values, CRLF and overlong lines are passed over.
     std::ofstream(ini, std::ios::binary) << "size=abc\r\nbogus=1\r\n"
@@ -165,7 +167,7 @@ TEST(SetGeoidArea, IniFileInItsOrder) {
     GeoidAreaSettings partial;
     ASSERT_TRUE(loadGeoidAreaSettings(ini, partial));
     EXPECT_EQ(partial.size, 1.0);
-    EXPECT_TRUE(partial.east);
+    EXPECT_EQ(partial.longitudeSide, LongitudeSide::East);
     EXPECT_FALSE(loadGeoidAreaSettings(f.path / "absent.ini", partial));
 }
 
@@ -175,9 +177,9 @@ TEST(SetGeoidArea, AsksThroughTheForm) {
     ASSERT_TRUE(askGeoidArea(ui, s));
     EXPECT_EQ(ui.questions, std::vector<std::string>{"Set Geoid Area"});
     EXPECT_EQ(s.latitude, 45.3);
-    EXPECT_FALSE(s.north);
-    EXPECT_FALSE(s.east);
-    EXPECT_FALSE(s.degrees);
+    EXPECT_EQ(s.latitudeSide, LatitudeSide::South);
+    EXPECT_EQ(s.longitudeSide, LongitudeSide::West);
+    EXPECT_EQ(s.sizeUnit, AreaSizeUnit::Miles);
     EXPECT_EQ(s.model, 6);
     ScriptedInteraction cancel({"<cancel>"});
     EXPECT_FALSE(askGeoidArea(cancel, s));

@@ -332,8 +332,8 @@ TEST(Wkt, AppendModeAddsALine) {
     CoordinateSystem first = britishGrid();
     CoordinateSystem second = britishGrid();
     second.name = "second";
-    ASSERT_TRUE(saveWkt(first, path, false).ok());
-    ASSERT_TRUE(saveWkt(second, path, true).ok());
+    ASSERT_TRUE(saveWkt(first, path, WktWrite::Replace).ok());
+    ASSERT_TRUE(saveWkt(second, path, WktWrite::Append).ok());
     EXPECT_EQ(slurp(path), writeWkt(first) + writeWkt(second));
 
     std::vector<CoordinateSystem> read;
@@ -342,11 +342,12 @@ TEST(Wkt, AppendModeAddsALine) {
     EXPECT_EQ(read[1].name, "second");
 
     // Writing without append replaces the file.
-    ASSERT_TRUE(saveWkt(second, path, false).ok());
+    ASSERT_TRUE(saveWkt(second, path, WktWrite::Replace).ok());
     EXPECT_EQ(slurp(path), writeWkt(second));
 
-    EXPECT_EQ(saveWkt(first, path.parent_path() / "no" / "such" / "dir.prj", false).code,
-              StatusCode::Io);
+    EXPECT_EQ(
+        saveWkt(first, path.parent_path() / "no" / "such" / "dir.prj", WktWrite::Replace).code,
+        StatusCode::Io);
     EXPECT_EQ(loadWkt(path.parent_path() / "missing.prj", read).code, StatusCode::Io);
     std::filesystem::remove_all(path.parent_path());
 }
@@ -368,7 +369,7 @@ TEST(Wkt, ProjinfoAcceptsTheStandardTypes) {
     };
     const auto path = tempFile("projinfo.prj");
     for (const auto &[system, expected] : cases) {
-        ASSERT_TRUE(saveWkt(system, path, false).ok());
+        ASSERT_TRUE(saveWkt(system, path, WktWrite::Replace).ok());
         const std::string command =
             "projinfo -o PROJ -q \"$(cat '" + path.string() + "')\" 2>/dev/null";
         FILE *pipe = popen(command.c_str(), "r");
@@ -381,4 +382,38 @@ TEST(Wkt, ProjinfoAcceptsTheStandardTypes) {
         EXPECT_NE(output.find(expected), std::string::npos) << output;
     }
     std::filesystem::remove_all(path.parent_path());
+}
+
+// Coefficients by name, as descriptions and the command line give them: the
+// list grows to the named one, names compare without case, and a name the
+// type does not have changes nothing.
+TEST(CoordinateSystemCoefficients, SetByName) {
+    const struct {
+        ProjectionType type;
+        const char *name;
+        bool known;
+        std::vector<double> after; // the coefficients once 7.5 is set
+    } cases[] = {
+        {ProjectionType::ObliqueMercator27, "a", true, {7.5}},
+        {ProjectionType::ObliqueMercator27, "EPSILON", true, {0, 0, 0, 0, 0, 0, 0, 0, 0, 7.5}},
+        {ProjectionType::ObliqueMercator27, "lambda0", true, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 7.5}},
+        {ProjectionType::ObliqueMercator27, "l1", false, {}},
+        {ProjectionType::TransverseMercatorAlaska27, "cm", true, {0, 7.5}},
+        {ProjectionType::LambertConformalConic27, "L3", true, {0, 0, 7.5}},
+        {ProjectionType::LambertConformalConic27, "t3", false, {}},
+        {ProjectionType::TransverseMercator27, "t1", true, {7.5}},
+        {ProjectionType::TransverseMercator, "a", false, {}},
+    };
+    for (const auto &c : cases) {
+        CoordinateSystem cs;
+        cs.type = c.type;
+        EXPECT_EQ(cs.setCoefficient(c.name, 7.5), c.known) << c.name;
+        EXPECT_EQ(cs.parameters.coefficients, c.after) << c.name;
+    }
+    // Setting an earlier one keeps the later ones.
+    CoordinateSystem cs;
+    cs.type = ProjectionType::LambertConformalConic27;
+    cs.setCoefficient("l2", 2.0);
+    cs.setCoefficient("l1", 1.0);
+    EXPECT_EQ(cs.parameters.coefficients, (std::vector<double>{1.0, 2.0}));
 }

@@ -72,6 +72,21 @@ TEST(Zones, ListsInTheirFixedOrder) {
     }
 }
 
+// Users name a zone by name or by list position; anything else comes back
+// unchanged so that zoneSystem() can say which zone does not exist.
+TEST(Zones, ByNameOrPosition) {
+    const struct {
+        const char *text, *zone;
+    } cases[] = {
+        {"0", "GDA-MGA"}, {"4", "AGD66-ISG"}, {"AGD84-AMG", "AGD84-AMG"},
+        {"5", "5"},       {"-1", "-1"},       {"99999999999", "99999999999"},
+        {"2x", "2x"},     {" 2", " 2"},       {"", ""},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(zoneByNameOrPosition(CoordinateSystemFamily::Australia, c.text), c.zone)
+            << c.text;
+}
+
 TEST(Zones, StatePlaneOrder) {
     const auto sp83 = zoneNames(CoordinateSystemFamily::StatePlane83);
     const auto sp27 = zoneNames(CoordinateSystemFamily::StatePlane27);
@@ -224,10 +239,10 @@ TEST(Zones, OpenGridZones) {
         o.longitude = lon;
         return o;
     };
-    auto given = [](const char *gridZone, bool south = false) {
+    auto given = [](const char *gridZone, Hemisphere hemisphere = Hemisphere::North) {
         ZoneOptions o;
         o.gridZone = gridZone;
-        o.south = south;
+        o.hemisphere = hemisphere;
         return o;
     };
     const Case cases[] = {
@@ -236,7 +251,8 @@ TEST(Zones, OpenGridZones) {
         {CoordinateSystemFamily::Utm, "Automatic", given("33"), true, 15, 0},
         {CoordinateSystemFamily::Utm, "Automatic", given("61"), false, 0, 0},
         {CoordinateSystemFamily::Utm, "Automatic", {}, false, 0, 0},
-        {CoordinateSystemFamily::Utm, "33: E 12-18 deg", given("", true), true, 15, 10000000},
+        {CoordinateSystemFamily::Utm, "33: E 12-18 deg", given("", Hemisphere::South), true, 15,
+         10000000},
         {CoordinateSystemFamily::Australia, "GDA-MGA", at(-33.9, 151.2), true, 153, 10000000},
         {CoordinateSystemFamily::Australia, "AGD66-AMG", given("55"), true, 147, 10000000},
         {CoordinateSystemFamily::Australia, "AGD66-ISG", at(-33.9, 151.2), true, 151, 5000000},

@@ -8,6 +8,9 @@ using namespace tramline::raw;
 
 namespace {
 
+using VM = VerticalMode;
+using DM = DistanceMode;
+
 class DisplayModesTest : public tramline::test::ScratchFolderTest {
 protected:
     RawDocument openText(const std::string &text, DisplayModes modes = {}) {
@@ -31,36 +34,38 @@ protected:
 // give from the one before.
 TEST_F(DisplayModesTest, VerticalModeChanges) {
     struct Case {
-        int distanceMode, from, to;
+        DistanceMode distance;
+        VerticalMode from, to;
         const char *before, *after, *caption;
     };
     const Case cases[] = {
-        {1, 2, 1, "87.0000", "3.0000", "VertAng"},
-        {1, 1, 2, "3.0000", "87.0000", "ZenithAng"},
-        {1, 2, 3, "87.0000", "5.2336", "ElevDiff"},
-        {1, 3, 2, "5.2336", "87.0000", "ZenithAng"},
-        {1, 3, 1, "5.2336", "3.0000", "VertAng"},
-        {1, 2, 4, "87.0000", "3.0000", "VertAng"},
-        {1, 4, 2, "3.0000", "87.0000", "ZenithAng"},
+        {DM::Slope, VM::Zenith, VM::VerticalAngle, "87.0000", "3.0000", "VertAng"},
+        {DM::Slope, VM::VerticalAngle, VM::Zenith, "3.0000", "87.0000", "ZenithAng"},
+        {DM::Slope, VM::Zenith, VM::ElevationDifference, "87.0000", "5.2336", "ElevDiff"},
+        {DM::Slope, VM::ElevationDifference, VM::Zenith, "5.2336", "87.0000", "ZenithAng"},
+        {DM::Slope, VM::ElevationDifference, VM::VerticalAngle, "5.2336", "3.0000", "VertAng"},
+        {DM::Slope, VM::Zenith, VM::None, "87.0000", "3.0000", "VertAng"},
+        {DM::Slope, VM::None, VM::Zenith, "3.0000", "87.0000", "ZenithAng"},
         // With horizontal distances the elevation difference is h * tan(va).
-        {2, 2, 3, "87.0000", "5.2336", "ElevDiff"},
-        {2, 3, 1, "5.2336", "3.0000", "VertAng"},
+        {DM::Horizontal, VM::Zenith, VM::ElevationDifference, "87.0000", "5.2336", "ElevDiff"},
+        {DM::Horizontal, VM::ElevationDifference, VM::VerticalAngle, "5.2336", "3.0000", "VertAng"},
         // A shot below the horizon.
-        {1, 1, 3, "-3.0000", "-5.2336", "ElevDiff"},
+        {DM::Slope, VM::VerticalAngle, VM::ElevationDifference, "-3.0000", "-5.2336", "ElevDiff"},
     };
     for (const auto &c : cases) {
         DisplayModes modes;
-        modes.distance = c.distanceMode;
+        modes.distance = c.distance;
         RawDocument doc = openText("SS,OP1,FP2,AR10.0000,ZE87.0000,SD100.000,--\n", modes);
         doc.changeVerticalMode(c.from);
         // Set the starting value exactly, so each row tests one conversion.
         doc.setCell(0, 1 + kVerticalCell, c.before);
-        if (c.distanceMode == 2)
+        if (c.distance == DM::Horizontal)
             doc.setCell(0, 1 + kDistanceCell, "99.863");
         doc.setModified(false);
         EXPECT_EQ(doc.changeVerticalMode(c.to), 1);
         EXPECT_EQ(vertical(doc), c.after)
-            << c.from << "->" << c.to << " distance mode " << c.distanceMode;
+            << static_cast<int>(c.from) << "->" << static_cast<int>(c.to) << " distance mode "
+            << static_cast<int>(c.distance);
         EXPECT_EQ(doc.captions("SS")[kVerticalCell], c.caption);
         EXPECT_EQ(doc.modes().vertical, c.to);
         EXPECT_FALSE(doc.modified());
@@ -69,55 +74,57 @@ TEST_F(DisplayModesTest, VerticalModeChanges) {
 
 TEST_F(DisplayModesTest, NoneThenZenithShowsZenithAgain) {
     RawDocument doc = openText("SS,OP1,FP2,AR10.0000,ZE90.0027,SD85.824,--\n");
-    doc.changeVerticalMode(4);
+    doc.changeVerticalMode(VM::None);
     EXPECT_EQ(vertical(doc), "-0.0027");
-    doc.changeVerticalMode(2);
+    doc.changeVerticalMode(VM::Zenith);
     EXPECT_EQ(vertical(doc), "90.0027");
     EXPECT_EQ(doc.text(), "SS,OP1,FP2,AR10.0000,ZE90.0027,SD85.824,--\n");
 }
 
 // A corrupt vertical mode acts as zenith and is reset by any display command.
 TEST_F(DisplayModesTest, CorruptVerticalModeActsAsZenith) {
-    for (int corrupt : {0, 5, -1}) {
+    for (int number : {0, 5, -1}) {
+        const auto corrupt = static_cast<VerticalMode>(number);
         RawDocument doc = openText("SS,OP1,FP2,AR10.0000,ZE87.0000,SD100.000,--\n");
         DisplayModes modes = doc.modes();
         modes.vertical = corrupt;
         doc.setModes(modes);
-        doc.changeVerticalMode(1);
-        EXPECT_EQ(vertical(doc), "3.0000") << corrupt;
+        doc.changeVerticalMode(VM::VerticalAngle);
+        EXPECT_EQ(vertical(doc), "3.0000") << number;
 
         doc.setModes(modes);
-        doc.changeDistanceMode(1);
-        EXPECT_EQ(doc.modes().vertical, 2) << corrupt;
+        doc.changeDistanceMode(DM::Slope);
+        EXPECT_EQ(doc.modes().vertical, VM::Zenith) << number;
         doc.setModes(modes);
         doc.changeVerticalMode(corrupt); // a corrupt target means zenith
-        EXPECT_EQ(doc.modes().vertical, 2) << corrupt;
+        EXPECT_EQ(doc.modes().vertical, VM::Zenith) << number;
     }
 }
 
 TEST_F(DisplayModesTest, DistanceModeChanges) {
     struct Case {
-        int vertical;
+        VerticalMode vertical;
         const char *line, *horizontal, *slope;
     };
     const Case cases[] = {
-        {2, "SS,OP1,FP2,AR10.0000,ZE87.0000,SD100.000,--", "99.863", "100.000"},
-        {1, "SS,OP1,FP2,AR10.0000,ZE93.0000,SD100.000,--", "99.863", "100.000"},
-        {3, "SS,OP1,FP2,AR10.0000,ZE87.0000,SD100.000,--", "99.863", "100.000"},
+        {VM::Zenith, "SS,OP1,FP2,AR10.0000,ZE87.0000,SD100.000,--", "99.863", "100.000"},
+        {VM::VerticalAngle, "SS,OP1,FP2,AR10.0000,ZE93.0000,SD100.000,--", "99.863", "100.000"},
+        {VM::ElevationDifference, "SS,OP1,FP2,AR10.0000,ZE87.0000,SD100.000,--", "99.863",
+         "100.000"},
         // Face-two zenith angles give a positive horizontal distance.
-        {2, "SS,OP1,FP2,AR10.0000,ZE273.0000,SD100.000,--", "99.863", "100.000"},
+        {VM::Zenith, "SS,OP1,FP2,AR10.0000,ZE273.0000,SD100.000,--", "99.863", "100.000"},
         // No vertical value: the distance is taken as level.
-        {2, "SS,OP1,FP2,AR10.0000,ZE,SD100.000,--", "100.000", "100.000"},
+        {VM::Zenith, "SS,OP1,FP2,AR10.0000,ZE,SD100.000,--", "100.000", "100.000"},
     };
     for (const auto &c : cases) {
         DisplayModes modes;
         modes.vertical = c.vertical;
         RawDocument doc = openText(std::string(c.line) + "\n", modes);
         const std::string verticalBefore = vertical(doc);
-        EXPECT_EQ(doc.changeDistanceMode(2), 1) << c.line;
+        EXPECT_EQ(doc.changeDistanceMode(DM::Horizontal), 1) << c.line;
         EXPECT_EQ(distance(doc), c.horizontal) << c.line;
         EXPECT_EQ(doc.captions("SS")[kDistanceCell], "HorzDist");
-        doc.changeDistanceMode(1);
+        doc.changeDistanceMode(DM::Slope);
         EXPECT_EQ(distance(doc), c.slope) << c.line;
         EXPECT_EQ(doc.captions("SS")[kDistanceCell], "SlopeDist");
         EXPECT_EQ(vertical(doc), verticalBefore) << c.line;
@@ -128,10 +135,10 @@ TEST_F(DisplayModesTest, DistanceModeChanges) {
 // 86.603 / cos 30 degrees is 100.0005.
 TEST_F(DisplayModesTest, HorizontalDistanceRowGivesTheRightSlope) {
     DisplayModes modes;
-    modes.distance = 2;
+    modes.distance = DM::Horizontal;
     RawDocument doc = openText("SS,OP1,FP2,AR10.0000,VA30.0000,HD86.603,--\n", modes);
     EXPECT_EQ(distance(doc), "86.603");
-    doc.changeDistanceMode(1);
+    doc.changeDistanceMode(DM::Slope);
     EXPECT_EQ(distance(doc), "100.001");
     EXPECT_EQ(doc.text(), "SS,OP1,FP2,AR10.0000,ZE60.0000,SD100.001,--\n");
 }
@@ -143,15 +150,15 @@ TEST_F(DisplayModesTest, AngleModeConvertsEveryAngleCell) {
                              "SS,OP1,FP101,AR345.4539,ZE90.0000,SD85.824,--\n"
                              "TR,OP1,FP2,BRN45.3000E,ZE89.2452,SD453.567,--\n";
     RawDocument doc = openText(text);
-    EXPECT_EQ(doc.changeAngleMode(0), 7);
+    EXPECT_EQ(doc.changeAngleMode(AngleUnit::Gons), 7);
     EXPECT_EQ(doc.text(), "MO,AD0,UN1,SF1.00000000,EC0,EO0,AU1\n"
                           "BK,OP1,BP2,BS100.0000,BC200.0000\n"
                           "AZ,OP1,FP2,BS50.0000\n"
                           "SS,OP1,FP101,AR384.1787,ZE100.0000,SD85.824,--\n"
                           "TR,OP1,FP2,BRN50.5556E,ZE99.3494,SD453.567,--\n");
     EXPECT_EQ(doc.angleUnit(), AngleUnit::Gons);
-    EXPECT_EQ(doc.changeAngleMode(0), 0); // already gons
-    EXPECT_EQ(doc.changeAngleMode(1), 7);
+    EXPECT_EQ(doc.changeAngleMode(AngleUnit::Gons), 0); // already gons
+    EXPECT_EQ(doc.changeAngleMode(AngleUnit::DegreesMinutesSeconds), 7);
     EXPECT_EQ(doc.text(), text);
 }
 
@@ -159,25 +166,25 @@ TEST_F(DisplayModesTest, AngleModeConvertsEveryAngleCell) {
 // back the same; a file without a mode record gets a units note.
 TEST_F(DisplayModesTest, AngleUnitIsDeclaredInTheFile) {
     RawDocument doc = openText("SS,OP1,FP2,AR90.0000,ZE90.0000,SD10.000,--\n");
-    doc.changeAngleMode(0);
+    doc.changeAngleMode(AngleUnit::Gons);
     EXPECT_EQ(doc.text(), "--UNITS GONS\nSS,OP1,FP2,AR100.0000,ZE100.0000,SD10.000,--\n");
     RawFile records;
     ASSERT_TRUE(doc.records(records));
     EXPECT_EQ(records.units.angle, AngleUnit::Gons);
     EXPECT_NEAR(records.nodes[1].observation.verticalAngle, 0.0, 1e-9);
-    doc.changeAngleMode(1);
+    doc.changeAngleMode(AngleUnit::DegreesMinutesSeconds);
     EXPECT_EQ(doc.text(), "SS,OP1,FP2,AR90.0000,ZE90.0000,SD10.000,--\n");
 }
 
 // Elevation differences are lengths: a change of angle unit leaves them.
 TEST_F(DisplayModesTest, AngleModeLeavesElevationDifferences) {
     DisplayModes modes;
-    modes.vertical = 3;
+    modes.vertical = VM::ElevationDifference;
     RawDocument doc = openText("SS,OP1,FP2,AR90.0000,ZE87.0000,SD100.000,--\n", modes);
-    EXPECT_EQ(doc.changeAngleMode(0), 1);
+    EXPECT_EQ(doc.changeAngleMode(AngleUnit::Gons), 1);
     ASSERT_EQ(doc.rowCount(), 2u); // the units note comes first
     EXPECT_EQ(vertical(doc, 1), "5.2336");
-    doc.changeVerticalMode(2);
+    doc.changeVerticalMode(VM::Zenith);
     EXPECT_EQ(vertical(doc, 1), "96.6667");
 }
 

@@ -103,20 +103,21 @@ TEST_F(RawDocumentTest, GridFormatsRewriteValues) {
 TEST_F(RawDocumentTest, DisplayModesDecideCellsAndWrittenCodes) {
     const std::string line = "SS,OP1,FP2,AR90.0000,ZE60.0000,SD100.000,--\n";
     struct Case {
-        int vertical, distance;
+        VerticalMode vertical; // 0: a corrupt mode, shown as zenith
+        DistanceMode distance;
         const char *vertCell, *distCell, *vertCaption, *distCaption, *written;
     };
     const Case cases[] = {
-        {2, 1, "60.0000", "100.000", "ZenithAng", "SlopeDist",
+        {VerticalMode::Zenith, DistanceMode::Slope, "60.0000", "100.000", "ZenithAng", "SlopeDist",
          "SS,OP1,FP2,AR90.0000,ZE60.0000,SD100.000,--\n"},
-        {1, 1, "30.0000", "100.000", "VertAng", "SlopeDist",
+        {VerticalMode::VerticalAngle, DistanceMode::Slope, "30.0000", "100.000", "VertAng",
+         "SlopeDist", "SS,OP1,FP2,AR90.0000,VA30.0000,SD100.000,--\n"},
+        {VerticalMode::ElevationDifference, DistanceMode::Horizontal, "50.0000", "86.603",
+         "ElevDiff", "HorzDist", "SS,OP1,FP2,AR90.0000,CE50.0000,HD86.603,--\n"},
+        {VerticalMode::None, DistanceMode::Slope, "30.0000", "100.000", "VertAng", "SlopeDist",
          "SS,OP1,FP2,AR90.0000,VA30.0000,SD100.000,--\n"},
-        {3, 2, "50.0000", "86.603", "ElevDiff", "HorzDist",
-         "SS,OP1,FP2,AR90.0000,CE50.0000,HD86.603,--\n"},
-        {4, 1, "30.0000", "100.000", "VertAng", "SlopeDist",
-         "SS,OP1,FP2,AR90.0000,VA30.0000,SD100.000,--\n"},
-        {0, 1, "60.0000", "100.000", "ZenithAng", "SlopeDist",
-         "SS,OP1,FP2,AR90.0000,ZE60.0000,SD100.000,--\n"},
+        {static_cast<VerticalMode>(0), DistanceMode::Slope, "60.0000", "100.000", "ZenithAng",
+         "SlopeDist", "SS,OP1,FP2,AR90.0000,ZE60.0000,SD100.000,--\n"},
     };
     for (const auto &c : cases) {
         DisplayModes modes;
@@ -124,12 +125,12 @@ TEST_F(RawDocumentTest, DisplayModesDecideCellsAndWrittenCodes) {
         modes.distance = c.distance;
         RawDocument doc = openText(line, modes);
         const auto &row = doc.row(0);
-        EXPECT_EQ(row.cells[kVerticalCell], c.vertCell) << c.vertical;
-        EXPECT_EQ(row.cells[kDistanceCell], c.distCell) << c.vertical;
+        EXPECT_EQ(row.cells[kVerticalCell], c.vertCell) << static_cast<int>(c.vertical);
+        EXPECT_EQ(row.cells[kDistanceCell], c.distCell) << static_cast<int>(c.vertical);
         const auto caps = doc.captions(row.type);
         EXPECT_EQ(caps[kVerticalCell], c.vertCaption);
         EXPECT_EQ(caps[kDistanceCell], c.distCaption);
-        EXPECT_EQ(doc.text(), c.written) << c.vertical;
+        EXPECT_EQ(doc.text(), c.written) << static_cast<int>(c.vertical);
     }
 }
 
@@ -237,7 +238,7 @@ TEST_F(RawDocumentTest, ModifyMeasurements) {
     RawDocument zenith = openText(text);
     EXPECT_EQ(zenith.modifyMeasurements(ModifyField::ElevationDifference, 1.0, {"2", 0, 0}), -1);
     DisplayModes elev;
-    elev.vertical = 3;
+    elev.vertical = VerticalMode::ElevationDifference;
     RawDocument diff = openText(text, elev);
     EXPECT_EQ(diff.modifyMeasurements(ModifyField::VerticalAngle, 0.5, {"3", 0, 0}), 1);
     EXPECT_EQ(diff.row(1).cells[kVerticalCell], "0.5145"); // 50 sin(0.0167 deg) + 0.5
@@ -265,26 +266,26 @@ TEST_F(RawDocumentTest, FindAndReplace) {
     EXPECT_EQ(hit->row, 2u);
 
     ScriptedInteraction answers({"No", "Yes"});
-    EXPECT_EQ(doc.replace("IP", "PIN", false, answers), 1);
+    EXPECT_EQ(doc.replace("IP", "PIN", ReplaceScope::AskEach, answers), 1);
     EXPECT_EQ(answers.questions[0], "Search and Replace: Replace in row 1 column 8?");
     EXPECT_EQ(doc.row(0).cells[kDescriptionCell], "IP");
     EXPECT_EQ(doc.row(1).cells[kDescriptionCell], "PIN FOUND");
-    EXPECT_EQ(doc.replace("0000", "0", true, ui), 4); // two angles in each shot
+    EXPECT_EQ(doc.replace("0000", "0", ReplaceScope::All, ui), 4); // two angles in each shot
     ScriptedInteraction cancel({"Cancel"});
-    EXPECT_EQ(doc.replace("SS", "TR", false, cancel), 0);
+    EXPECT_EQ(doc.replace("SS", "TR", ReplaceScope::AskEach, cancel), 0);
 }
 
 TEST_F(RawDocumentTest, AppendAnotherFile) {
     const auto other =
         write("other.rw5", "JB,NMOTHER,DT,TM\nMO,AD0,UN2,SF1.00000000,EC0,EO0,AU0\nLS,HI5\n");
     RawDocument doc = openText("--first\n");
-    ASSERT_TRUE(doc.append(other, false, ui));
+    ASSERT_TRUE(doc.append(other, RawFlavour::Rw5, ui));
     EXPECT_EQ(doc.rowCount(), 4u);
     EXPECT_EQ(doc.row(3).type, "HI");
     RawDocument tds = openText("--first\n");
-    ASSERT_TRUE(tds.append(other, true, ui));
+    ASSERT_TRUE(tds.append(other, RawFlavour::Tds, ui));
     EXPECT_EQ(tds.rowCount(), 2u);
-    EXPECT_FALSE(tds.append(dir / "missing.rw5", false, ui));
+    EXPECT_FALSE(tds.append(dir / "missing.rw5", RawFlavour::Rw5, ui));
     EXPECT_EQ(ui.messages.back(), "Error: unable to read raw file");
 }
 

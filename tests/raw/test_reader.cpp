@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 
 using namespace tramline;
 using namespace tramline::raw;
@@ -188,12 +189,45 @@ TEST(RawReader, BadInputNeverCrashes) {
     EXPECT_EQ(longLine.nodes.back().type, RecordType::Heights);
 }
 
-TEST(RawReader, MissingFileAndFolder) {
+// A stream that serves `lines` lines of eight bytes in one block and then
+// fails, as a disk or a network share can.
+class FailingBuffer : public std::streambuf {
+public:
+    explicit FailingBuffer(std::size_t lines) {
+        for (std::size_t i = 0; i < lines; ++i)
+            m_data += "LS,HI12\n";
+        setg(m_data.data(), m_data.data(), m_data.data() + m_data.size());
+    }
+
+protected:
+    int_type underflow() override { throw std::runtime_error("device gone"); }
+
+private:
+    std::string m_data;
+};
+
+TEST(RawReader, FailuresCarryTheirLine) {
     RawFile f;
-    std::string error;
-    EXPECT_FALSE(readRawFile("/nonexistent/job.rw5", f, &error));
-    EXPECT_FALSE(error.empty());
-    EXPECT_FALSE(readRawFile(std::filesystem::temp_directory_path(), f, &error));
+    const struct {
+        std::filesystem::path path;
+        StatusCode code;
+    } files[] = {{"/nonexistent/job.rw5", StatusCode::NotFound},
+                 {std::filesystem::temp_directory_path(), StatusCode::NotFound}};
+    for (const auto &c : files) {
+        const Status status = readRawFile(c.path, f);
+        EXPECT_EQ(status.code, c.code) << c.path;
+        EXPECT_EQ(status.message, "Error: unable to read raw file");
+        EXPECT_EQ(status.lineNumber, 0u) << c.path; // nothing was read
+    }
+    // The reader takes 64 KiB at a time: 8192 lines arrive, the next fails.
+    FailingBuffer buffer(8192);
+    std::istream in(&buffer);
+    const Status status = readRaw(in, f);
+    EXPECT_EQ(status.code, StatusCode::Io);
+    EXPECT_EQ(status.lineNumber, 8193u);
+    EXPECT_EQ(f.nodes.size(), 8192u);
+    std::istringstream good("LS,HI1\n");
+    EXPECT_TRUE(readRaw(good, f).ok());
 }
 
 } // namespace

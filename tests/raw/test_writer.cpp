@@ -62,7 +62,7 @@ TEST(RawWriter, ExactFormsAndTheClassifierAgrees) {
     for (const auto &c : cases) {
         EXPECT_EQ(c.line, c.expected);
         const std::string line = c.line.substr(0, c.line.size() - 1);
-        EXPECT_EQ(ClassifyRawLine(line, 1, fields), c.kind) << line;
+        EXPECT_EQ(ClassifyRawLine(line, JobRecords::Recognised, fields), c.kind) << line;
     }
 }
 
