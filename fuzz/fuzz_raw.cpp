@@ -33,8 +33,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     for (int vertical = 1; vertical <= 4; ++vertical) {
         tramline::raw::RawDocument doc;
         tramline::raw::DisplayModes modes;
-        modes.vertical = vertical;
-        modes.distance = vertical % 2 + 1;
+        modes.vertical = static_cast<tramline::raw::VerticalMode>(vertical);
+        modes.distance = static_cast<tramline::raw::DistanceMode>(vertical % 2 + 1);
         doc.setModes(modes);
         doc.load(file);
         const std::string text = doc.text();

@@ -181,7 +181,9 @@ bool FileStore::sync() {
 }
 
 long long MemoryStore::readAt(std::uint64_t offset, void *data, std::size_t size) {
-    if (offset >= m_bytes.size())
+    // A record of no bytes may come with no buffer at all (an empty
+    // vector's data()), which memcpy must never see.
+    if (offset >= m_bytes.size() || size == 0)
         return 0;
     const std::size_t n = std::min<std::size_t>(size, m_bytes.size() - offset);
     std::memcpy(data, m_bytes.data() + offset, n);

@@ -131,4 +131,12 @@ TEST(CrdBulkWrite, FullDiskLeavesTheFileAsItWas) {
     EXPECT_TRUE(bytes->bytes() == start);
 }
 
+// Found by fuzzing: a record of no bytes reads into no buffer at all.
+TEST(MemoryStore, EmptyReadsAndWritesNeedNoBuffer) {
+    MemoryStore store(std::vector<unsigned char>{1, 2, 3});
+    EXPECT_EQ(store.readAt(1, nullptr, 0), 0);
+    EXPECT_TRUE(store.writeAt(1, nullptr, 0));
+    EXPECT_EQ(store.bytes(), (std::vector<unsigned char>{1, 2, 3}));
+}
+
 } // namespace
