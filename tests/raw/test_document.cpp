@@ -134,22 +134,6 @@ TEST_F(RawDocumentTest, DisplayModesDecideCellsAndWrittenCodes) {
     }
 }
 
-TEST_F(RawDocumentTest, CaptionsByRowType) {
-    RawDocument doc;
-    EXPECT_EQ(doc.captions("HI"), (std::vector<std::string>{"InstHt", "RodHt"}));
-    EXPECT_EQ(doc.captions("PT"), (std::vector<std::string>{"PntNo", "Northing", "Easting",
-                                                            "Elevation", "Description"}));
-    EXPECT_EQ(doc.captions("MSE").size(), 6u);
-    EXPECT_EQ(doc.captions("SSE")[0], "Rod Ctr");
-    EXPECT_EQ(doc.captions("CSE")[3], "Azimuth(sec)");
-    EXPECT_EQ(doc.captions("")[0], "Note");
-    EXPECT_EQ(rowTypes().size(), 26u);
-    EXPECT_EQ(rowTypes()[2], "HI");
-    EXPECT_EQ(rowTypes()[4], "PT");
-    EXPECT_EQ(angleCodes(), (std::vector<std::string>{"NE", "SE", "SW", "NW", "AZ", "AR", "AL",
-                                                      "DR", "DL", "GN"}));
-}
-
 TEST_F(RawDocumentTest, NoteRowsThatHoldRecords) {
     RawDocument doc;
     struct Case {
