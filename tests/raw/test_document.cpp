@@ -226,6 +226,11 @@ TEST_F(RawDocumentTest, ModifyMeasurements) {
     RawDocument diff = openText(text, elev);
     EXPECT_EQ(diff.modifyMeasurements(ModifyField::VerticalAngle, 0.5, {"3", 0, 0}), 1);
     EXPECT_EQ(diff.row(1).cells[kVerticalCell], "0.5145"); // 50 sin(0.0167 deg) + 0.5
+    // In gons the circle is 400: 399.9815 + 30 wraps to 29.9815.
+    RawDocument gons = openText(text);
+    gons.changeAngleMode(AngleUnit::Gons); // a units note becomes the first row
+    EXPECT_EQ(gons.modifyMeasurements(ModifyField::HorizontalAngle, 30.0, {"2", 0, 0}), 1);
+    EXPECT_EQ(gons.row(1).cells[kHorizontalCell], "29.9815");
 }
 
 TEST_F(RawDocumentTest, FindAndReplace) {
