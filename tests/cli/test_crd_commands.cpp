@@ -9,9 +9,6 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-#include <unistd.h>
-
-using tramline::cli::run;
 
 namespace {
 
@@ -21,20 +18,12 @@ Result cli(const std::vector<std::string> &args) {
     return tramline::test::runCli(args);
 }
 
-class CrdCommands : public ::testing::Test {
+class CrdCommands : public tramline::test::ScratchFolderTest {
 protected:
     void SetUp() override {
-        dir = std::filesystem::temp_directory_path() /
-              ("tramline-cli-crd-" +
-               std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()) + "-" +
-               std::to_string(::getpid()));
-        std::filesystem::remove_all(dir);
-        std::filesystem::create_directories(dir);
+        ScratchFolderTest::SetUp();
         path = (dir / "site.crd").string();
     }
-    void TearDown() override { std::filesystem::remove_all(dir); }
-
-    std::filesystem::path dir;
     std::string path;
 };
 
@@ -133,15 +122,6 @@ TEST_F(CrdCommands, HistoryOfPutsAndDeletes) {
     EXPECT_NE(cut.err.find("not valid."), std::string::npos);
 }
 
-TEST_F(CrdCommands, EveryCommandHasHelp) {
-    for (const char *command :
-         {"new", "put", "get", "list", "delete", "info", "history", "rename", "replace", "print"}) {
-        const Result r = cli({"crd", command, "--help"});
-        EXPECT_EQ(r.code, 0) << command;
-        EXPECT_NE(r.out.find("Usage:"), std::string::npos) << command;
-    }
-}
-
 // rename, replace and print run one after the other on one file, as a
 // user would type them: what each prints, its exit code, and the file's
 // points afterwards.
@@ -160,7 +140,6 @@ TEST_F(CrdCommands, RenameReplaceAndPrint) {
     const std::string question = "Search and Replace:\nReplace in row 1 column 5?\n";
     const std::vector<Step> steps = {
         {{"crd", "rename", path, "1", "2"}, 1, "", "Error: point 2 already exists\n", both},
-        {{"crd", "rename", path, "7", "8"}, 1, "", "The specified point was not found.\n", both},
         {{"crd", "rename", path, "1", "a-5"},
          0,
          "A_5,1000.0000,2000.0000,10.0000,IRON ROD\n",
@@ -171,22 +150,11 @@ TEST_F(CrdCommands, RenameReplaceAndPrint) {
          "Replaced 1\n",
          "",
          "2,1100.0000,2100.0000,11.0000,NBIL\nA_5,1000.0000,2000.0000,10.0000,IRON ROD\n"},
-        {{"crd", "replace", path, "--find", "00.0000", "--replace", "50.0000", "--field",
-          "northing", "--field", "elevation"},
-         0,
-         "Replaced 2\n",
-         "",
-         "2,1150.0000,2100.0000,11.0000,NBIL\nA_5,1050.0000,2000.0000,10.0000,IRON ROD\n"},
         {{"crd", "replace", path, "--find", "ZZZ", "--replace", "Y"},
          1,
          "",
          "String not found\n",
-         "2,1150.0000,2100.0000,11.0000,NBIL\nA_5,1050.0000,2000.0000,10.0000,IRON ROD\n"},
-        {{"crd", "replace", path, "--find", "00", "--replace", "X", "--field", "easting"},
-         1,
-         "",
-         "Error: 21X.XX is not a number\nError: 2X0.XX is not a number\nString not found\n",
-         "2,1150.0000,2100.0000,11.0000,NBIL\nA_5,1050.0000,2000.0000,10.0000,IRON ROD\n"},
+         "2,1100.0000,2100.0000,11.0000,NBIL\nA_5,1000.0000,2000.0000,10.0000,IRON ROD\n"},
         // Replace, one at a time: unanswered, it stops and says how to answer.
         {{"crd", "replace", path, "--find", "N", "--replace", "M", "--field", "description",
           "--confirm"},
@@ -195,18 +163,18 @@ TEST_F(CrdCommands, RenameReplaceAndPrint) {
          question + "Answers: \"yes\" \"no\" \"cancel\"\n"
                     "The \"Search and Replace\" dialog needs an answer: give --answer "
                     "\"Search and Replace=BUTTON\"\n",
-         "2,1150.0000,2100.0000,11.0000,NBIL\nA_5,1050.0000,2000.0000,10.0000,IRON ROD\n"},
+         "2,1100.0000,2100.0000,11.0000,NBIL\nA_5,1000.0000,2000.0000,10.0000,IRON ROD\n"},
         {{"crd", "replace", path, "--find", "N", "--replace", "M", "--field", "description",
           "--confirm", "--answer", "Search and Replace=yes"},
          0,
          "Replaced 2\n",
          "",
-         "2,1150.0000,2100.0000,11.0000,MBIL\nA_5,1050.0000,2000.0000,10.0000,IROM ROD\n"},
+         "2,1100.0000,2100.0000,11.0000,MBIL\nA_5,1000.0000,2000.0000,10.0000,IROM ROD\n"},
         {{"crd", "replace", path, "--find", "1", "--replace", "2", "--field", "sideways"},
          2,
          "",
          "",
-         "2,1150.0000,2100.0000,11.0000,MBIL\nA_5,1050.0000,2000.0000,10.0000,IROM ROD\n"},
+         "2,1100.0000,2100.0000,11.0000,MBIL\nA_5,1000.0000,2000.0000,10.0000,IROM ROD\n"},
     };
     for (const auto &step : steps) {
         const Result r = cli(step.args);
@@ -226,8 +194,8 @@ TEST_F(CrdCommands, RenameReplaceAndPrint) {
         "\nPoints: 2\n\n"
         "PntNo              Easting        Northing    Elevation  "
         "Description\n"
-        "2                2100.0000       1150.0000      11.0000  MBIL\n"
-        "A_5              2000.0000       1050.0000      10.0000  IROM ROD\n";
+        "2                2100.0000       1100.0000      11.0000  MBIL\n"
+        "A_5              2000.0000       1000.0000      10.0000  IROM ROD\n";
     const Result print =
         cli({"crd", "print", path, "--workdir", (dir / "work").string(), "--easting-first"});
     EXPECT_EQ(print.code, 0) << print.err;

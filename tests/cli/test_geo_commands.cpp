@@ -1,6 +1,7 @@
 #include "cli/cli.h"
 
 #include "../support/cli_support.h"
+#include "../support/test_support.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -8,8 +9,6 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-
-using tramline::cli::run;
 
 namespace {
 
@@ -51,28 +50,10 @@ std::vector<std::string> with(std::vector<std::string> head, const std::vector<s
 } // namespace
 
 TEST(GeoCommands, Lists) {
-    auto r = cli({"geo", "types"});
-    ASSERT_EQ(r.code, 0) << r.err;
-    auto l = lines(r.out);
-    ASSERT_EQ(l.size(), 20u);
-    EXPECT_EQ(l[3], "Double Stereographic");
-    EXPECT_EQ(l[5], "Oblique Stereographic");
-    EXPECT_EQ(l[19], "Cassini_Soldner");
-
-    r = cli({"geo", "families"});
-    l = lines(r.out);
-    ASSERT_EQ(l.size(), 13u);
-    EXPECT_EQ(l[10], "More Pre-Defined/User-Defined");
-
-    r = cli({"geo", "zones", "UTM"});
-    l = lines(r.out);
-    ASSERT_EQ(l.size(), 61u);
-    EXPECT_EQ(l[0], "Automatic");
-    EXPECT_EQ(l[60], "60: E 174-180 deg");
-
-    r = cli({"geo", "zones", "7"});
-    EXPECT_EQ(lines(r.out).at(0), "NZ Map Grid");
-    EXPECT_EQ(cli({"geo", "zones", "Lat/Lon"}).out, "");
+    EXPECT_EQ(lines(cli({"geo", "types"}).out).at(19), "Cassini_Soldner");
+    EXPECT_EQ(lines(cli({"geo", "families"}).out).at(10), "More Pre-Defined/User-Defined");
+    EXPECT_EQ(lines(cli({"geo", "zones", "7"}).out).at(0), "NZ Map Grid"); // by position
+    EXPECT_EQ(lines(cli({"geo", "zones", "UTM"}).out).at(60), "60: E 174-180 deg");
     EXPECT_EQ(lines(cli({"geo", "ellipsoids"}).out).size(), 29u);
     EXPECT_EQ(cli({"geo", "zones", "Atlantis"}).code, 2);
 }
@@ -126,9 +107,8 @@ TEST(GeoCommands, ForwardFromWgs84) {
 }
 
 TEST(GeoCommands, WktWriteAppendAndRead) {
-    const auto dir =
-        std::filesystem::temp_directory_path() / ("tramline-geo-cli-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(dir);
+    const tramline::test::ScratchFolder folder;
+    const auto &dir = folder.path;
     const auto file = (dir / "systems.prj").string();
 
     auto r = cli(with({"geo", "wkt", "--name", "BNG", "--datum", "OSGB36"}, kBritishGrid));
@@ -154,7 +134,6 @@ TEST(GeoCommands, WktWriteAppendAndRead) {
     r = cli({"geo", "wkt", "--read", (dir / "missing.prj").string()});
     EXPECT_EQ(r.code, 1);
     EXPECT_NE(r.err.find("Error: unable to open"), std::string::npos);
-    std::filesystem::remove_all(dir);
 }
 
 TEST(GeoCommands, FailuresAndUsage) {
@@ -204,27 +183,7 @@ TEST(GeoCommands, FailuresAndUsage) {
     }
 }
 
-TEST(GeoCommands, HelpForEveryCommand) {
-    for (const char *command :
-         {"types", "families", "ellipsoids", "zones", "wkt", "forward", "inverse"}) {
-        const auto r = cli({"geo", command, "--help"});
-        EXPECT_EQ(r.code, 0) << command;
-        EXPECT_NE(r.out.find("Usage"), std::string::npos) << command;
-    }
-}
-
 namespace {
-
-struct TempFolder {
-    std::filesystem::path path;
-    TempFolder() {
-        path = std::filesystem::temp_directory_path() /
-               ("tramline-geoid-cli-" + std::to_string(::getpid()) + "-" +
-                ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(path);
-    }
-    ~TempFolder() { std::filesystem::remove_all(path); }
-};
 
 // A grid with the separation 10 + latitude / 10 everywhere.
 const char *kWorld = "-90.0000\n0.0000\n90.0000\n360.0000\n2.0\n4.0\n"
@@ -235,7 +194,7 @@ const char *kWorld = "-90.0000\n0.0000\n90.0000\n360.0000\n2.0\n4.0\n"
 } // namespace
 
 TEST(GeoidCommands, SeparationFromTheGeoidsFolder) {
-    TempFolder f;
+    tramline::test::ScratchFolder f;
     std::filesystem::create_directories(f.path / "geoids");
     std::ofstream(f.path / "geoids" / "egm96.grd") << kWorld;
     auto r = cli({"geoid", "separation", "--model", "6", "--data", f.path.string(), "--server",
@@ -255,7 +214,7 @@ TEST(GeoidCommands, SeparationFromTheGeoidsFolder) {
 }
 
 TEST(GeoidCommands, AreaRemembersItsEntries) {
-    TempFolder f;
+    tramline::test::ScratchFolder f;
     std::ofstream(f.path / "egm96.grd") << kWorld;
     const std::string data = f.path.string(), out = (f.path / "job.grd").string();
     auto r = cli({"geoid", "area", "--model", "6", "--lat", "45.3", "--lon", "100.15", "--west",
@@ -281,7 +240,7 @@ TEST(GeoidCommands, AreaRemembersItsEntries) {
 }
 
 TEST(GeoidCommands, ImportAGtxGrid) {
-    TempFolder f;
+    tramline::test::ScratchFolder f;
     const auto gtx = f.path / "tiny.gtx";
     {
         std::ofstream out(gtx, std::ios::binary);
@@ -309,12 +268,4 @@ TEST(GeoidCommands, ImportAGtxGrid) {
     r = cli({"geoid", "import", (f.path / "none.gtx").string(), grd});
     EXPECT_EQ(r.code, 1);
     EXPECT_NE(r.err.find("Error: unable to open"), std::string::npos);
-}
-
-TEST(GeoidCommands, Help) {
-    for (const char *command : {"separation", "area", "import"}) {
-        const auto r = cli({"geoid", command, "--help"});
-        EXPECT_EQ(r.code, 0) << command;
-        EXPECT_NE(r.out.find("Usage"), std::string::npos) << command;
-    }
 }

@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-#include <unistd.h>
 
 using namespace tramline;
 namespace fs = std::filesystem;
@@ -116,14 +115,6 @@ TEST_F(RawCli, FailuresPrintTheMessageAndExitOne) {
                              "--points", "2", "-o", dir.string()});
     EXPECT_EQ(w.code, 1);
     EXPECT_EQ(w.err, "Error: failed to write rawfile\n");
-}
-
-TEST_F(RawCli, HelpForEveryCommand) {
-    for (const char *command : {"check", "classify", "show", "modify", "append", "print"}) {
-        const Result r = runCli({"raw", command, "--help"});
-        EXPECT_EQ(r.code, 0) << command;
-        EXPECT_NE(r.out.find("Usage"), std::string::npos) << command;
-    }
 }
 
 TEST_F(RawCli, AppendCheckAndPrint) {

@@ -32,14 +32,7 @@ protected:
     }
 };
 
-TEST(CrdErrors, TextsAndUnknownCodes) {
-    EXPECT_EQ(errorText(0), "No error.");
-    EXPECT_EQ(errorText(21), "The coordinate file could not be opened. Perhaps it is read-only or\n"
-                             "is being used by another program or does not exist.");
-    EXPECT_EQ(errorText(52),
-              "Point name contains an invalid character for numeric format crd files.\n"
-              "Consider switching crd file format to alphanumeric.");
-    EXPECT_EQ(errorText(56), "Failed to find Feature in the DB");
+TEST(CrdErrors, UnknownCodesSaySo) {
     for (int unknown : {14, 19, 36, 41, 43, 49, 57, -1})
         EXPECT_EQ(errorText(unknown),
                   "No description is available for error #" + std::to_string(unknown) + ".");

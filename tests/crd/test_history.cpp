@@ -158,12 +158,8 @@ TEST_F(History, BadFilesAndCutEntries) {
     EXPECT_EQ(entries[0].name, "7");
 }
 
-TEST(HistoryOperations, Names) {
-    EXPECT_STREQ(historyOperationName(1), "Copy/Merge CRD File");
-    EXPECT_STREQ(historyOperationName(35), "Resection");
-    EXPECT_STREQ(historyOperationName(77), "Resection");
-    EXPECT_STREQ(historyOperationName(85), "History Undo");
-    EXPECT_STREQ(historyOperationName(246), "Tarnwick Processing");
+// Codes in the gaps of the table have no name, so a reader shows the number.
+TEST(HistoryOperations, GapsHaveNoName) {
     for (int none : {0, 88, 92, 96, 106, 225, 247, 255})
         EXPECT_EQ(historyOperationName(none), nullptr) << none;
 }

@@ -1,3 +1,4 @@
+#include "../support/test_support.h"
 #include "base/units.h"
 #include "geodesy/wkt.h"
 
@@ -5,11 +6,10 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 using namespace tramline;
 using namespace tramline::geodesy;
+using tramline::test::slurp;
 
 namespace {
 
@@ -32,20 +32,6 @@ const std::string kTail =
     "VERT_DATUM[\"Ellipsoid\",2002],UNIT[\"Meters\",1],AXIS[\"Ellips height\",Up]]];\n";
 const std::string kGeog =
     "PRIMEM[\"Greenwich\",0],UNIT[\"Radians\",1],AXIS[\"Long\",East],AXIS[\"Lat\",North]],";
-
-std::filesystem::path tempFile(const char *name) {
-    auto dir =
-        std::filesystem::temp_directory_path() / ("tramline-wkt-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(dir);
-    return dir / name;
-}
-
-std::string slurp(const std::filesystem::path &path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
 
 } // namespace
 
@@ -327,8 +313,8 @@ TEST(Wkt, MalformedTextIsRefusedWithAMessage) {
 }
 
 TEST(Wkt, AppendModeAddsALine) {
-    const auto path = tempFile("append.prj");
-    std::filesystem::remove(path);
+    const tramline::test::ScratchFolder folder;
+    const auto path = folder.path / "append.prj";
     CoordinateSystem first = britishGrid();
     CoordinateSystem second = britishGrid();
     second.name = "second";
@@ -349,7 +335,6 @@ TEST(Wkt, AppendModeAddsALine) {
         saveWkt(first, path.parent_path() / "no" / "such" / "dir.prj", WktWrite::Replace).code,
         StatusCode::Io);
     EXPECT_EQ(loadWkt(path.parent_path() / "missing.prj", read).code, StatusCode::Io);
-    std::filesystem::remove_all(path.parent_path());
 }
 
 // PROJ's own reader takes the written text and finds the same projection.
@@ -367,7 +352,8 @@ TEST(Wkt, ProjinfoAcceptsTheStandardTypes) {
         {britishGrid(), "+proj=tmerc +lat_0=49 +lon_0=-2 +k=0.9996012717 +x_0=400000 +y_0=-100000"},
         {lcc, "+proj=lcc +lat_1=18 +lat_0=18 +lon_0=-77 +k_0=1 +x_0=250000 +y_0=150000"},
     };
-    const auto path = tempFile("projinfo.prj");
+    const tramline::test::ScratchFolder folder;
+    const auto path = folder.path / "projinfo.prj";
     for (const auto &[system, expected] : cases) {
         ASSERT_TRUE(saveWkt(system, path, WktWrite::Replace).ok());
         const std::string command =
@@ -381,7 +367,6 @@ TEST(Wkt, ProjinfoAcceptsTheStandardTypes) {
         EXPECT_EQ(pclose(pipe), 0) << output;
         EXPECT_NE(output.find(expected), std::string::npos) << output;
     }
-    std::filesystem::remove_all(path.parent_path());
 }
 
 // Coefficients by name, as descriptions and the command line give them: the

@@ -8,13 +8,8 @@
 
 using namespace tramline::geodesy;
 
-TEST(Zones, FamilyNamesAndDescriptions) {
-    EXPECT_STREQ(familyName(CoordinateSystemFamily::StatePlane83), "State Plane 83");
-    EXPECT_STREQ(familyName(CoordinateSystemFamily::UserDefined), "More Pre-Defined/User-Defined");
-    EXPECT_STREQ(familyName(CoordinateSystemFamily::AustraliaAgd66), "Australia-AGD66/AMG");
-    EXPECT_STREQ(familyDescription(CoordinateSystemFamily::GreatBritainOsgb36),
-                 "Projection: OSGB36");
-    EXPECT_STREQ(familyDescription(CoordinateSystemFamily::NewZealandNzgd49), "Projection: NZGD49");
+// Families are named by their name in any case or by list position.
+TEST(Zones, FamilyFromName) {
     EXPECT_EQ(familyFromName("utm"), CoordinateSystemFamily::Utm);
     EXPECT_EQ(familyFromName("12"), CoordinateSystemFamily::AustraliaAgd66);
     EXPECT_FALSE(familyFromName("13"));

@@ -72,15 +72,6 @@ TEST_F(DisplayModesTest, VerticalModeChanges) {
     }
 }
 
-TEST_F(DisplayModesTest, NoneThenZenithShowsZenithAgain) {
-    RawDocument doc = openText("SS,OP1,FP2,AR10.0000,ZE90.0027,SD85.824,--\n");
-    doc.changeVerticalMode(VM::None);
-    EXPECT_EQ(vertical(doc), "-0.0027");
-    doc.changeVerticalMode(VM::Zenith);
-    EXPECT_EQ(vertical(doc), "90.0027");
-    EXPECT_EQ(doc.text(), "SS,OP1,FP2,AR10.0000,ZE90.0027,SD85.824,--\n");
-}
-
 // A corrupt vertical mode acts as zenith and is reset by any display command.
 TEST_F(DisplayModesTest, CorruptVerticalModeActsAsZenith) {
     for (int number : {0, 5, -1}) {

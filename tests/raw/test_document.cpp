@@ -134,22 +134,6 @@ TEST_F(RawDocumentTest, DisplayModesDecideCellsAndWrittenCodes) {
     }
 }
 
-TEST_F(RawDocumentTest, CaptionsByRowType) {
-    RawDocument doc;
-    EXPECT_EQ(doc.captions("HI"), (std::vector<std::string>{"InstHt", "RodHt"}));
-    EXPECT_EQ(doc.captions("PT"), (std::vector<std::string>{"PntNo", "Northing", "Easting",
-                                                            "Elevation", "Description"}));
-    EXPECT_EQ(doc.captions("MSE").size(), 6u);
-    EXPECT_EQ(doc.captions("SSE")[0], "Rod Ctr");
-    EXPECT_EQ(doc.captions("CSE")[3], "Azimuth(sec)");
-    EXPECT_EQ(doc.captions("")[0], "Note");
-    EXPECT_EQ(rowTypes().size(), 26u);
-    EXPECT_EQ(rowTypes()[2], "HI");
-    EXPECT_EQ(rowTypes()[4], "PT");
-    EXPECT_EQ(angleCodes(), (std::vector<std::string>{"NE", "SE", "SW", "NW", "AZ", "AR", "AL",
-                                                      "DR", "DL", "GN"}));
-}
-
 TEST_F(RawDocumentTest, NoteRowsThatHoldRecords) {
     RawDocument doc;
     struct Case {
@@ -242,6 +226,11 @@ TEST_F(RawDocumentTest, ModifyMeasurements) {
     RawDocument diff = openText(text, elev);
     EXPECT_EQ(diff.modifyMeasurements(ModifyField::VerticalAngle, 0.5, {"3", 0, 0}), 1);
     EXPECT_EQ(diff.row(1).cells[kVerticalCell], "0.5145"); // 50 sin(0.0167 deg) + 0.5
+    // In gons the circle is 400: 399.9815 + 30 wraps to 29.9815.
+    RawDocument gons = openText(text);
+    gons.changeAngleMode(AngleUnit::Gons); // a units note becomes the first row
+    EXPECT_EQ(gons.modifyMeasurements(ModifyField::HorizontalAngle, 30.0, {"2", 0, 0}), 1);
+    EXPECT_EQ(gons.row(1).cells[kHorizontalCell], "29.9815");
 }
 
 TEST_F(RawDocumentTest, FindAndReplace) {

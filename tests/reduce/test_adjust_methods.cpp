@@ -10,44 +10,15 @@ using namespace tramline::reduce;
 
 namespace {
 
-TEST(AdjustMethods, NamesTitlesWordsAndMenuIds) {
-    struct Expected {
-        AdjustMethod method;
-        const char *word, *title, *tab;
-        int menu;
-        bool built;
-    };
-    const Expected expected[] = {
-        {AdjustMethod::None, "none", "Process No Adjust Results", "No Adjust", 37, true},
-        {AdjustMethod::AngleBalance, "angle-balance", "Process Angle Balance Results",
-         "Angle Balance", 32813, true},
-        {AdjustMethod::Compass, "compass", "Process Compass Results", "Compass", 39, true},
-        {AdjustMethod::Crandall, "crandall", "Process Crandall Results", "Crandall", 40, true},
-        {AdjustMethod::Transit, "transit", "Process Transit Results", "Transit", 41, true},
-        {AdjustMethod::LeastSquares, "least-squares", "Process Least-Squares Results",
-         "Least-Squares", 32814, false},
-    };
-    ASSERT_EQ(adjustMethods().size(), std::size(expected));
-    for (const auto &e : expected) {
-        const AdjustMethodInfo *byWord = adjustMethodByCliWord(e.word);
-        ASSERT_NE(byWord, nullptr) << e.word;
-        EXPECT_EQ(byWord->method, e.method) << e.word;
-        EXPECT_EQ(adjustMethodByMenuCommand(e.menu), byWord) << e.word;
-        EXPECT_STREQ(resultTitle(e.method), e.title);
-        EXPECT_STREQ(methodTab(e.method), e.tab);
-        EXPECT_EQ(byWord->built, e.built) << e.word;
+// The command line and the menu find each method by its own word and id,
+// and nothing by a word or id of something else.
+TEST(AdjustMethods, WordsAndMenuIdsFindTheirMethod) {
+    for (const auto &m : adjustMethods()) {
+        EXPECT_EQ(adjustMethodByCliWord(m.cliWord), &m) << m.cliWord;
+        EXPECT_EQ(adjustMethodByMenuCommand(m.menuCommand), &m) << m.cliWord;
     }
     EXPECT_EQ(adjustMethodByCliWord("bowditch"), nullptr);
     EXPECT_EQ(adjustMethodByMenuCommand(32821), nullptr); // Process > GPS is no adjustment
-}
-
-// Each linear rule records its adjusted points under its own history code.
-TEST(AdjustMethods, HistoryCodesOfTheLinearRules) {
-    EXPECT_EQ(adjustMethodInfo(AdjustMethod::Transit).historyOperation, 27);
-    EXPECT_EQ(adjustMethodInfo(AdjustMethod::Compass).historyOperation, 28);
-    EXPECT_EQ(adjustMethodInfo(AdjustMethod::Crandall).historyOperation, 29);
-    EXPECT_STREQ(adjustMethodInfo(AdjustMethod::Transit).closureTitle, "Transit Closure");
-    EXPECT_STREQ(adjustMethodInfo(AdjustMethod::Crandall).closureTitle, "Crandall Closure");
 }
 
 TEST(AdjustMethods, AMethodNotBuiltSaysSoAndWritesNothing) {

@@ -4,22 +4,14 @@
 #include "base/angles.h"
 #include "process_run.h"
 #include "reduce/angle_balance.h"
-#include "reduce/setup_walk.h"
-#include "walk_recorder.h"
-
-#include "../support/raw_support.h"
 
 #include <gtest/gtest.h>
-
-#include <cmath>
 
 using namespace tramline;
 using namespace tramline::reduce;
 using raw::HorizontalKind;
 
 namespace {
-
-using tramline::test::readRawText;
 
 constexpr double kTenSeconds = 10.0 / 3600.0;
 
@@ -52,11 +44,6 @@ TEST(AngleBalance, CorrectedAngleInItsWrittenForm) {
     EXPECT_EQ(correctedAngle(HorizontalKind::AR, 90.0, 0.9, 1, AngleUnit::Gons), "AR101.0000");
 }
 
-TEST(AngleBalance, CorrectionPerAngle) {
-    EXPECT_DOUBLE_EQ(correctionPerAngle(-0.004, 4), -0.001);
-    EXPECT_DOUBLE_EQ(correctionPerAngle(1.0, 0), 0.0);
-}
-
 // A square loop 1-2-3-4-1 of 100-unit sides whose k-th direction is off by
 // k times ten seconds, as when each set-up's orientation carries the
 // error of the last; the closing shot to mark 9 (due north) is off by 40".
@@ -77,22 +64,7 @@ std::string loop(bool bearings) {
     return job;
 }
 
-TEST(AngleBalance, DirectionsOfTheirOwnTakeEveryCorrectionBefore) {
-    for (const bool bearings : {false, true}) {
-        const raw::RawFile file = readRawText(loop(bearings));
-        test::WalkRecorder c;
-        ScriptedInteraction ui;
-        ASSERT_EQ(walkSetups(file, ProcessOptions{}, -kTenSeconds, c, ui).status,
-                  WalkOutcome::Status::Done);
-        const double truth[] = {90.0, 0.0, 270.0, 180.0, 0.0}; // the last: the closing mark
-        ASSERT_EQ(c.rows.size(), std::size(truth));
-        for (size_t i = 0; i < std::size(truth); ++i)
-            EXPECT_NEAR(std::remainder(c.rows[i].azimuth - truth[i], 360.0), 0.0, 1e-9)
-                << (bearings ? "bearings " : "azimuths ") << c.rows[i].foresight;
-    }
-}
-
-// The same loops processed: the closure before the balance shows the
+// The loops processed: the closure before the balance shows the
 // rotation, the one after it none, and the balanced closing direction
 // matches the reference.
 TEST(AngleBalance, AzimuthAndBearingLoopsCloseAfterTheBalance) {

@@ -1,16 +1,11 @@
-#include "../support/test_support.h"
-#include "base/angles.h"
-#include "base/format.h"
+// Whole runs through processing: hand-computed coordinates, the errors that
+// stop a run, the questions it asks and the warnings it lists.
 #include "geodesy/projection.h"
 #include "geodesy/zones.h"
-#include "reduce/processing.h"
+#include "processing_fixture.h"
 
-#include "../support/raw_support.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <sstream>
+#include <algorithm>
+#include <filesystem>
 
 using namespace tramline;
 using namespace tramline::reduce;
@@ -18,45 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using tramline::test::readRawText;
-
-class Processing : public test::ScratchFolderTest {
-protected:
-    void SetUp() override {
-        ScratchFolderTest::SetUp();
-        crd::CrdContext context;
-        context.messages = &ui;
-        coordinates = std::make_unique<crd::CoordinateFile>(context);
-        ASSERT_TRUE(coordinates->open(dir / "job.crd"));
-        options = ProcessOptions{};
-        options.workingFolder = dir / "work";
-    }
-
-    ProcessResult process(const std::string &text) {
-        file = readRawText(text);
-        return processRaw(file, "job.rw5", *coordinates, options, ui);
-    }
-
-    std::optional<crd::CrdPoint> point(const std::string &name) {
-        crd::CrdPoint p;
-        if (!coordinates->readPoint(name, p, tramline::crd::PointSearch::Exact,
-                                    tramline::crd::Verbosity::Quiet))
-            return std::nullopt;
-        return p;
-    }
-
-    std::string tab(const ProcessResult &r, const std::string &title) {
-        for (const auto &t : r.report.tabs())
-            if (t.title == title)
-                return t.text;
-        return "<no tab " + title + ">";
-    }
-
-    ScriptedInteraction ui;
-    std::unique_ptr<crd::CoordinateFile> coordinates;
-    ProcessOptions options;
-    raw::RawFile file;
-};
+class Processing : public test::ProcessingRun {};
 
 // Azimuths of whole degrees and level shots: coordinates a surveyor checks
 // by hand, to the fourth decimal.
@@ -102,84 +59,6 @@ TEST_F(Processing, HandComputedTraverse) {
         << listing;
 }
 
-// The bundled job: a loop measured with small errors. Every method brings
-// the stations back within the errors put into the observations, and the
-// adjusted loop closes on its start exactly.
-TEST_F(Processing, BundledExampleByEveryMethod) {
-    const std::string job =
-        test::slurp(fs::path(TRAMLINE_SOURCE_DIR) / "data/examples/closed-traverse.rw5");
-    struct Truth {
-        const char *name;
-        double north, east;
-    };
-    const Truth truth[] = {{"2", 5412.337, 5188.914}, {"3", 5655.120, 5652.480},
-                           {"4", 5360.745, 6041.322}, {"5", 4921.583, 5903.460},
-                           {"6", 4768.902, 5432.775}, {"104", 5701.640, 5610.022}};
-    for (const auto &info : adjustMethods()) {
-        if (!info.built)
-            continue;
-        const AdjustMethod method = info.method;
-        SetUp();
-        options.method = method;
-        options.startPoint = options.endPoint = "1";
-        options.angleBalance = true;
-        const ProcessResult r = process(job);
-        ASSERT_EQ(r.status, ProcessResult::Status::Done) << static_cast<int>(method) << r.error;
-        for (const auto &t : truth) {
-            const auto p = point(t.name);
-            ASSERT_TRUE(p) << t.name;
-            EXPECT_NEAR(p->northing, t.north, 0.05)
-                << t.name << " method " << static_cast<int>(method);
-            EXPECT_NEAR(p->easting, t.east, 0.05)
-                << t.name << " method " << static_cast<int>(method);
-        }
-        const auto start = point("1");
-        EXPECT_DOUBLE_EQ(start->northing, 5000.0); // control is never moved by the shot onto it
-        if (method == AdjustMethod::Compass) {
-            EXPECT_NE(tab(r, "Compass").find("Compass Closure"), std::string::npos);
-            EXPECT_NE(tab(r, "Angle Balance").find("Angular Error: -0.0003 for 6 traverse sides"),
-                      std::string::npos)
-                << tab(r, "Angle Balance");
-            EXPECT_NE(
-                tab(r, "Angle Balance").find("Corrected Angles\n1         2         AR64.3327\n"),
-                std::string::npos);
-            EXPECT_NE(
-                tab(r, "Closure Results (Before Angle Balance)").find("Closure Precision: 1 in 97"),
-                std::string::npos);
-        }
-        TearDown();
-    }
-    SetUp();
-}
-
-// A published four-sided lot (bearings N76E 80.40, S36E 46.30, S61W 72.80,
-// N38W 68.00 from course notes on the compass rule) entered as raw data:
-// the adjusted corners match the published adjusted latitudes and
-// departures, accumulated, to their printed precision.
-TEST_F(Processing, PublishedCompassLotFromRawData) {
-    const std::string job = "SP,PN1,N 0.0000,E 0.0000,EL,--A\n"
-                            "OC,OP1,N ,E ,EL,--\nTR,OP1,FP2,BRN76.0000E,ZE90.0000,HD80.400,--B\n"
-                            "OC,OP2,N ,E ,EL,--\nTR,OP2,FP3,BRS36.0000E,ZE90.0000,HD46.300,--C\n"
-                            "OC,OP3,N ,E ,EL,--\nTR,OP3,FP4,BRS61.0000W,ZE90.0000,HD72.800,--D\n"
-                            "OC,OP4,N ,E ,EL,--\nTR,OP4,FP1,BRN38.0000W,ZE90.0000,HD68.000,--A\n";
-    options.method = AdjustMethod::Compass;
-    options.startPoint = options.endPoint = "1";
-    const ProcessResult r = process(job);
-    ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
-    const struct {
-        const char *name;
-        double north, east;
-    } published[] = {{"2", 19.3653, 78.1055},
-                     {"3", 19.3653 - 37.5063, 78.1055 + 27.2678},
-                     {"4", 19.3653 - 37.5063 - 35.3716, 78.1055 + 27.2678 - 63.5874}};
-    for (const auto &p : published) {
-        const auto got = point(p.name);
-        ASSERT_TRUE(got);
-        EXPECT_NEAR(got->northing, p.north, 0.002) << p.name;
-        EXPECT_NEAR(got->easting, p.east, 0.002) << p.name;
-    }
-}
-
 TEST_F(Processing, ErrorsStopWithTheirTextAndStoreNothing) {
     struct Case {
         const char *name;
@@ -188,9 +67,6 @@ TEST_F(Processing, ErrorsStopWithTheirTextAndStoreNothing) {
         std::string error;
     };
     const Case cases[] = {
-        {"backsight of another set-up",
-         "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nBK,OP7,BP2,BS,BC0\n", AdjustMethod::None,
-         "Error: occupied pt# 7 does not match 1 on line# 3"},
         {"no backsight", "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nBK,OP1,BP,BS,BC0\n",
          AdjustMethod::None, "Error: no backsight point specified on line# 3"},
         {"backsight on itself", "SP,PN1,N 0,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nBK,OP1,BP1,BS,BC0\n",
@@ -217,15 +93,14 @@ TEST_F(Processing, ErrorsStopWithTheirTextAndStoreNothing) {
         options.method = c.method;
         options.startPoint = "1";
         options.endPoint = c.method == AdjustMethod::Compass ? "2" : "1";
+        options.closingPoint = {};
         if (c.method == AdjustMethod::Compass)
             options.closingPoint = {"2", 0.0, 10.0, std::nullopt};
         const ProcessResult r = process(c.job);
         EXPECT_EQ(r.status, ProcessResult::Status::Failed) << c.name;
         EXPECT_EQ(r.error, c.error) << c.name;
         EXPECT_FALSE(point("1")) << c.name << ": nothing is written when the run fails";
-        TearDown();
     }
-    SetUp();
 }
 
 // Fuzzing found an occupy line too short to name its point throwing out of
@@ -249,7 +124,7 @@ TEST_F(Processing, MissingOccupiedPointIsAskedFor) {
     SetUp();
     crd::CrdPoint keep;
     keep.set(1, 2, 3, "99", "KEEP");
-    ASSERT_TRUE(coordinates->writePoint(keep));
+    ASSERT_TRUE(run.coordinates->writePoint(keep));
     ui.reply("|200||");
     ui.reply("<cancel>");
     r = process(job);
@@ -285,7 +160,7 @@ TEST_F(Processing, StorePointChecksAndPointProtect) {
     SetUp();
     crd::CrdPoint old;
     old.set(9, 9, 9, "2", "OLD");
-    coordinates->writePoint(old);
+    run.coordinates->writePoint(old);
     ui.reply("Continue &Processing");
     ui.reply("&Report");
     r = process(job);
@@ -319,9 +194,9 @@ TEST_F(Processing, WarningsAndNotes) {
     EXPECT_DOUBLE_EQ(point("3")->elevation, 100.0);
     EXPECT_DOUBLE_EQ(point("4")->elevation,
                      0.0); // after the 2D note: none, which the store keeps as 0
-    EXPECT_EQ(coordinates->notes("3"), (std::vector<std::string>{"LINE:6,FILE:job.rw5"}));
-    EXPECT_TRUE(fs::exists(dir / "work" / "rawedit.tmp"));
-    EXPECT_TRUE(fs::exists(dir / "work" / "warnings.tmp"));
+    EXPECT_EQ(run.coordinates->notes("3"), (std::vector<std::string>{"LINE:6,FILE:job.rw5"}));
+    EXPECT_TRUE(fs::exists(run.scratch.path / "work" / "rawedit.tmp"));
+    EXPECT_TRUE(fs::exists(run.scratch.path / "work" / "warnings.tmp"));
 }
 
 // On a transverse Mercator's central meridian the grid factor is the
@@ -351,40 +226,6 @@ TEST_F(Processing, CombinedScaleFactorPerSetup) {
               std::string::npos);
 }
 
-// A square loop with one angle a minute out: the whole minute is the
-// angular error, the balance spreads it, and Find Bad Angle names the
-// set-up where it was turned.
-TEST_F(Processing, AngleBalanceFindsTheBadAngle) {
-    std::string job =
-        "SP,PN1,N 0.0000,E 0.0000,EL0.0000,--START\nSP,PN100,N -100.0000,E 0.0000,EL0.0000,--MARK\n"
-        "OC,OP1,N ,E "
-        ",EL,--\nBK,OP1,BP100,BS,BC0.0000\nTR,OP1,FP2,AR270.0000,ZE90.0000,SD100.000,--\n";
-    const char *angles[] = {"90.0000", "90.0100", "90.0000"};
-    for (int s = 2; s <= 4; ++s)
-        job +=
-            format("OC,OP%d,N ,E "
-                   ",EL,--\nBK,OP%d,BP%d,BS,BC0.0000\nTR,OP%d,FP%d,AR%s,ZE90.0000,SD100.000,--\n",
-                   s, s, s - 1, s, s % 4 + 1, angles[s - 2]);
-    job += "OC,OP1,N ,E "
-           ",EL,--\nBK,OP1,BP4,BS,BC0.0000\nAB,OP1,FP100,AR180.0000,ZE90.0000,SD100.000,--\n";
-    options.method = AdjustMethod::AngleBalance;
-    options.startPoint = options.endPoint = "1";
-    const ProcessResult r = process(job);
-    ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
-    const std::string balance = tab(r, "Angle Balance");
-    EXPECT_NE(balance.find("Angular Error: -0.0100 for 4 traverse sides"), std::string::npos)
-        << balance;
-    EXPECT_NE(balance.find("Adjusting Each Angle: -0.0015"), std::string::npos);
-    EXPECT_NE(balance.find("3         4         AR90.0045\n"), std::string::npos);
-    EXPECT_NE(balance.find("Bad Angle at Setup\nOccupy Point 3, Backsight Point 2"),
-              std::string::npos)
-        << balance;
-    // After the balance the square closes on its angles; 3 and 4 come back
-    // to within the remaining linear error of their true places.
-    EXPECT_NEAR(point("3")->northing, 100.0, 0.02);
-    EXPECT_NEAR(point("4")->easting, 0.0, 0.03);
-}
-
 TEST_F(Processing, BacksightAzimuthWithinOneSecondIsNoWarning) {
     for (const auto &[bs, warns] :
          std::vector<std::pair<const char *, bool>>{{"0.00005", false}, {"0.0002", true}}) {
@@ -394,9 +235,7 @@ TEST_F(Processing, BacksightAzimuthWithinOneSecondIsNoWarning) {
                                 "OC,OP1,N ,E ,EL,--\nBK,OP1,BP2,BS") +
                     bs + ",BC0\n");
         EXPECT_EQ(tab(r, "No Adjust").find("azimuth different") != std::string::npos, warns) << bs;
-        TearDown();
     }
-    SetUp();
 }
 
 } // namespace

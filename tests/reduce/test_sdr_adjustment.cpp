@@ -156,6 +156,25 @@ TEST_F(SdrAdjustment, VerticalAdjustmentRaisesByTheInclinedPlane) {
     SetUp();
 }
 
+// A note is used only when every number is there; anything less is not
+// even asked about, and the shots stay where they were measured.
+TEST_F(SdrAdjustment, IncompleteNotesAreIgnored) {
+    const char *notes[] = {
+        "--HZADJ:100,200,1.5,-2.5,0.25\n", "--HZADJ:100,200,x,-2.5,0.25,1\n",
+        "--VERTADJ:10,20,0.5,0.001\n",
+        "--HZADJ:10,20,0.5,0.001,-0.002\n", // five numbers are a vertical note's
+    };
+    for (const char *note : notes) {
+        SetUp();
+        const ProcessResult r =
+            process(note + std::string(kSetupLines) + shotsTo({{1010.0, 2000.0}}));
+        ASSERT_EQ(r.status, ProcessResult::Status::Done) << note << r.error;
+        EXPECT_TRUE(ui.questions.empty()) << note;
+        EXPECT_NEAR(point("10")->northing, 1010.0, 1e-6) << note;
+        EXPECT_NEAR(point("10")->elevation, 100.0, 1e-6) << note;
+    }
+}
+
 // Elevation differences measured against the plane take it out again: the
 // adjusted elevations come back to the set-up's height.
 TEST_F(SdrAdjustment, VerticalAdjustmentUndoneByTheOppositeHeights) {
