@@ -1,6 +1,22 @@
 #include "base/interaction.h"
 
+#include "base/format.h"
+#include "base/translation.h"
+
 namespace tramline {
+
+ReplaceAnswer askReplace(Interaction &ui, long row, long column) {
+    switch (ui.choose(tr("Search and Replace"),
+                      format(tr("Replace in row %ld column %ld?"), row, column),
+                      {tr("Yes"), tr("No"), tr("Cancel")})) {
+    case 0:
+        return ReplaceAnswer::Replace;
+    case 1:
+        return ReplaceAnswer::Skip;
+    default:
+        return ReplaceAnswer::Stop;
+    }
+}
 
 void fillFieldsFrom(const std::string &answer, std::vector<FormField> &fields) {
     size_t start = 0;

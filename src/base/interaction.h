@@ -44,6 +44,12 @@ public:
     virtual bool idle() { return true; }
 };
 
+/// The question asked before each replacement when the user chose to
+/// confirm them: "Search and Replace" with Yes, No and Cancel. Row and
+/// column are 1-based, as the grid numbers them.
+enum class ReplaceAnswer { Replace, Skip, Stop };
+ReplaceAnswer askReplace(Interaction &ui, long row, long column);
+
 /// Answers nothing: questions are cancelled, forms refused, messages kept.
 /// For batch runs where no question is expected.
 class SilentInteraction : public Interaction {

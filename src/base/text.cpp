@@ -68,6 +68,22 @@ void splitAtMost(std::string_view text, char separator, std::size_t maxFields,
     out.push_back(text);
 }
 
+std::string replaceAll(std::string_view text, std::string_view what, std::string_view with,
+                       long &count) {
+    count = 0;
+    if (what.empty())
+        return std::string(text);
+    std::string out;
+    std::size_t from = 0;
+    for (std::size_t at; (at = text.find(what, from)) != std::string_view::npos;
+         from = at + what.size()) {
+        out.append(text.substr(from, at - from)).append(with);
+        ++count;
+    }
+    out.append(text.substr(from));
+    return out;
+}
+
 bool splitKeyValue(std::string_view text, char separator, std::string_view &key,
                    std::string_view &value) {
     const std::size_t at = text.find(separator);

@@ -45,6 +45,12 @@ std::vector<std::string_view> split(std::string_view text, char separator);
 void splitAtMost(std::string_view text, char separator, std::size_t maxFields,
                  std::vector<std::string_view> &out);
 
+/// `text` with every `what` replaced by `with`, left to right without
+/// overlaps; `count` says how many were replaced. An empty `what` replaces
+/// nothing.
+std::string replaceAll(std::string_view text, std::string_view what, std::string_view with,
+                       long &count);
+
 /// Splits "key=value" at the first `separator`, both sides trimmed. False
 /// when there is no separator.
 bool splitKeyValue(std::string_view text, char separator, std::string_view &key,

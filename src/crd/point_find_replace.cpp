@@ -1,6 +1,7 @@
 #include "crd/point_find_replace.h"
 
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "crd/point_edit.h"
 
@@ -9,21 +10,6 @@
 namespace tramline::crd {
 
 namespace {
-
-// Replaces every occurrence of `what`; `hits` gets their number.
-std::string replaceAll(std::string_view text, std::string_view what, std::string_view with,
-                       long &hits) {
-    std::string out;
-    hits = 0;
-    std::size_t from = 0;
-    for (std::size_t at; (at = text.find(what, from)) != std::string_view::npos;
-         from = at + what.size()) {
-        out.append(text.substr(from, at - from)).append(with);
-        ++hits;
-    }
-    out.append(text.substr(from));
-    return out;
-}
 
 int rowOf(const std::vector<CrdPoint> &points, const std::string &name) {
     for (std::size_t i = 0; i < points.size(); ++i)
@@ -81,14 +67,11 @@ long replaceInPoints(CoordinateFile &file, const PointReplace &replace, Interact
             if (text.find(replace.find) == std::string::npos)
                 continue;
             if (replace.confirmEach) {
-                const int answer =
-                    ui.choose(tr("Search and Replace"),
-                              format(tr("Replace in row %ld column %ld?"), static_cast<long>(r + 1),
-                                     static_cast<long>(c + 1)),
-                              {tr("Yes"), tr("No"), tr("Cancel")});
-                if (answer == 1)
+                const ReplaceAnswer answer =
+                    askReplace(ui, static_cast<long>(r + 1), static_cast<long>(c + 1));
+                if (answer == ReplaceAnswer::Skip)
                     continue;
-                if (answer != 0)
+                if (answer == ReplaceAnswer::Stop)
                     return count;
             }
             long hits = 0;

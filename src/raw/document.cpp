@@ -4,6 +4,7 @@
 #include "base/format.h"
 #include "base/point_names.h"
 #include "base/status_text.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "raw/angle_math.h"
 #include "raw/classify.h"
@@ -529,21 +530,17 @@ int RawDocument::replace(const std::string &what, const std::string &with, Repla
             if (text.find(what) == std::string::npos)
                 continue;
             if (scope == ReplaceScope::AskEach) {
-                const int answer =
-                    ui.choose(tr("Search and Replace"),
-                              format(tr("Replace in row %ld column %ld?"), static_cast<long>(r + 1),
-                                     static_cast<long>(c + 2)),
-                              {tr("Yes"), tr("No"), tr("Cancel")});
-                if (answer == 1)
+                // The grid's first column is the row type, so cells count from 2.
+                const ReplaceAnswer answer =
+                    askReplace(ui, static_cast<long>(r + 1), static_cast<long>(c + 2));
+                if (answer == ReplaceAnswer::Skip)
                     continue;
-                if (answer != 0)
+                if (answer == ReplaceAnswer::Stop)
                     return count;
             }
-            for (size_t at = text.find(what); at != std::string::npos;
-                 at = text.find(what, at + with.size())) {
-                text.replace(at, what.size(), with);
-                ++count;
-            }
+            long hits = 0;
+            text = replaceAll(text, what, with, hits);
+            count += static_cast<int>(hits);
             m_modified = true;
         }
     }

@@ -44,6 +44,25 @@ TEST(Text, SplitKeepsEmptyFieldsAndTheRest) {
     EXPECT_EQ(split("1,2,,", ','), (std::vector<std::string_view>{"1", "2", "", ""}));
 }
 
+TEST(Text, ReplaceAllGoesLeftToRightWithoutOverlaps) {
+    struct Case {
+        std::string_view text, what, with, result;
+        long count;
+    };
+    const Case cases[] = {
+        {"aaa", "aa", "b", "ba", 1},
+        {"IRON IRON", "IRON", "STEEL", "STEEL STEEL", 2},
+        {"5000.0000", "0", "00", "5000000.00000000", 7},
+        {"abc", "", "x", "abc", 0},
+        {"abc", "z", "x", "abc", 0},
+    };
+    for (const Case &c : cases) {
+        long count = -1;
+        EXPECT_EQ(replaceAll(c.text, c.what, c.with, count), c.result) << c.text;
+        EXPECT_EQ(count, c.count) << c.text;
+    }
+}
+
 TEST(Text, KeyValueSplitsAtTheFirstSeparator) {
     std::string_view key, value;
     ASSERT_TRUE(splitKeyValue(" tmpdir = /a=b ", '=', key, value));
