@@ -546,6 +546,23 @@ TEST_F(ShellCommandTest, EveryMethodRunsOnTheExample) {
     }
 }
 
+// The method table lives below the desktop program and keeps its menu ids
+// as numbers; each must be the Process menu's entry of that method.
+TEST(MethodTable, MenuIdsAreTheProcessMenusEntries) {
+    const std::pair<reduce::AdjustMethod, int> expected[] = {
+        {reduce::AdjustMethod::None, cmd::ProcessNoAdjust},
+        {reduce::AdjustMethod::AngleBalance, cmd::ProcessAngleBalance},
+        {reduce::AdjustMethod::Compass, cmd::ProcessCompass},
+        {reduce::AdjustMethod::Crandall, cmd::ProcessCrandall},
+        {reduce::AdjustMethod::Transit, cmd::ProcessTransit},
+        {reduce::AdjustMethod::LeastSquares, cmd::ProcessLeastSquares},
+    };
+    ASSERT_EQ(reduce::adjustMethods().size(), std::size(expected));
+    for (const auto &[method, id] : expected)
+        EXPECT_EQ(reduce::adjustMethodInfo(method).menuCommand, id)
+            << reduce::adjustMethodInfo(method).cliWord;
+}
+
 TEST_F(ShellCommandTest, ProcessWithoutDataSaysSo) {
     auto d = start();
     d->dispatch(cmd::ProcessCompass);
