@@ -482,10 +482,14 @@ int RawDocument::modifyMeasurements(ModifyField field, double delta,
         case ModifyField::VerticalAngle: {
             double a =
                 unit == AngleUnit::Gons ? *value + delta : unpackDms(*value) + unpackDms(delta);
-            while (a < 0.0)
+            if (!std::isfinite(a))
+                continue; // nothing sensible to write; the cell keeps its text
+            // fmod rather than adding circles: a huge angle would take forever.
+            a = std::fmod(a, circle);
+            if (a < 0.0)
                 a += circle;
-            while (a >= circle)
-                a -= circle;
+            if (a >= circle)
+                a = 0.0;
             row.cells[column] = unit == AngleUnit::Gons ? fixed(a, 4) : formatDms(a, 4);
             break;
         }

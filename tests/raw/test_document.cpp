@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -231,6 +233,12 @@ TEST_F(RawDocumentTest, ModifyMeasurements) {
     gons.changeAngleMode(AngleUnit::Gons); // a units note becomes the first row
     EXPECT_EQ(gons.modifyMeasurements(ModifyField::HorizontalAngle, 30.0, {"2", 0, 0}), 1);
     EXPECT_EQ(gons.row(1).cells[kHorizontalCell], "29.9815");
+    // Found by fuzzing: a huge angle is brought onto the circle at once
+    // (adding circles one by one never finished); an infinite one is left.
+    EXPECT_EQ(gons.modifyMeasurements(ModifyField::HorizontalAngle, 1e300, {"2", 0, 0}), 1);
+    const double wrapped = std::stod(gons.row(1).cells[kHorizontalCell]);
+    EXPECT_TRUE(wrapped >= 0.0 && wrapped < 400.0) << wrapped;
+    EXPECT_EQ(gons.modifyMeasurements(ModifyField::HorizontalAngle, INFINITY, {"2", 0, 0}), 0);
 }
 
 TEST_F(RawDocumentTest, FindAndReplace) {
