@@ -48,6 +48,8 @@ std::optional<ProjectionType> typeForMethod(int method) {
         return ProjectionType::Krovak;
     case 9806:
         return ProjectionType::CassiniSoldner;
+    case 9811:
+        return ProjectionType::NewZealandMapGrid;
     default:
         return std::nullopt;
     }
@@ -230,7 +232,12 @@ Status systemFromEpsg(int code, CoordinateSystem &system) {
     double meridianLongitude = 0, meridianFactor = 1;
     proj_prime_meridian_get_parameters(ctx, meridian.get(), &meridianLongitude, &meridianFactor,
                                        nullptr);
-    const double greenwichOffset = degrees(meridianLongitude * meridianFactor);
+    double greenwichOffset = degrees(meridianLongitude * meridianFactor);
+    // The dataset gives Paris as 2.5969213 grads, which rounds the
+    // meridian's published 2°20'14.025"; PROJ's own +pm=paris, and so every
+    // French grid it computes, uses the latter (0.3 mm apart over France).
+    if (const char *name = proj_get_name(meridian.get()); name && std::strcmp(name, "Paris") == 0)
+        greenwichOffset = 2.0 + 20.0 / 60.0 + 14.025 / 3600.0;
 
     ProjectionParameters &p = cs.parameters;
     p.scaleFactor = 1.0;

@@ -65,6 +65,10 @@ Status eovDefinition(std::string &definition) {
     return Status::success();
 }
 
+bool isEastWestLine(const ProjectionParameters &p) {
+    return std::fabs(p.azimuth - 90.0) < 1e-12 && std::fabs(p.rectifiedGridAngle - 90.0) < 1e-12;
+}
+
 } // namespace
 
 Status projDefinition(const CoordinateSystem &cs, std::string &out) {
@@ -108,6 +112,16 @@ Status projDefinition(const CoordinateSystem &cs, std::string &out) {
             " +lon_0=" + number(p.centralMeridian) + " +k=" + number(p.scaleFactor) + origin;
         break;
     case ProjectionType::ObliqueMercator:
+        // With the initial line running east-west and the grid rectified
+        // onto it (the Swiss grids), the general formulas lose up to a
+        // decimetre near the centre; the oblique cylinder tangent along that
+        // line (somerc) is the same projection in closed form.
+        if (isEastWestLine(p)) {
+            d = "+proj=somerc +lat_0=" + number(p.latitudeOfCenter) +
+                " +lon_0=" + number(p.longitudeOfCenter) + " +k_0=" + number(p.scaleFactor) +
+                origin;
+            break;
+        }
         // False origin at the projection centre.
         d = "+proj=omerc +lat_0=" + number(p.latitudeOfCenter) +
             " +lonc=" + number(p.longitudeOfCenter) + " +alpha=" + number(p.azimuth) +
@@ -142,6 +156,12 @@ Status projDefinition(const CoordinateSystem &cs, std::string &out) {
         break;
     case ProjectionType::CassiniSoldner:
         d = "+proj=cass +lat_0=" + number(p.latitudeOfOrigin) +
+            " +lon_0=" + number(p.centralMeridian) + origin;
+        break;
+    case ProjectionType::NewZealandMapGrid:
+        // The grid's complex polynomial holds its own origin and ellipsoid
+        // (International 1924); the given ones are for the written text.
+        d = "+proj=nzmg +lat_0=" + number(p.latitudeOfOrigin) +
             " +lon_0=" + number(p.centralMeridian) + origin;
         break;
     case ProjectionType::TransverseMercator34:

@@ -33,6 +33,7 @@ constexpr TypeNames kTypeNames[kProjectionTypeCount] = {
     {trNoop("Transverse Mercator 27"), "Transverse_Mercator_27"},
     {trNoop("Transverse Mercator Alaska 27"), "Transverse_Mercator_Alaska_27"},
     {trNoop("Cassini_Soldner"), "Cassini_Soldner"},
+    {trNoop("New Zealand Map Grid"), "New_Zealand_Map_Grid"},
 };
 
 struct ParameterInfo {
@@ -195,6 +196,7 @@ const std::vector<WrittenParameter> &writtenParameters(ProjectionType type) {
     case ProjectionType::ObliqueMercator83:
         return om83;
     case ProjectionType::CassiniSoldner:
+    case ProjectionType::NewZealandMapGrid:
         return cassini;
     case ProjectionType::ObliqueMercator27:
     case ProjectionType::LambertConformalConic27:

@@ -35,11 +35,12 @@ enum class ProjectionType : int {
     TransverseMercator27 = 17,
     TransverseMercatorAlaska27 = 18,
     CassiniSoldner = 19,
+    NewZealandMapGrid = 20,
 };
 
-inline constexpr int kProjectionTypeCount = 20;
+inline constexpr int kProjectionTypeCount = 21;
 
-/// The type for a code 0 to 19.
+/// The type for a code 0 to 20.
 std::optional<ProjectionType> projectionTypeFromCode(int code);
 
 /// The name the user sees, untranslated ("Transverse Mercator"); pass it

@@ -239,7 +239,10 @@ TEST(Projection, TypesWithoutFormulasAreNotSupported) {
 TEST(Projection, EveryOtherTypeProjectsAndReturns) {
     for (int code = 0; code < kProjectionTypeCount; ++code) {
         const auto type = *projectionTypeFromCode(code);
-        if (usesCoefficients(type) || type == ProjectionType::TransverseMercator34)
+        // New Zealand Map Grid has its origin built in (tested against cs2cs
+        // with the zones).
+        if (usesCoefficients(type) || type == ProjectionType::TransverseMercator34 ||
+            type == ProjectionType::NewZealandMapGrid)
             continue;
         SCOPED_TRACE(projectionTypeName(type));
         CoordinateSystem cs;

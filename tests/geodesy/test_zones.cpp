@@ -4,7 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
 #include <set>
+#include <string>
+#include <vector>
 
 using namespace tramline::geodesy;
 
@@ -199,8 +203,8 @@ TEST(Zones, ShiftsAndMeridians) {
     CoordinateSystem france;
     ASSERT_TRUE(
         zoneSystem(CoordinateSystemFamily::FranceNtf, "Lambert II - Carto", {}, france).ok());
-    // The Paris meridian, in degrees east of Greenwich.
-    EXPECT_NEAR(france.parameters.centralMeridian, 2.33722917, 1e-8);
+    // The Paris meridian, 2°20'14.025" east of Greenwich.
+    EXPECT_NEAR(france.parameters.centralMeridian, 2.3372291666666667, 1e-13);
     EXPECT_NEAR(france.parameters.falseNorthing, 2200000, 1e-6);
     // NTF to WGS 84 is (-168, -60, 320); the record keeps the inverse.
     EXPECT_NEAR(france.shift.dx, 168, 1e-9);
@@ -280,10 +284,92 @@ TEST(Zones, UnknownAndUnsupportedZones) {
     Status status = zoneSystem(CoordinateSystemFamily::StatePlane83, "XX Nowhere", {}, cs);
     EXPECT_EQ(status.code, StatusCode::NotFound);
     EXPECT_EQ(status.message, "Error: no zone XX Nowhere in State Plane 83");
-    status = zoneSystem(CoordinateSystemFamily::NewZealandNzgd49, "NZ Map Grid", {}, cs);
-    EXPECT_EQ(status.code, StatusCode::NotSupported);
-    EXPECT_EQ(status.message, "Error: zone NZ Map Grid is not supported");
     EXPECT_EQ(zoneSystem(CoordinateSystemFamily::LatLon, "", {}, cs).code, StatusCode::NotFound);
     EXPECT_EQ(systemFromEpsg(4326, cs).code, StatusCode::NotFound); // geographic, not projected
     EXPECT_EQ(systemFromEpsg(999999, cs).code, StatusCode::NotFound);
+}
+
+namespace {
+
+struct ReferencePoint {
+    double latitude, longitude, easting, northing;
+};
+
+// The points of a cs2cs listing; with a section, only those under its
+// "== section" line.
+std::vector<ReferencePoint> referencePoints(const std::string &file, const std::string &section) {
+    std::ifstream in(std::string(TRAMLINE_TEST_DATA) + "/geodesy/" + file);
+    std::vector<ReferencePoint> points;
+    bool inSection = section.empty();
+    std::string line;
+    while (std::getline(in, line)) {
+        if (line.starts_with("#"))
+            continue;
+        if (line.starts_with("== ")) {
+            inSection = line.substr(3) == section;
+            continue;
+        }
+        ReferencePoint p{};
+        if (inSection && std::sscanf(line.c_str(), "%lf %lf %lf %lf", &p.latitude, &p.longitude,
+                                     &p.easting, &p.northing) == 4)
+            points.push_back(p);
+    }
+    return points;
+}
+
+} // namespace
+
+TEST(Zones, GridsAgreeWithProjToAHundredthOfAMillimetre) {
+    struct Case {
+        const char *name;
+        int epsg;
+        const char *file;
+        const char *section;
+        std::size_t points;
+    };
+    const Case cases[] = {
+        // Oblique Mercator with an east-west initial line (Swiss LV95)
+        {"CH1903+ / LV95", 2056, "lv95.txt", "", 150},
+        {"NZGD49 / New Zealand Map Grid", 27200, "nzmg.txt", "", 40},
+        // The Paris meridian
+        {"Lambert I", 27561, "ntf-paris.txt", "27561", 8},
+        {"Lambert II", 27562, "ntf-paris.txt", "27562", 8},
+        {"Lambert II - Carto", 27572, "ntf-paris.txt", "27572", 8},
+        {"Lambert III", 27563, "ntf-paris.txt", "27563", 8},
+        {"Lambert IV", 27564, "ntf-paris.txt", "27564", 8},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        CoordinateSystem cs;
+        const Status status = systemFromEpsg(c.epsg, cs);
+        ASSERT_TRUE(status.ok()) << status.message;
+        Projection projection;
+        ASSERT_TRUE(projection.open(cs).ok());
+        const auto points = referencePoints(c.file, c.section);
+        ASSERT_EQ(points.size(), c.points);
+        for (const auto &p : points) {
+            double n = 0, e = 0, lat = 0, lon = 0;
+            ASSERT_TRUE(projection.forward(p.latitude, p.longitude, n, e).ok());
+            EXPECT_NEAR(e, p.easting, 1e-5) << p.latitude << ' ' << p.longitude;
+            EXPECT_NEAR(n, p.northing, 1e-5) << p.latitude << ' ' << p.longitude;
+            ASSERT_TRUE(projection.inverse(p.northing, p.easting, lat, lon).ok());
+            EXPECT_NEAR(lat, p.latitude, 1e-9);
+            EXPECT_NEAR(lon, p.longitude, 1e-9);
+        }
+    }
+}
+
+TEST(Zones, NewZealandMapGridIsAZone) {
+    CoordinateSystem cs;
+    const Status status =
+        zoneSystem(CoordinateSystemFamily::NewZealandNzgd49, "NZ Map Grid", {}, cs);
+    ASSERT_TRUE(status.ok()) << status.message;
+    EXPECT_EQ(cs.type, ProjectionType::NewZealandMapGrid);
+    Projection projection;
+    ASSERT_TRUE(projection.open(cs).ok());
+    double n = 0, e = 0;
+    // cs2cs EPSG:4272 EPSG:27200 at the grid's origin
+    ASSERT_TRUE(projection.forward(-41, 173, n, e).ok());
+    EXPECT_NEAR(e, 2510000, 1e-5);
+    EXPECT_NEAR(n, 6023150, 1e-5);
 }
