@@ -1,5 +1,6 @@
 // Processing a generated job: 100,000 set-ups with 1,000,000 sideshots
-// without adjustment, and a 10,000-side traverse by the compass rule.
+// without adjustment, the same with the angle balance, and a 10,000-side
+// traverse by the compass rule.
 #include "base/format.h"
 #include "crd/coordinate_file.h"
 #include "raw/reader.h"
@@ -17,7 +18,8 @@ using namespace tramline;
 
 // A traverse running east-north-east, each set-up backsighting the last,
 // with `sideshots` shots around every station.
-std::string generateJob(int setups, int sideshots) {
+// With `balanceShot` the last set-up also measures the closing direction.
+std::string generateJob(int setups, int sideshots, bool balanceShot) {
     std::string out =
         "MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\nSP,PN1,N 1000.0000,E 1000.0000,EL100.0000,--START\n"
         "SP,PN0,N 900.0000,E 1000.0000,EL100.0000,--BACKSIGHT\n";
@@ -32,11 +34,15 @@ std::string generateJob(int setups, int sideshots) {
         appendFormat(out, "TR,OP%d,FP%d,AR180.0%d00,ZE90.0000,SD%.3f,--TRAVERSE\n", s, s + 1, s % 2,
                      100.0 + s % 7);
     }
+    if (balanceShot)
+        appendFormat(out, "AB,OP%d,FP%d,AR180.0000,ZE90.0000,SD100.000,--CLOSING ANGLE\n", setups,
+                     setups + 1);
     return out;
 }
 
 void runJob(benchmark::State &state, int setups, int sideshots, reduce::AdjustMethod method) {
-    std::istringstream in(generateJob(setups, sideshots));
+    const bool balance = method == reduce::AdjustMethod::AngleBalance;
+    std::istringstream in(generateJob(setups, sideshots, balance));
     raw::RawFile file;
     raw::readRaw(in, file);
     const fs::path dir = fs::temp_directory_path() / "tramline-bench-reduce";
@@ -57,12 +63,16 @@ void runJob(benchmark::State &state, int setups, int sideshots, reduce::AdjustMe
         options.endPoint = std::to_string(setups + 1);
         // The closing point: where the error-free traverse ends, a little off.
         options.closingPoint = {options.endPoint, std::nullopt, std::nullopt, std::nullopt};
+        if (balance) {
+            options.angleBalance = true;
+            options.referenceAzimuth = 60.0;
+        }
         state.ResumeTiming();
         const auto result = reduce::processRaw(copy, "job.rw5", coordinates, options, ui);
         benchmark::DoNotOptimize(result.pointsStored);
         state.PauseTiming();
         if (result.status != reduce::ProcessResult::Status::Done &&
-            method == reduce::AdjustMethod::None)
+            method != reduce::AdjustMethod::Compass)
             state.SkipWithError(result.error.c_str());
         state.ResumeTiming();
     }
@@ -73,6 +83,14 @@ void BM_NoAdjust100kSetups1MSideshots(benchmark::State &state) {
     runJob(state, static_cast<int>(state.range(0)), 10, reduce::AdjustMethod::None);
 }
 BENCHMARK(BM_NoAdjust100kSetups1MSideshots)
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+
+void BM_AngleBalance100kSetups1MSideshots(benchmark::State &state) {
+    runJob(state, static_cast<int>(state.range(0)), 10, reduce::AdjustMethod::AngleBalance);
+}
+BENCHMARK(BM_AngleBalance100kSetups1MSideshots)
     ->Arg(100000)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1);

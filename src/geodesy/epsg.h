@@ -18,7 +18,7 @@ namespace tramline::geodesy {
 /// system's area without grid files (zero when it offers none).
 ///
 /// Fails with NotFound for a code the database lacks and NotSupported for a
-/// method that has no projection type here (New Zealand Map Grid, for one).
+/// method that has no projection type here (polar stereographic variant B, for one).
 Status systemFromEpsg(int code, CoordinateSystem &system);
 
 /// The database's name of an EPSG coordinate reference system ("NAD83 /

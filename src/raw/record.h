@@ -49,6 +49,9 @@ struct Observation {
     std::string type; ///< "SS", "TR", "CL", "AB", "CL+AB", "FD", "FR", "BD", "BR"
     std::string occupied;
     std::string foresight;
+    /// The backsight a reduced direct-reverse set was turned from (its
+    /// BD/BR target); empty for a shot turned from its set-up's backsight.
+    std::string backsight;
     HorizontalKind horizontalKind = HorizontalKind::None;
     double horizontal = 0.0;
     bool hasHorizontal = false;

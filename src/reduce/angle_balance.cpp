@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_map>
 
 namespace tramline::reduce {
 
@@ -49,16 +50,20 @@ std::string correctedAngles(const raw::RawFile &file, const std::vector<Traverse
                             double correction) {
     std::string t = std::string("\n") + tr("Corrected Angles") + "\n";
     const AngleUnit unit = file.units.angle;
+    // Side number by raw line, the first side of a line winning: one lookup
+    // per record instead of a search through every side.
+    std::unordered_map<long, int> sideByLine;
+    sideByLine.reserve(sides.size());
+    for (size_t i = 0; i < sides.size(); ++i)
+        sideByLine.emplace(sides[i].line, static_cast<int>(i) + 1);
     for (const auto &node : file.nodes) {
         if (node.type != raw::RecordType::Observation || !node.observation.hasHorizontal)
             continue;
-        const auto side = std::find_if(sides.begin(), sides.end(), [&](const TraverseSide &s) {
-            return s.line == static_cast<long>(node.lineNumber);
-        });
-        if (side == sides.end())
+        const auto side = sideByLine.find(static_cast<long>(node.lineNumber));
+        if (side == sideByLine.end())
             continue;
         const raw::Observation &o = node.observation;
-        const int k = static_cast<int>(side - sides.begin()) + 1;
+        const int k = side->second;
         const int turns = turnedFromBacksight(o.horizontalKind) ? 1 : k;
         appendFormat(t, "%-9.9s %-9.9s %s\n", o.occupied.c_str(), o.foresight.c_str(),
                      correctedAngle(o.horizontalKind, raw::angleToDegrees(o.horizontal, unit),

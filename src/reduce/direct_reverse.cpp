@@ -177,6 +177,7 @@ public:
         node.name = o.type;
         o.occupied = s.occupied;
         o.foresight = s.foresight;
+        o.backsight = s.backsight;
         o.horizontalKind = raw::HorizontalKind::AR;
         o.horizontal = raw::angleFromDegrees(s.horizontalAngle, m_unit);
         o.hasHorizontal = true;

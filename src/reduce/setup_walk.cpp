@@ -254,9 +254,7 @@ private:
                 }
             }
             if (b) {
-                const TraversePoint at = m_client.orientationStation(m_setup);
-                const double fromCoordinates =
-                    normalizeDegrees(degrees(std::atan2(b->east - at.east, b->north - at.north)));
+                const double fromCoordinates = azimuthTo(*b);
                 if (hasAzimuth) {
                     double diff = std::fabs(fromCoordinates - azimuth);
                     if (diff > 180.0)
@@ -289,6 +287,32 @@ private:
         m_client.given(p, line, GivenBy::StorePoint);
     }
 
+    double azimuthTo(const TraversePoint &target) {
+        const TraversePoint at = m_client.orientationStation(m_setup);
+        return normalizeDegrees(
+            degrees(std::atan2(target.east - at.east, target.north - at.north)));
+    }
+
+    // A direct-reverse set turned from another point than the set-up's
+    // backsight: its mean angle is measured from that point, so that is
+    // where it must be oriented. True with `orientation` set when the point
+    // has coordinates; either way the report says what was done.
+    bool orientOnOwnBacksight(const std::string &backsight, long line, double &orientation) {
+        const std::string setupBacksight =
+            m_setup.backsight.empty() ? std::string(tr("BackSight Azimuth")) : m_setup.backsight;
+        if (const auto b = m_client.known(backsight)) {
+            orientation = azimuthTo(*b);
+            m_client.warning(format(tr("Warning: direct-reverse set on line# %ld oriented on its "
+                                       "own backsight %s, not on %s"),
+                                    line, backsight.c_str(), setupBacksight.c_str()));
+            return true;
+        }
+        m_client.warning(format(tr("Warning: direct-reverse set on line# %ld: no coordinate "
+                                   "stored for its backsight %s, oriented on %s"),
+                                line, backsight.c_str(), setupBacksight.c_str()));
+        return false;
+    }
+
     void handleShot(const raw::Observation &o, const RawNode &node, long line) {
         if (!m_open) {
             stop(format(tr("No coordinate stored for Occupied Point %s\non line# %ld"),
@@ -312,7 +336,11 @@ private:
         if (!o.hasHorizontal || !o.hasDistance || isUnset(o.horizontal) || isUnset(o.slopeDistance))
             return; // angle-only or empty shots carry no position
         const bool fromBacksight = turnedFromBacksight(o.horizontalKind);
-        if (fromBacksight && !m_setup.oriented) {
+        double orientation = m_setup.orientation;
+        bool oriented = m_setup.oriented;
+        if (fromBacksight && !o.backsight.empty() && o.backsight != m_setup.backsight)
+            oriented = orientOnOwnBacksight(o.backsight, line, orientation) || oriented;
+        if (fromBacksight && !oriented) {
             stop(format(tr("Error: no backsight point specified on line# %ld"), line),
                  WalkOutcome::Status::Stopped);
             return;
@@ -341,7 +369,7 @@ private:
         if (shot.traverse)
             ++m_traverseShots;
         shot.angle = raw::angleToDegrees(o.horizontal, m_unit);
-        shot.azimuth = shotAzimuth(o.horizontalKind, shot.angle, m_setup.orientation);
+        shot.azimuth = shotAzimuth(o.horizontalKind, shot.angle, orientation);
         // An angle turned from the backsight inherits the corrections of
         // the sides before it through the backsight's coordinates; a
         // direction of its own (azimuth, bearing) must be given all of them.

@@ -239,3 +239,48 @@ TEST_F(Processing, BacksightAzimuthWithinOneSecondIsNoWarning) {
 }
 
 } // namespace
+
+// A face set is turned from its own backsight (its BD/BR target), which
+// need not be the set-up's BK point: point 3 lies due east of 1, the BK
+// point 2 due north, so a set reading 90° right of 3 aims due south.
+TEST_F(Processing, DirectReverseSetIsOrientedOnItsOwnBacksight) {
+    struct Case {
+        const char *setBacksight;
+        double north, east; // of point 5
+        const char *warning;
+    };
+    const Case cases[] = {
+        {"3", 900.0, 1000.0,
+         "Warning: direct-reverse set on line# 6 oriented on its own backsight 3, not on 2"},
+        {"2", 1000.0, 1100.0, nullptr}, // the BK point itself: nothing to say
+        {"4", 1000.0, 1100.0,
+         "Warning: direct-reverse set on line# 6: no coordinate stored for its backsight 4, "
+         "oriented on 2"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.setBacksight);
+        SetUp();
+        const std::string bs = c.setBacksight;
+        const std::string job = "SP,PN1,N 1000,E 1000,EL0,--\nSP,PN2,N 1100,E 1000,EL0,--\n"
+                                "SP,PN3,N 1000,E 1100,EL0,--\n"
+                                "OC,OP1,N ,E ,EL,--\nBK,OP1,BP2,BS,BC0\n"
+                                "BD,OP1,FP" +
+                                bs +
+                                ",AR0,ZE90,SD50.000,--\n"
+                                "FD,OP1,FP5,AR90,ZE90,SD100.000,--\n"
+                                "FR,OP1,FP5,AR270,ZE270,SD100.000,--\n"
+                                "BR,OP1,FP" +
+                                bs + ",AR180,ZE270,SD50.000,--\n";
+        const ProcessResult r = process(job);
+        ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
+        const auto p = point("5");
+        ASSERT_TRUE(p);
+        EXPECT_NEAR(p->northing, c.north, 1e-6);
+        EXPECT_NEAR(p->easting, c.east, 1e-6);
+        const std::string text = tab(r, "No Adjust");
+        if (c.warning)
+            EXPECT_TRUE(contains(text, c.warning)) << text;
+        else
+            EXPECT_FALSE(contains(text, "direct-reverse set on line#")) << text;
+    }
+}
