@@ -7,8 +7,11 @@
 #include "cli/console_interaction.h"
 #include "raw/classify.h"
 #include "raw/document.h"
+#include "raw/streaming_check.h"
 #include "raw/validate.h"
 
+#include <cstdio>
+#include <cstring>
 #include <fstream>
 
 #include <nlohmann/json.hpp>
@@ -235,6 +238,54 @@ const char *linearUnitText(LinearUnit unit) {
     return "metres";
 }
 
+// Lines kept in an anonymous temporary file until they are printed, each
+// with a flag: whether it is printed also when flags are not wanted.
+class ScratchText {
+public:
+    ScratchText() : m_file(std::tmpfile()) {}
+    ~ScratchText() {
+        if (m_file)
+            std::fclose(m_file);
+    }
+    ScratchText(const ScratchText &) = delete;
+    ScratchText &operator=(const ScratchText &) = delete;
+
+    void add(const std::string &line, bool flagged) {
+        ++m_counts[flagged ? 1 : 0];
+        if (m_file) {
+            std::fputc(flagged ? '1' : '0', m_file);
+            std::fwrite(line.data(), 1, line.size(), m_file);
+            std::fputc('\n', m_file);
+        }
+    }
+    /// Lines printed by write(out, withFlagged).
+    size_t count(bool withFlagged) const { return m_counts[0] + (withFlagged ? m_counts[1] : 0); }
+    /// Prints every line, indented, leaving out the flagged ones unless asked.
+    void write(std::ostream &out, bool withFlagged) const {
+        if (!m_file)
+            return;
+        std::rewind(m_file);
+        char buffer[4096];
+        bool lineStart = true, keep = true;
+        while (std::fgets(buffer, sizeof buffer, m_file)) {
+            const char *text = buffer;
+            if (lineStart) {
+                keep = buffer[0] == '0' || withFlagged;
+                ++text;
+                if (keep)
+                    out << "  ";
+            }
+            if (keep)
+                out << text;
+            lineStart = std::strchr(buffer, '\n') != nullptr;
+        }
+    }
+
+private:
+    std::FILE *m_file;
+    size_t m_counts[2] = {0, 0};
+};
+
 void addCheck(CLI::App &raw, CommandContext &ctx) {
     auto *cmd =
         raw.add_subcommand("check", "Check a raw file: what it holds, lines that are not records, "
@@ -242,30 +293,44 @@ void addCheck(CLI::App &raw, CommandContext &ctx) {
     auto file = std::make_shared<std::string>();
     cmd->add_option("FILE", *file, "RW5 file")->required();
     cmd->callback([&ctx, file] {
-        raw::RawFile records;
-        if (const Status status = raw::readRawFile(*file, records); !status) {
+        std::ifstream in;
+        std::error_code ec;
+        if (!std::filesystem::is_directory(*file, ec))
+            in.open(*file, std::ios::binary);
+        if (!in.is_open()) {
+            ctx.err << statusText(Status::failure(StatusCode::NotFound,
+                                                  tr("Error: unable to read raw file")))
+                    << '\n';
+            ctx.exitCode = kFailure;
+            return;
+        }
+        // One pass; what the report lists after the counts waits in
+        // scratch files, so a file of any size checks in the same memory.
+        ScratchText unrecognised, warnings;
+        raw::StreamingCheck check;
+        const Status status = raw::checkRawStream(
+            in, [&](const std::string &line) { unrecognised.add(line, false); },
+            [&](const std::string &warning, bool dmsOnly) { warnings.add(warning, dmsOnly); },
+            check);
+        if (!status) {
             ctx.err << statusText(status) << '\n';
             ctx.exitCode = kFailure;
             return;
         }
-        std::ifstream in(*file, std::ios::binary);
-        const raw::RawSummary summary = raw::summarizeRaw(in);
-        const auto warnings = raw::validateRaw(records);
+        const raw::RawSummary &summary = check.summary;
+        const bool dms = check.units.angle == AngleUnit::DegreesMinutesSeconds;
         ctx.out << "File: " << *file << '\n';
-        ctx.out << "Units: " << linearUnitText(records.units.linear)
-                << (records.units.linearDeclared ? "" : " (not declared; metres assumed)") << ", "
-                << (records.units.angle == AngleUnit::Gons ? "gons" : "degrees-minutes-seconds")
-                << '\n';
+        ctx.out << "Units: " << linearUnitText(check.units.linear)
+                << (check.units.linearDeclared ? "" : " (not declared; metres assumed)") << ", "
+                << (dms ? "degrees-minutes-seconds" : "gons") << '\n';
         ctx.out << format("Lines: %zu, records: %zu (set-ups %zu, observations %zu, store points "
                           "%zu, notes %zu)\n",
                           summary.lines, summary.records, summary.setups, summary.observations,
                           summary.storePoints, summary.notes);
-        ctx.out << "Unrecognised lines: " << (summary.unrecognised.empty() ? "none" : "") << '\n';
-        for (const auto &line : summary.unrecognised)
-            ctx.out << "  " << line << '\n';
-        ctx.out << "Warnings: " << (warnings.empty() ? "none" : "") << '\n';
-        for (const auto &w : warnings)
-            ctx.out << "  " << w << '\n';
+        ctx.out << "Unrecognised lines: " << (unrecognised.count(true) == 0 ? "none" : "") << '\n';
+        unrecognised.write(ctx.out, true);
+        ctx.out << "Warnings: " << (warnings.count(dms) == 0 ? "none" : "") << '\n';
+        warnings.write(ctx.out, dms);
     });
 }
 

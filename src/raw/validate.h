@@ -6,6 +6,7 @@
 
 #include "raw/reader.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,16 @@ struct HeightLimits {
     double minInstrument = 0.0, maxInstrument = 0.0;
     double minRod = 0.0, maxRod = 0.0;
 };
+
+/// Where the findings of validateRawNode() go: the warning line, and
+/// whether it holds only when the file's angles are ddd.mmss.
+using ValidationSink = std::function<void(std::string warning, bool dmsOnly)>;
+
+/// The findings of one record at grid row `row`, handed to `sink` in order.
+/// Angle findings are made whatever the unit and flagged, so that a
+/// streaming reader can decide once it knows the file's unit.
+void validateRawNode(const RawNode &node, long row, const HeightLimits &limits,
+                     const ValidationSink &sink);
 
 /// The warning lines for `file`, in file order. Rows are 1-based positions
 /// of the records in the file's record list (the grid row). Angles of a gon
@@ -36,5 +47,11 @@ struct RawSummary {
 
 /// Classifies every line of a stream (the job flag on) and counts.
 RawSummary summarizeRaw(std::istream &in);
+
+/// Counts one line (number `lineNumber`) into `summary` as summarizeRaw()
+/// does; true with `unrecognised` set to its "line %zu: %s" entry when the
+/// line is one the summary lists (the list itself is left alone).
+bool countRawLine(const std::string &line, size_t lineNumber, RawSummary &summary,
+                  std::string &unrecognised);
 
 } // namespace tramline::raw

@@ -1,3 +1,4 @@
+#include "raw/streaming_check.h"
 #include "raw/validate.h"
 
 #include "../support/raw_support.h"
@@ -58,3 +59,47 @@ TEST(SummarizeRaw, CountsAndUnrecognisedLines) {
 }
 
 } // namespace
+
+namespace tramline::raw {
+namespace {
+
+// The one-pass check must say what reading the whole file says: the same
+// counts, unrecognised lines and warnings, the unit declared anywhere.
+TEST(StreamingCheck, AgreesWithTheWholeFile) {
+    const char *const texts[] = {
+        "JB,NMX,DT,TM\nOC,OP1,N ,E ,EL,--\nSS,OP1,FP2,AR1,ZE2,SD3,--\nNAME,x\nQQ,what\nab\n--n\n",
+        "SS,OP1,FP2,AR10.6100,ZE90.0061,SD1,--\nBK,OP1,BP2,BS400.0000,BC10.7000\nZZ\n",
+        "SS,OP1,FP2,AR10.6100,ZE90.0000,SD1,--\n--UNITS GONS\nSS,OP1,FP2,AR10.9900,CE9,SD4,--\n",
+        "LS,HI12.5,HR-1\nSS,OP1,FP2,AR10.0000,CE5.0,SD4.0,--\n",
+    };
+    for (const char *text : texts) {
+        SCOPED_TRACE(text);
+        std::istringstream whole(text);
+        const RawSummary expected = summarizeRaw(whole);
+        std::istringstream in(text);
+        std::vector<std::string> unrecognised, warnings;
+        StreamingCheck check;
+        ASSERT_TRUE(checkRawStream(
+                        in, [&](const std::string &line) { unrecognised.push_back(line); },
+                        [&](std::string w, bool dmsOnly) {
+                            warnings.push_back(std::string(dmsOnly ? "dms " : "") + w);
+                        },
+                        check)
+                        .ok());
+        std::vector<std::string> kept;
+        const bool dms = check.units.angle == tramline::AngleUnit::DegreesMinutesSeconds;
+        for (const auto &w : warnings)
+            if (!w.starts_with("dms ") || dms)
+                kept.push_back(w.starts_with("dms ") ? w.substr(4) : w);
+        EXPECT_EQ(kept, validateRaw(tramline::test::readRawText(text)));
+        EXPECT_EQ(unrecognised, expected.unrecognised);
+        EXPECT_EQ(check.summary.lines, expected.lines);
+        EXPECT_EQ(check.summary.records, expected.records);
+        EXPECT_EQ(check.summary.observations, expected.observations);
+        EXPECT_EQ(check.summary.notes, expected.notes);
+        EXPECT_TRUE(check.summary.unrecognised.empty());
+    }
+}
+
+} // namespace
+} // namespace tramline::raw
