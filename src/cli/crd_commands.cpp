@@ -2,6 +2,7 @@
 #include "base/folders.h"
 #include "base/format.h"
 #include "base/point_names.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
@@ -11,7 +12,12 @@
 #include "crd/point_find_replace.h"
 #include "crd/point_rename.h"
 
+#include <fstream>
+#include <functional>
+#include <iostream>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <set>
 
 namespace tramline::cli {
 
@@ -111,28 +117,131 @@ void addNew(CLI::App &crdApp, CommandContext &ctx) {
     });
 }
 
+// Runs `each` on every line of FILE, or of standard input for "-"; false
+// (with the message given) when the file cannot be opened.
+bool forEachLine(const std::string &source, CommandContext &ctx,
+                 const std::function<bool(std::string_view line, long number)> &each) {
+    std::ifstream file;
+    if (source != "-") {
+        file.open(source, std::ios::binary);
+        if (!file) {
+            ctx.err << format(tr("Error: unable to open %s"), source.c_str()) << '\n';
+            ctx.exitCode = kFailure;
+            return false;
+        }
+    }
+    std::istream &in = source == "-" ? std::cin : file;
+    std::string line;
+    for (long number = 1; std::getline(in, line); ++number) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        if (!each(line, number))
+            return false;
+    }
+    return true;
+}
+
+// "name,northing,easting,elevation[,description]", the form get and list
+// print; the description keeps any further commas.
+bool parsePointLine(std::string_view line, CrdPoint &point) {
+    thread_local std::vector<std::string_view> fields;
+    splitAtMost(line, ',', 5, fields);
+    double n = 0, e = 0, z = 0;
+    if (fields.size() < 4 || trim(fields[0]).empty() || !parseNumber(fields[1], n) ||
+        !parseNumber(fields[2], e) || !parseNumber(fields[3], z))
+        return false;
+    point.set(e, n, z, std::string(trim(fields[0])),
+              fields.size() > 4 ? std::string(fields[4]) : std::string());
+    return true;
+}
+
+// Many points at once go through the store's bulk write: one pass over
+// the file instead of one per point.
+void putFrom(Store &store, const std::string &source) {
+    std::vector<CrdPoint> points;
+    bool ok = forEachLine(source, store.ctx, [&](std::string_view line, long number) {
+        if (trim(line).empty())
+            return true;
+        CrdPoint p;
+        if (!parsePointLine(line, p)) {
+            store.failed(
+                format(tr("Error: line %ld is not name,northing,easting,elevation"), number));
+            return false;
+        }
+        points.push_back(std::move(p));
+        return true;
+    });
+    if (!ok)
+        return;
+    // The history wants each point's values before the write.
+    std::vector<CrdPoint> before;
+    if (store.file.historyKeeping()) {
+        before.resize(points.size());
+        for (size_t i = 0; i < points.size(); ++i)
+            if (!store.file.readPoint(points[i].name, before[i], crd::PointSearch::Exact,
+                                      crd::Verbosity::Quiet))
+                before[i] = CrdPoint{};
+    }
+    std::vector<int> errors;
+    const long stored = store.file.writePoints(points, crd::Verbosity::Messages, &errors);
+    if (store.file.historyKeeping()) {
+        // The file went from each name's old values straight to its last
+        // line's: that is the change recorded, once a point.
+        std::vector<CrdPoint> after(points.size());
+        std::vector<bool> last(points.size(), false);
+        std::set<std::string> seen;
+        for (size_t i = points.size(); i-- > 0;)
+            last[i] = (i >= errors.size() || errors[i] == 0) &&
+                      store.file.readPoint(points[i].name, after[i], crd::PointSearch::Exact,
+                                           crd::Verbosity::Quiet) &&
+                      seen.insert(after[i].name).second;
+        for (size_t i = 0; i < points.size(); ++i)
+            if (last[i])
+                store.file.addHistory(before[i].name.empty() ? nullptr : &before[i], &after[i],
+                                      crd::kHistoryOperationInputEdit);
+    }
+    store.ctx.out << format("Stored %ld points", stored) << '\n';
+    if (stored != static_cast<long>(points.size()))
+        store.ctx.exitCode = kFailure;
+}
+
 void addPut(CLI::App &crdApp, CommandContext &ctx) {
     auto *cmd = crdApp.add_subcommand(
         "put", "Store a point, replacing one of the same name (the file is made when missing)");
     struct Options {
-        std::string file, name, description;
-        double northing = 0, easting = 0, elevation = 0;
+        std::string file, name, description, from;
+        std::optional<double> northing, easting, elevation;
         bool history = false;
     };
     auto o = std::make_shared<Options>();
     cmd->add_option("FILE", o->file, "Coordinate file")->required();
-    cmd->add_option("NAME", o->name, "Point name")->required();
-    cmd->add_option("NORTHING", o->northing, "Northing")->required();
-    cmd->add_option("EASTING", o->easting, "Easting")->required();
-    cmd->add_option("ELEVATION", o->elevation, "Elevation (98765432.1: none)")->required();
+    auto *name = cmd->add_option("NAME", o->name, "Point name");
+    cmd->add_option("NORTHING", o->northing, "Northing");
+    cmd->add_option("EASTING", o->easting, "Easting");
+    cmd->add_option("ELEVATION", o->elevation, "Elevation (98765432.1: none)");
     cmd->add_option("DESCRIPTION", o->description, "Description (31 characters are kept)");
+    cmd->add_option("--from", o->from,
+                    "Store every point of this file (- for standard input), one a line as "
+                    "name,northing,easting,elevation[,description]")
+        ->excludes(name);
     addHistoryFlag(cmd, o->history);
     cmd->callback([&ctx, o] {
+        if (o->from.empty()) {
+            for (const auto &[value, label] :
+                 {std::pair{o->name.empty() ? std::optional<double>() : 0.0, "NAME"},
+                  {o->northing, "NORTHING"},
+                  {o->easting, "EASTING"},
+                  {o->elevation, "ELEVATION"}})
+                if (!value)
+                    throw CLI::RequiredError(label);
+        }
         Store store(ctx);
         if (!store.openForUpdate(o->file, o->history))
             return;
+        if (!o->from.empty())
+            return putFrom(store, o->from);
         CrdPoint point, previous, stored;
-        point.set(o->easting, o->northing, o->elevation, o->name, o->description);
+        point.set(*o->easting, *o->northing, *o->elevation, o->name, o->description);
         if (!store.file.writePoint(point, crd::Verbosity::Messages, &previous))
             return store.failed();
         if (store.file.readPoint(point.name, stored, crd::PointSearch::Exact,
@@ -147,20 +256,45 @@ void addGet(CLI::App &crdApp, CommandContext &ctx) {
     auto *cmd = crdApp.add_subcommand(
         "get", "Print a point as name,northing,easting,elevation,description");
     struct Options {
-        std::string file, name;
+        std::string file, name, namesFrom;
         bool next = false, previous = false;
     };
     auto o = std::make_shared<Options>();
     cmd->add_option("FILE", o->file, "Coordinate file")->required();
-    cmd->add_option("NAME", o->name, "Point name")->required();
+    auto *name = cmd->add_option("NAME", o->name, "Point name");
     auto *next = cmd->add_flag("--next", o->next, "The point or the next stored one after it");
     auto *previous = cmd->add_flag("--previous", o->previous, "The point or the one before it");
     next->excludes(previous);
+    cmd->add_option("--names-from", o->namesFrom,
+                    "Print the points named in this file (- for standard input), one name a "
+                    "line, in that order")
+        ->excludes(name)
+        ->excludes(next)
+        ->excludes(previous);
     cmd->callback([&ctx, o] {
+        if (o->namesFrom.empty() && o->name.empty())
+            throw CLI::RequiredError("NAME");
         Store store(ctx);
         if (!store.openForReading(o->file))
             return;
         CrdPoint point;
+        if (!o->namesFrom.empty()) {
+            // Each name is one lookup in the store's index; a missing one
+            // is said and the others still printed.
+            forEachLine(o->namesFrom, ctx, [&](std::string_view line, long) {
+                const std::string_view wanted = trim(line);
+                if (wanted.empty())
+                    return true;
+                if (store.file.readPoint(wanted, point, crd::PointSearch::Exact,
+                                         crd::Verbosity::Quiet))
+                    ctx.out << pointLine(point) << '\n';
+                else
+                    store.failed(std::string(wanted) + ": " +
+                                 CoordinateFile::errorText(store.file.lastError()));
+                return true;
+            });
+            return;
+        }
         if (!store.file.readPoint(o->name, point,
                                   o->next       ? crd::PointSearch::OrNext
                                   : o->previous ? crd::PointSearch::OrPrevious

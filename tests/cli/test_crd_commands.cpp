@@ -207,3 +207,60 @@ TEST_F(CrdCommands, RenameReplaceAndPrint) {
 }
 
 } // namespace
+
+namespace {
+
+// Points in and out by the file: put --from stores through the bulk write
+// what get and list print, get --names-from answers in the names' order.
+TEST_F(CrdCommands, PutFromAndGetNamesFrom) {
+    const std::string points = (dir / "points.txt").string();
+    const std::string names = (dir / "names.txt").string();
+    const std::string bad = (dir / "bad.txt").string();
+    std::ofstream(points) << "a-10,1000,-2000.125,12.5,iron pin, set 1990\r\n\n"
+                             "2,1,2,3\n10,4,5,98765432.1,no elevation\n2,7,8,9,again\n";
+    std::ofstream(names) << "10\n missing \n\nA_10\n2\n";
+    std::ofstream(bad) << "5,1,2,3\n6,1,x,3\n";
+    struct Step {
+        std::vector<std::string> args;
+        int code;
+        std::string out, errHas;
+    };
+    const std::vector<Step> steps = {
+        {{"crd", "put", path, "--from", bad},
+         1,
+         "",
+         "Error: line 2 is not name,northing,easting,elevation"},
+        {{"crd", "put", path, "--from", points, "--history"}, 0, "Stored 4 points\n", ""},
+        {{"crd", "list", path},
+         0,
+         "2,7.0000,8.0000,9.0000,again\n10,4.0000,5.0000,0.0000,no elevation\n"
+         "A_10,1000.0000,-2000.1250,12.5000,iron pin, set 1990\n",
+         ""},
+        {{"crd", "get", path, "--names-from", names},
+         1,
+         "10,4.0000,5.0000,0.0000,no elevation\n"
+         "A_10,1000.0000,-2000.1250,12.5000,iron pin, set 1990\n2,7.0000,8.0000,9.0000,again\n",
+         "missing: The specified point was not found."},
+        {{"crd", "get", path, "--names-from", (dir / "none.txt").string()},
+         1,
+         "",
+         "Error: unable to open"},
+        {{"crd", "get", path, "2", "--names-from", names}, 2, "", "excludes"},
+        {{"crd", "get", path}, 2, "", "NAME is required"},
+        {{"crd", "put", path, "--from", points, "P", "1", "2", "3"}, 2, "", "excludes"},
+    };
+    for (const auto &step : steps) {
+        const Result r = cli(step.args);
+        EXPECT_EQ(r.code, step.code) << step.args[2] << ": " << r.err;
+        EXPECT_EQ(r.out, step.out) << step.args.back();
+        EXPECT_NE(r.err.find(step.errHas), std::string::npos) << r.err;
+    }
+    // One history entry a point, from nothing to its last line's values.
+    const Result history = cli({"crd", "history", path});
+    EXPECT_EQ(history.code, 0) << history.err;
+    EXPECT_EQ(std::count(history.out.begin(), history.out.end(), '\n'), 3) << history.out;
+    EXPECT_NE(history.out.find("Point  2: N 7.0000 E 8.0000 Z 9.0000"), std::string::npos)
+        << history.out;
+}
+
+} // namespace
