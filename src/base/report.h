@@ -3,6 +3,7 @@
 // titles as headings or writes the whole report as JSON.
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,8 @@ public:
     Tab &tab(const std::string &title);
     /// Appends text to the tab with this title.
     void append(const std::string &title, const std::string &text) { tab(title).text += text; }
+    /// The same, taking over `text` when the tab is still empty.
+    void append(const std::string &title, std::string &&text);
 
     const std::vector<Tab> &tabs() const { return m_tabs; }
     bool empty() const { return m_tabs.empty(); }
@@ -31,6 +34,8 @@ public:
     /// Plain text: the report title, then each tab's title as a heading
     /// underlined with '=' and its text.
     std::string toText() const;
+    /// Writes toText() to `out` without building it first.
+    void write(std::ostream &out) const;
 
 private:
     std::string m_title;

@@ -175,7 +175,7 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
                               {"error", result.error}};
         ctx.out << doc.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
     } else {
-        ctx.out << result.report.toText();
+        result.report.write(ctx.out);
     }
     if (result.status != reduce::ProcessResult::Status::Done) {
         if (!result.error.empty())

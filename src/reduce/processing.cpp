@@ -226,9 +226,10 @@ private:
         if (!runPass(passInput(), pass))
             return false;
         m_counts = countsOf(pass);
-        m_result.report.append(tr("Unadjusted Data"), m_files.through("rawedit.tmp", pass.listing) +
-                                                          passSummary(m_counts));
-        m_sideshots = m_files.through("sideshot.tmp", pass.sideshots);
+        std::string listing = m_files.through("rawedit.tmp", std::move(pass.listing));
+        listing += passSummary(m_counts);
+        m_result.report.append(tr("Unadjusted Data"), std::move(listing));
+        keepSideshots(std::move(pass.sideshots));
         m_multipleBacksights = m_files.through("multback.tmp", pass.multipleBacksights);
         m_depths = m_files.through("depth.tmp", pass.depths);
         for (const auto &w : pass.warnings)
@@ -262,7 +263,7 @@ private:
                                    closureText(title, c.closure, names(), m_counts) +
                                        balancedClosureExtra(c.start, c.computedEnd, c.closure));
             if (m_opt.method == AdjustMethod::AngleBalance) {
-                m_sideshots = m_files.through("sideshot.tmp", pass.sideshots);
+                keepSideshots(std::move(pass.sideshots));
                 m_final = std::move(pass);
                 return true;
             }
@@ -306,8 +307,16 @@ private:
         if (!runPass(in, m_final))
             return false;
         // The sideshots as finally stored, from the adjusted stations.
-        m_sideshots = m_files.through("sideshot.tmp", m_final.sideshots);
+        keepSideshots(std::move(m_final.sideshots));
         return true;
+    }
+
+    // sideshot.tmp is written on every run; the report holds its text only
+    // when it lists the sideshots.
+    void keepSideshots(std::string text) {
+        m_sideshots = m_files.through("sideshot.tmp", std::move(text));
+        if (!m_opt.reportSideshots)
+            std::string().swap(m_sideshots);
     }
 
     void write() {

@@ -4,7 +4,6 @@
 #include "base/translation.h"
 
 #include <fstream>
-#include <sstream>
 
 namespace tramline::reduce {
 
@@ -23,20 +22,14 @@ bool TemporaryFiles::open(std::string &error) {
     return true;
 }
 
-std::string TemporaryFiles::through(const char *name, const std::string &text) {
+std::string TemporaryFiles::through(const char *name, std::string text) {
     if (m_folder.empty())
         return text;
     const auto path = m_folder / name;
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!(out << text) || !out.flush()) {
+    if (!out.write(text.data(), static_cast<std::streamsize>(text.size())) || !out.flush())
         m_ui.message(format(tr("Can't open output file %s"), path.string().c_str()));
-        return text;
-    }
-    out.close();
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream back;
-    back << in.rdbuf();
-    return back.str();
+    return text;
 }
 
 } // namespace tramline::reduce

@@ -1,6 +1,7 @@
 // The temporary files of a run in the working folder ("rawedit.tmp",
-// "sideshot.tmp", "warnings.tmp", ...): rewritten on every run and read
-// back into the report, so that what the report shows is what they hold.
+// "sideshot.tmp", "warnings.tmp", ...): rewritten on every run with the
+// text the report shows. The text goes on into the report as it is, not
+// read back: a listing of a million shots is 120 MB.
 #pragma once
 
 #include "base/interaction.h"
@@ -20,9 +21,9 @@ public:
     /// message "Can't open output file %s", when it cannot.
     bool open(std::string &error);
 
-    /// Writes `text` to the file `name` and gives back what the file
-    /// holds; `text` itself when it cannot be written (with the message).
-    std::string through(const char *name, const std::string &text);
+    /// Writes `text` to the file `name` and gives it back (also when it
+    /// cannot be written, after the message "Can't open output file %s").
+    std::string through(const char *name, std::string text);
 
 private:
     std::filesystem::path m_folder;

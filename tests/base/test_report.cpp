@@ -3,18 +3,23 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 using namespace tramline;
 
 TEST(Report, TabsInOrderAndAppend) {
     Report r("Process Results");
-    r.append("Results", "line 1\n");
+    r.append("Results", std::string("line 1\n")); // taken over by the empty tab
     r.append("Warnings", "careful");
-    r.append("Results", "line 2\n");
+    r.append("Results", std::string("line 2\n")); // added to what it holds
     ASSERT_EQ(r.tabs().size(), 2u);
     EXPECT_EQ(r.tabs()[0].text, "line 1\nline 2\n");
     EXPECT_EQ(
         r.toText(),
         "Process Results\n\nResults\n=======\nline 1\nline 2\n\nWarnings\n========\ncareful\n\n");
+    std::ostringstream written;
+    r.write(written);
+    EXPECT_EQ(written.str(), r.toText());
 }
 
 TEST(ScriptedInteraction, RepliesInOrder) {
