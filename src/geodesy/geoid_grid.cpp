@@ -1,14 +1,20 @@
 #include "geodesy/geoid_grid.h"
 
 #include "base/atomic_save.h"
+#include "base/folders.h"
 #include "base/format.h"
 #include "base/line_reader.h"
 #include "base/translation.h"
 #include "geodesy/messages.h"
 
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
+#include <functional>
+#include <mutex>
+#include <optional>
 
 namespace tramline::geodesy {
 
@@ -95,12 +101,117 @@ Status GeoidGrid::read(std::istream &in, const std::string &name, GeoidGrid &gri
     return Status::success();
 }
 
+namespace {
+
+std::mutex cacheMutex;
+std::optional<std::filesystem::path> cacheFolderSetting;
+
+constexpr char kCacheMagic[8] = {'T', 'R', 'L', 'G', 'R', 'I', 'D', '1'};
+
+// What a cached copy was made from: the grid's size and modification time.
+struct CacheStamp {
+    std::uint64_t size = 0;
+    std::int64_t modified = 0;
+};
+
+bool stampOf(const std::filesystem::path &path, CacheStamp &stamp) {
+    std::error_code ec;
+    stamp.size = std::filesystem::file_size(path, ec);
+    if (ec)
+        return false;
+    const auto time = std::filesystem::last_write_time(path, ec);
+    stamp.modified = static_cast<std::int64_t>(time.time_since_epoch().count());
+    return !ec;
+}
+
+// One file a grid, named by a hash of its absolute path.
+std::filesystem::path cachePathFor(const std::filesystem::path &grid) {
+    const std::filesystem::path folder = GeoidGrid::cacheFolder();
+    if (folder.empty())
+        return {};
+    std::error_code ec;
+    const auto absolute = std::filesystem::absolute(grid, ec);
+    const std::size_t key = std::hash<std::string>{}((ec ? grid : absolute).string());
+    return folder / (format("%016zx", key) + "-" + grid.filename().string() + ".bin");
+}
+
+template <typename T> bool readValue(std::istream &in, T &value) {
+    return static_cast<bool>(in.read(reinterpret_cast<char *>(&value), sizeof value));
+}
+
+template <typename T> void writeValue(std::ostream &out, const T &value) {
+    out.write(reinterpret_cast<const char *>(&value), sizeof value);
+}
+
+} // namespace
+
+void GeoidGrid::setCacheFolder(std::filesystem::path folder) {
+    std::lock_guard<std::mutex> guard(cacheMutex);
+    cacheFolderSetting = std::move(folder);
+}
+
+std::filesystem::path GeoidGrid::cacheFolder() {
+    std::lock_guard<std::mutex> guard(cacheMutex);
+    if (!cacheFolderSetting)
+        cacheFolderSetting = settingsFolder() / "grid-cache";
+    return *cacheFolderSetting;
+}
+
+bool GeoidGrid::readCached(const std::filesystem::path &path, GeoidGrid &grid) {
+    CacheStamp stamp, cached;
+    const auto cachePath = cachePathFor(path);
+    if (cachePath.empty() || !stampOf(path, stamp))
+        return false;
+    std::ifstream in(cachePath, std::ios::binary);
+    char magic[sizeof kCacheMagic];
+    GridBounds b;
+    std::int32_t rows = 0, columns = 0;
+    if (!in.read(magic, sizeof magic) || std::memcmp(magic, kCacheMagic, sizeof magic) != 0 ||
+        !readValue(in, cached.size) || !readValue(in, cached.modified) ||
+        cached.size != stamp.size || cached.modified != stamp.modified || !readValue(in, b) ||
+        !readValue(in, rows) || !readValue(in, columns) || rows < 2 || columns < 2 ||
+        rows > (1 << 20) || columns > (1 << 20))
+        return false;
+    GeoidGrid g(b, rows, columns);
+    const auto bytes = static_cast<std::streamsize>(g.m_nodes.size() * sizeof(float));
+    if (!in.read(reinterpret_cast<char *>(g.m_nodes.data()), bytes) || in.peek() != EOF)
+        return false;
+    grid = std::move(g);
+    return true;
+}
+
+void GeoidGrid::writeCached(const std::filesystem::path &path) const {
+    CacheStamp stamp;
+    const auto cachePath = cachePathFor(path);
+    if (cachePath.empty() || !stampOf(path, stamp))
+        return;
+    std::error_code ec;
+    std::filesystem::create_directories(cachePath.parent_path(), ec);
+    // A copy that cannot be written is no loss: the next load parses again.
+    saveAtomically(cachePath, [&](std::ostream &out) {
+        out.write(kCacheMagic, sizeof kCacheMagic);
+        writeValue(out, stamp.size);
+        writeValue(out, stamp.modified);
+        writeValue(out, m_bounds);
+        writeValue(out, static_cast<std::int32_t>(m_rows));
+        writeValue(out, static_cast<std::int32_t>(m_columns));
+        out.write(reinterpret_cast<const char *>(m_nodes.data()),
+                  static_cast<std::streamsize>(m_nodes.size() * sizeof(float)));
+        return static_cast<bool>(out);
+    });
+}
+
 Status GeoidGrid::load(const std::filesystem::path &path, GeoidGrid &grid) {
+    if (readCached(path, grid))
+        return Status::success();
     std::ifstream in(path, std::ios::binary);
     if (!in)
         return Status::failure(StatusCode::Io,
                                format(tr(messages::kCannotOpen), path.string().c_str()));
-    return read(in, path.filename().string(), grid);
+    if (Status status = read(in, path.filename().string(), grid); !status)
+        return status;
+    grid.writeCached(path);
+    return Status::success();
 }
 
 bool GeoidGrid::write(std::ostream &out) const {

@@ -52,7 +52,16 @@ public:
     /// count the file does not hold (truncated) or a node that is not a
     /// number; `name` goes into the message.
     static Status read(std::istream &in, const std::string &name, GeoidGrid &grid);
+    /// Reads a grid file. A grid read once is kept in binary in the cache
+    /// folder, and later loads take that copy while the file keeps its size
+    /// and modification time: a separation then costs microseconds instead
+    /// of a parse of several megabytes of text.
     static Status load(const std::filesystem::path &path, GeoidGrid &grid);
+
+    /// Where load() keeps its binary copies; empty keeps none. The default
+    /// is "grid-cache" in the settings folder.
+    static void setCacheFolder(std::filesystem::path folder);
+    static std::filesystem::path cacheFolder();
 
     /// Writes the grid in the layout above.
     bool write(std::ostream &out) const;
@@ -82,6 +91,9 @@ private:
     double m_latitudeStep = 0.0;
     double m_longitudeStep = 0.0;
     std::vector<float> m_nodes; // 0.1 mm resolution needs no more than a float
+
+    static bool readCached(const std::filesystem::path &path, GeoidGrid &grid);
+    void writeCached(const std::filesystem::path &path) const;
 };
 
 } // namespace tramline::geodesy

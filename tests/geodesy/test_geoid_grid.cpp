@@ -211,3 +211,53 @@ TEST(GtxImport, AgreesWithProjAtAThousandPoints) {
     proj_context_destroy(ctx);
     std::filesystem::remove_all(converted.parent_path());
 }
+
+// The binary copy answers only for the grid it was made from: a grid
+// rewritten since, or a damaged copy, is parsed again.
+TEST(GeoidGrid, CachedCopyFollowsItsGrid) {
+    const auto dir = tempDir() / "cache-test";
+    std::filesystem::remove_all(dir);
+    std::filesystem::create_directories(dir);
+    const auto previous = GeoidGrid::cacheFolder();
+    GeoidGrid::setCacheFolder(dir / "cache");
+    const auto grid = dir / "small.grd";
+    std::ofstream(grid, std::ios::binary) << kSmallGrid;
+
+    auto separationAt = [&](double latitude, double longitude) {
+        GeoidGrid g;
+        EXPECT_TRUE(GeoidGrid::load(grid, g).ok());
+        double s = 0;
+        EXPECT_TRUE(g.separation(latitude, longitude, s));
+        return s;
+    };
+    auto cacheFiles = [&] {
+        std::vector<std::filesystem::path> files;
+        for (const auto &e : std::filesystem::directory_iterator(dir / "cache"))
+            files.push_back(e.path());
+        return files;
+    };
+    // 11.5 N 352.5 E: halfway between 13, 14, 23 and -24.5 (by hand: 6.375)
+    EXPECT_NEAR(separationAt(11.5, 352.5), 6.375, 1e-6);
+    ASSERT_EQ(cacheFiles().size(), 1u);
+    EXPECT_NEAR(separationAt(11.5, 352.5), 6.375, 1e-6); // from the copy
+
+    // The same length, another value, a later time: the copy is stale.
+    std::string changed = kSmallGrid;
+    changed.replace(changed.find("-24.5000"), 8, "-20.5000");
+    std::ofstream(grid, std::ios::binary | std::ios::trunc) << changed;
+    std::filesystem::last_write_time(grid, std::filesystem::last_write_time(grid) +
+                                               std::chrono::seconds(5));
+    EXPECT_NEAR(separationAt(11.5, 352.5), 7.375, 1e-6);
+
+    // A cut copy is parsed past.
+    const auto copy = cacheFiles().front();
+    std::filesystem::resize_file(copy, std::filesystem::file_size(copy) - 4);
+    EXPECT_NEAR(separationAt(11.5, 352.5), 7.375, 1e-6);
+
+    GeoidGrid::setCacheFolder({});
+    std::filesystem::remove_all(dir / "cache");
+    EXPECT_NEAR(separationAt(10.0, 350.0), 1.0, 1e-6);
+    EXPECT_FALSE(std::filesystem::exists(dir / "cache"));
+    GeoidGrid::setCacheFolder(previous);
+    std::filesystem::remove_all(dir);
+}
