@@ -13,6 +13,9 @@ namespace tramline::geodesy {
 namespace {
 
 constexpr std::size_t kValueCount = 8;
+// No coordinate or height of the earth comes near this; larger values are
+// damage (and would not fit a line when written back).
+constexpr double kMaxValue = 1e9;
 
 Status lineError(std::size_t line, const char *what) {
     return Status::failure(StatusCode::Format,
@@ -78,7 +81,7 @@ Status readAlignment(std::istream &in, AlignmentFile &file) {
             return lineError(number, trNoop("not an alignment point"));
         double values[kValueCount] = {};
         for (std::size_t i = 0; i < kValueCount; ++i)
-            if (!parseNumber(trim(fields[i]), values[i]) || !std::isfinite(values[i]))
+            if (!parseNumber(trim(fields[i]), values[i]) || !(std::abs(values[i]) < kMaxValue))
                 return lineError(number, trNoop("a value is not a number"));
         if (std::abs(values[0]) > 90.0 || std::abs(values[1]) > 360.0)
             return lineError(number, trNoop("the position is not a latitude and longitude"));
