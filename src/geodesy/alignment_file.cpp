@@ -76,6 +76,11 @@ Status readAlignment(std::istream &in, AlignmentFile &file) {
         const std::string_view text = trim(line);
         if (text.empty())
             continue;
+        // Control characters (a NUL above all) are damage, not text: they
+        // would not survive being written back.
+        for (const char c : text)
+            if (static_cast<unsigned char>(c) < 0x20 && c != '\t')
+                return lineError(number, trNoop("not an alignment point"));
         const auto fields = split(text, ',');
         if (fields.size() < kValueCount + 4)
             return lineError(number, trNoop("not an alignment point"));

@@ -3,6 +3,7 @@
 #include "base/atomic_save.h"
 #include "base/format.h"
 #include "base/text.h"
+#include "base/translation.h"
 
 #include <fstream>
 #include <sstream>
@@ -28,12 +29,13 @@ LinearUnit linearUnit(LocalizationUnits units) {
 }
 
 const char *unitsChoice(LocalizationUnits units) {
-    static const char *const names[] = {"US Feet", "Meters", "Int'l Feet"};
+    static const char *const names[] = {trNoop("US Feet"), trNoop("Meters"), trNoop("Int'l Feet")};
     return names[static_cast<int>(units)];
 }
 
 const char *unitsReportName(LocalizationUnits units) {
-    static const char *const names[] = {"US Feet", "Meters", "International Feet"};
+    static const char *const names[] = {trNoop("US Feet"), trNoop("Meters"),
+                                        trNoop("International Feet")};
     return names[static_cast<int>(units)];
 }
 

@@ -75,6 +75,8 @@ TEST(AlignmentFile, BadLinesAreRefusedWithTheirNumber) {
         {"off the earth", "91,2,3,4,5,6,7,8,Y,Y,d,s,GEOID=\n", 1},
         {"bad flag", "1,2,3,4,5,6,7,8,maybe,Y,d,s,GEOID=\n", 1},
         {"5000 characters", good + std::string(5000, '7') + "\n", 2},
+        // Found by the fuzzer: a NUL in the system text cut the written line.
+        {"control character", std::string("1,2,3,4,5,6,7,8,Y,Y,d,E\0x,GEOID=\n", 33), 1},
     };
     for (const auto &c : cases) {
         std::istringstream in(c.text);
