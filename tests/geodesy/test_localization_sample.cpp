@@ -1,5 +1,6 @@
 // A real GPS job: positions with the grid coordinates the field software
 // gave them (Polish 2000 zone 6). Four points fitted must predict the rest.
+#include "geodesy/datum_shift.h"
 #include "geodesy/localization.h"
 
 #include <gtest/gtest.h>
@@ -114,4 +115,42 @@ TEST(LocalizationSample, PositionOutsideTheZoneIsRefused) {
     EXPECT_TRUE(projector.project(54.77, 17.88, 60.0, f));
     const Status far = projector.project(54.77, 40.0, 60.0, f);
     EXPECT_EQ(far.code, tramline::StatusCode::OutOfRange);
+}
+
+// Local coordinates that are a datum's own grid: positions moved by a known
+// shift and projected. The seven parameters estimated from points spread
+// over the zone give that shift back.
+TEST(LocalizationSample, SevenParametersOfALocalDatumAreRecovered) {
+    CoordinateSystem datum = poland2000Zone6();
+    datum.shift = {-33.4, 98.25, 61.5, 0.8, -1.1, 0.45, 3.5};
+    SevenParameterShift shift;
+    ASSERT_TRUE(shift.open(datum));
+    Projection projection;
+    ASSERT_TRUE(projection.open(datum));
+    std::vector<AlignmentPoint> points;
+    for (const auto &[lat, lon] :
+         {std::pair{53.0, 16.6}, std::pair{54.7, 17.2}, std::pair{52.2, 19.3},
+          std::pair{54.2, 19.4}, std::pair{53.4, 18.0}}) {
+        AlignmentPoint p;
+        p.latitude = lat;
+        p.longitude = lon;
+        p.ellipsoidHeight = 120.0;
+        double la = lat, lo = lon, h = p.ellipsoidHeight;
+        ASSERT_TRUE(shift.fromWgs84(la, lo, h));
+        ASSERT_TRUE(projection.forward(la, lo, p.localY, p.localX));
+        p.localZ = h;
+        points.push_back(p);
+    }
+    LocalizationSettings settings;
+    settings.defineDatum = true;
+    Localization loc;
+    ASSERT_TRUE(fitLocalization(poland2000Zone6(), settings, points, {}, loc));
+    ASSERT_TRUE(loc.helmertEstimated);
+    EXPECT_NEAR(loc.helmert.dx, datum.shift.dx, 0.01);
+    EXPECT_NEAR(loc.helmert.dy, datum.shift.dy, 0.01);
+    EXPECT_NEAR(loc.helmert.dz, datum.shift.dz, 0.01);
+    EXPECT_NEAR(loc.helmert.rx, datum.shift.rx, 1e-3);
+    EXPECT_NEAR(loc.helmert.ry, datum.shift.ry, 1e-3);
+    EXPECT_NEAR(loc.helmert.rz, datum.shift.rz, 1e-3);
+    EXPECT_NEAR(loc.helmert.scalePpm, datum.shift.scalePpm, 1e-3);
 }
