@@ -201,7 +201,7 @@ void CKELMADlg::processGpsCommand() {
     if (!status)
         return ui().message(status.message);
     const reduce::GpsProcessResult result =
-        reduce::processGps(file, localization, projector, *m_workingFile);
+        reduce::processGps(file, m_rawDocument.fileName(), localization, projector, *m_workingFile);
     if (result.pointsStored > 0)
         m_coordinateModified = true;
     refreshCoordinateGrid();

@@ -76,6 +76,7 @@ void runGps(const ProcessCliOptions &o, CommandContext &ctx) {
     if (Status status = geodesy::loadLocalization(o.localization, system, settings, points);
         !status)
         return failWith(status.message);
+    settings.pointNotes = settings.pointNotes || o.notes;
     geodesy::GeoidFolders folders;
     folders.dataFolder =
         o.geoidData.empty() ? settingsFolder() : std::filesystem::path(o.geoidData);
@@ -98,7 +99,7 @@ void runGps(const ProcessCliOptions &o, CommandContext &ctx) {
     if (!coordinates.open(o.crd))
         return failWith(crd::CoordinateFile::errorText(coordinates.lastError()));
     const reduce::GpsProcessResult result =
-        reduce::processGps(file, localization, projector, coordinates);
+        reduce::processGps(file, o.file, localization, projector, coordinates);
     coordinates.close();
     printReport(result.report, result.pointsStored, result.error, o.json, ctx);
     if (!result.ok)

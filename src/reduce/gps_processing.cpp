@@ -139,7 +139,8 @@ Status alignmentFromRawFile(const std::filesystem::path &path, geodesy::Localiza
     return alignmentFromRaw(in, units, multiple, points);
 }
 
-GpsProcessResult processGps(const raw::RawFile &file, const geodesy::Localization &localization,
+GpsProcessResult processGps(const raw::RawFile &file, const std::string &rawFileName,
+                            const geodesy::Localization &localization,
                             const geodesy::GridProjector &projector,
                             crd::CoordinateFile &coordinates) {
     GpsProcessResult result;
@@ -152,6 +153,7 @@ GpsProcessResult processGps(const raw::RawFile &file, const geodesy::Localizatio
     }
     const LinearUnit target = geodesy::linearUnit(localization.settings.units);
     std::vector<crd::CrdPoint> points;
+    std::vector<std::size_t> lines;
     std::string table, warnings;
     appendFormat(table, "%-17.17s %-14.14s %-14.14s %-12.12s %s\n", tr("Point"), tr("Northing"),
                  tr("Easting"), tr("Elevation"), tr("Description"));
@@ -168,11 +170,16 @@ GpsProcessResult processGps(const raw::RawFile &file, const geodesy::Localizatio
         crd::CrdPoint point;
         point.set(x, y, z, p.name, p.description);
         points.push_back(point);
+        lines.push_back(p.lineNumber);
         appendFormat(table, "%-17.17s %-14.4f %-14.4f %-12.4f %s\n", p.name.c_str(), y, x, z,
                      p.description.c_str());
     }
     if (!points.empty())
         result.pointsStored = coordinates.writePoints(points, crd::Verbosity::Quiet);
+    if (localization.settings.pointNotes && result.pointsStored == static_cast<long>(points.size()))
+        for (std::size_t i = 0; i < points.size(); ++i)
+            coordinates.addNote(points[i].name,
+                                format("LINE:%zu,FILE:%s", lines[i], rawFileName.c_str()));
     appendFormat(table, "\n%s: %ld\n", tr("Points stored"), result.pointsStored);
     if (!warnings.empty())
         table += "\nWarnings:\n" + warnings;

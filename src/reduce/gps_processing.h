@@ -55,8 +55,11 @@ struct GpsProcessResult {
 /// heights' unit) and stores the points, in one bulk write, under their
 /// names with their descriptions. A position that cannot be localized is
 /// reported as a warning and not stored; a file without GPS records stores
-/// nothing and fails.
-GpsProcessResult processGps(const raw::RawFile &file, const geodesy::Localization &localization,
+/// nothing and fails. With the localization's "Create Point Notes" every
+/// stored point gets the note "LINE:n,FILE:name" (its record's line and
+/// `rawFileName`).
+GpsProcessResult processGps(const raw::RawFile &file, const std::string &rawFileName,
+                            const geodesy::Localization &localization,
                             const geodesy::GridProjector &projector,
                             crd::CoordinateFile &coordinates);
 

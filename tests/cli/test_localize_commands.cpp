@@ -91,9 +91,12 @@ TEST_F(LocalizeCli, FitKeepsTheLocalizationAndGpsProcessingUsesIt) {
 
     const auto crd = dir / "site.crd";
     r = runCli({"process", job.string(), "--crd", crd.string(), "--method", "gps", "--localization",
-                loc.string(), "--json"});
+                loc.string(), "--json", "--notes"});
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(nlohmann::json::parse(r.out)["pointsStored"], 5);
+    // Point 9 is the job's tenth line.
+    EXPECT_NE(test::slurp(dir / "site.not").find("LINE:10,FILE:" + job.string()),
+              std::string::npos);
     const auto list = runCli({"crd", "list", crd.string()});
     double x, y, z;
     local(kSite[4], x, y, z);
