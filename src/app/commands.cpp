@@ -220,6 +220,12 @@ void CKELMADlg::dispatch(int id) {
     case cmd::RefreshCoordinates:
         refreshCoordinateGrid();
         return;
+    case cmd::GpsLocalizationReport:
+        localizationCommand();
+        return;
+    case cmd::ProcessGps:
+        processGpsCommand();
+        return;
     default:
         // The other menu entries wait for their features; ids of no
         // entry (separators, 0) do nothing.

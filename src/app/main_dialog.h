@@ -5,6 +5,7 @@
 // a coordinate file copies between that working copy and the user's file.
 #pragma once
 
+#include "app/localization_window.h"
 #include "app/menu_table.h"
 #include "app/report_windows.h"
 #include "app/shell_folders.h"
@@ -101,6 +102,7 @@ public:
     QList<QAction *> actions(int id) const;
     ProcessResultsWindow *processResultsWindow() const { return m_results; }
     TextWindow *textWindow() const { return m_textWindow; }
+    LocalizationWindow *localizationWindow() const { return m_localizationWindow; }
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -158,6 +160,8 @@ private:
     void displayCommand(int id);
     void processCommand(reduce::AdjustMethod method);
     void processSettings();
+    void localizationCommand(); // localization_commands.cpp
+    void processGpsCommand();
     void importRawData(bool tds);
     void startCompanion(const char *name);
     void about();
@@ -189,6 +193,8 @@ private:
     std::unique_ptr<QPrinter> m_printer;
     QPointer<ProcessResultsWindow> m_results;
     QPointer<TextWindow> m_textWindow;
+    QPointer<LocalizationWindow> m_localizationWindow;
+    geodesy::LocalizationSettings m_localizationSettings;
 
     bool m_startupFailed = false;
     bool m_closed = false;

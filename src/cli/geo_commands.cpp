@@ -6,7 +6,9 @@
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
+#include "cli/system_options.h"
 #include "geodesy/datum_shift.h"
+#include "geodesy/epsg.h"
 #include "geodesy/geoid_models.h"
 #include "geodesy/gtx_import.h"
 #include "geodesy/projection.h"
@@ -20,21 +22,9 @@
 
 namespace tramline::cli {
 
-namespace {
-
 using namespace tramline::geodesy;
 
-// How a command names its coordinate system: a zone of a family, or a type
-// with its parameters.
-struct SystemOptions {
-    std::string family, zone, gridZone;
-    bool south = false;
-    int type = -1;
-    std::vector<std::string> params;
-    std::string ellipsoid, towgs84, name, datum;
-    double semiMajorAxis = 0.0, inverseFlattening = 0.0;
-};
-
+// The options that name a coordinate system (see system_options.h).
 void addSystemOptions(CLI::App *cmd, SystemOptions &o) {
     auto *family =
         cmd->add_option("--family", o.family, "Family of predefined systems (name or code)");
@@ -57,10 +47,16 @@ void addSystemOptions(CLI::App *cmd, SystemOptions &o) {
                     "Datum to WGS 84: DX,DY,DZ,RX,RY,RZ,PPM (metres, arc-seconds, ppm)");
     cmd->add_option("--name", o.name, "System name");
     cmd->add_option("--datum", o.datum, "Datum name");
+    auto *epsg = cmd->add_option("--epsg", o.epsg,
+                                 "EPSG code of a projected system in PROJ's database (e.g. 2177)");
     family->needs(zone);
     zone->needs(family);
     family->excludes(type);
+    epsg->excludes(family);
+    epsg->excludes(type);
 }
+
+namespace {
 
 void fail(CommandContext &ctx, const Status &status) {
     ctx.err << status.message << '\n';
@@ -78,11 +74,18 @@ bool parseCsvNumbers(const std::string &text, std::vector<double> &values) {
     return true;
 }
 
+} // namespace
+
 // Builds the system the options name. Bad usage throws CLI's validation
 // error (exit code 2); a system that cannot be built is reported (1).
-bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &cs,
-                 double latitude = kUnset, double longitude = kUnset) {
-    if (!o.family.empty()) {
+bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &cs, double latitude,
+                 double longitude) {
+    if (o.epsg > 0) {
+        if (Status status = systemFromEpsg(o.epsg, cs); !status) {
+            fail(ctx, status);
+            return false;
+        }
+    } else if (!o.family.empty()) {
         const auto family = familyFromName(o.family);
         if (!family)
             throw CLI::ValidationError("--family", "no family " + o.family);
@@ -117,8 +120,8 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
             cs.parameters.setValue(*parameter, value);
         }
     } else {
-        throw CLI::ValidationError("SYSTEM",
-                                   "name a system with --family and --zone, or --type and --param");
+        throw CLI::ValidationError(
+            "SYSTEM", "name a system with --family and --zone, --epsg, or --type and --param");
     }
     if (!o.ellipsoid.empty()) {
         const auto choices = ellipsoidChoices();
@@ -150,6 +153,8 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
         cs.datum = o.datum;
     return true;
 }
+
+namespace {
 
 // A system as the user reads it: names, ellipsoid, shift, type and the
 // labelled parameters of its type.

@@ -10,9 +10,11 @@
 #include "crd/coordinate_file.h"
 #include "geodesy/coordinate_system_family.h"
 #include "geodesy/geoid_models.h"
+#include "geodesy/localization_files.h"
 #include "geodesy/projection.h"
 #include "geodesy/zones.h"
 #include "raw/reader.h"
+#include "reduce/gps_processing.h"
 #include "reduce/processing.h"
 
 #include <nlohmann/json.hpp>
@@ -24,7 +26,7 @@ namespace {
 struct ProcessCliOptions {
     std::string file, crd, method = "none", start, end, closing, closingShot, referenceAzimuth,
                            workdir;
-    std::string family, zone, geoidData;
+    std::string family, zone, geoidData, localization;
     int geoidModel = 0;
     double scale = 1.0;
     bool combinedScale = false, curvature = false, stadia = false, twoD = false,
@@ -33,14 +35,80 @@ struct ProcessCliOptions {
     std::vector<std::string> answers;
 };
 
+// GPS processing is a Process menu command of its own, not a traverse
+// adjustment; the command line takes it as one more method.
+constexpr const char *kGpsMethod = "gps";
+
 std::vector<std::string> methodWords() {
     std::vector<std::string> words;
     for (const auto &m : reduce::adjustMethods())
         words.emplace_back(m.cliWord);
+    words.emplace_back(kGpsMethod);
     return words;
 }
 
+void printReport(const Report &report, long pointsStored, const std::string &error, bool json,
+                 CommandContext &ctx) {
+    if (json) {
+        nlohmann::json tabs = nlohmann::json::array();
+        for (const auto &t : report.tabs())
+            tabs.push_back({{"title", t.title}, {"text", t.text}});
+        nlohmann::json doc = {{"title", report.title()},
+                              {"tabs", tabs},
+                              {"pointsStored", pointsStored},
+                              {"error", error}};
+        ctx.out << doc.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    } else {
+        report.write(ctx.out);
+    }
+}
+
+void runGps(const ProcessCliOptions &o, CommandContext &ctx) {
+    if (o.localization.empty())
+        throw CLI::ValidationError("--localization", "GPS processing needs --localization LOC.dat");
+    const auto failWith = [&ctx](const std::string &message) {
+        ctx.err << message << '\n';
+        ctx.exitCode = kFailure;
+    };
+    geodesy::CoordinateSystem system;
+    geodesy::LocalizationSettings settings;
+    std::vector<geodesy::AlignmentPoint> points;
+    if (Status status = geodesy::loadLocalization(o.localization, system, settings, points);
+        !status)
+        return failWith(status.message);
+    settings.pointNotes = settings.pointNotes || o.notes;
+    geodesy::GeoidFolders folders;
+    folders.dataFolder =
+        o.geoidData.empty() ? settingsFolder() : std::filesystem::path(o.geoidData);
+    geodesy::GeoidModels models(folders);
+    const auto separation = geodesy::separationSource(models, settings.geoidModel);
+    geodesy::Localization localization;
+    geodesy::GridProjector projector;
+    Status status = geodesy::fitLocalization(system, settings, points, separation, localization);
+    if (status)
+        status = projector.open(system, settings, separation);
+    if (!status)
+        return failWith(status.message);
+    raw::RawFile file;
+    if (status = raw::readRawFile(o.file, file); !status)
+        return failWith(statusText(status));
+    ConsoleInteraction ui(ctx.err);
+    crd::CrdContext crdContext;
+    crdContext.messages = &ui;
+    crd::CoordinateFile coordinates(crdContext);
+    if (!coordinates.open(o.crd))
+        return failWith(crd::CoordinateFile::errorText(coordinates.lastError()));
+    const reduce::GpsProcessResult result =
+        reduce::processGps(file, o.file, localization, projector, coordinates);
+    coordinates.close();
+    printReport(result.report, result.pointsStored, result.error, o.json, ctx);
+    if (!result.ok)
+        failWith(result.error);
+}
+
 void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
+    if (o.method == kGpsMethod)
+        return runGps(o, ctx);
     reduce::ProcessOptions options;
     const reduce::AdjustMethodInfo *method = reduce::adjustMethodByCliWord(o.method);
     if (!method || !method->built) {
@@ -165,18 +233,7 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
     reduce::ProcessResult result = reduce::processRaw(file, o.file, coordinates, options, ui);
     coordinates.close();
 
-    if (o.json) {
-        nlohmann::json tabs = nlohmann::json::array();
-        for (const auto &t : result.report.tabs())
-            tabs.push_back({{"title", t.title}, {"text", t.text}});
-        nlohmann::json doc = {{"title", result.report.title()},
-                              {"tabs", tabs},
-                              {"pointsStored", result.pointsStored},
-                              {"error", result.error}};
-        ctx.out << doc.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
-    } else {
-        result.report.write(ctx.out);
-    }
+    printReport(result.report, result.pointsStored, result.error, o.json, ctx);
     if (result.status != reduce::ProcessResult::Status::Done) {
         if (!result.error.empty())
             ctx.err << result.error << '\n';
@@ -190,7 +247,8 @@ void addProcessCommands(CLI::App &app, CommandContext &ctx) {
     auto o = std::make_shared<ProcessCliOptions>();
     auto *cmd = app.add_subcommand(
         "process", "Process a raw file into a coordinate file: no adjustment, angle "
-                   "balance, compass, transit or Crandall; prints the Process Results");
+                   "balance, compass, transit or Crandall, or GPS through a localization; "
+                   "prints the Process Results");
     cmd->add_option("FILE", o->file, "RW5 raw file")->required();
     cmd->add_option("--crd", o->crd,
                     "Coordinate file to store the points in (created when missing)")
@@ -212,6 +270,8 @@ void addProcessCommands(CLI::App &app, CommandContext &ctx) {
     cmd->add_option("--family", o->family,
                     "The job's coordinate system family, for --combined-scale");
     cmd->add_option("--zone", o->zone, "The job's zone of that family, for --combined-scale");
+    cmd->add_option("--localization", o->localization,
+                    "For --method gps: the alignment file that localize fit -o kept");
     cmd->add_option("--geoid", o->geoidModel,
                     "Geoid model code (1 to 78) for the ellipsoid heights; 0 none");
     cmd->add_option("--geoid-data", o->geoidData,
