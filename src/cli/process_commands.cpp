@@ -1,5 +1,6 @@
 // tramline-cli process: the main job, a raw file reduced (and adjusted)
 // into a coordinate file, with the "Process Results" report.
+#include "adjust/lsq_run.h"
 #include "base/folders.h"
 #include "base/format.h"
 #include "base/status_text.h"
@@ -175,7 +176,12 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
                               {"error", result.error}};
         ctx.out << doc.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
     } else {
-        ctx.out << result.report.toText();
+        // The picture is for the desktop program and --plot, not the terminal.
+        Report shown(result.report.title());
+        for (const auto &t : result.report.tabs())
+            if (t.title != adjust::plotTabTitle())
+                shown.append(t.title, t.text);
+        ctx.out << shown.toText();
     }
     if (result.status != reduce::ProcessResult::Status::Done) {
         if (!result.error.empty())

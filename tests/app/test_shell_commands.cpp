@@ -577,8 +577,6 @@ TEST_F(ShellCommandTest, CommandsOfOtherFeaturesSaySoAndUnknownIdsDoNothing) {
         const char *message;
     };
     const Case cases[] = {
-        {cmd::ProcessLeastSquares,
-         "Process (Compute Pts) > Least-Squares: this command is not available yet."},
         {cmd::ExportRawTds, "Tools > Export Raw Data > NY DOT: this command is not available yet."},
         {cmd::ExportRawDgDialog,
          "Tools > Export Raw Data > dgDialog: this command is not available yet."},
