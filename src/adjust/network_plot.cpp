@@ -69,7 +69,13 @@ double ellipseMagnification(const Network &, const Solution &s, const NetworkSta
     const double extent = std::max(f.maxNorth - f.minNorth, f.maxEast - f.minEast);
     if (!(largest > 0.0) || !(extent > 0.0))
         return 1.0;
-    return std::pow(10.0, std::floor(std::log10(extent / 20.0 / largest)));
+    // A round factor (1, 2 or 5 times a power of ten) that a reader can take in.
+    const double target = extent / 20.0 / largest;
+    const double decade = std::pow(10.0, std::floor(std::log10(target)));
+    for (double step : {5.0, 2.0})
+        if (decade * step <= target)
+            return decade * step;
+    return decade;
 }
 
 std::string networkSvg(const Network &network, const Solution &s, const NetworkStatistics &st) {
@@ -83,7 +89,8 @@ std::string networkSvg(const Network &network, const Solution &s, const NetworkS
             if (p >= 0)
                 suspectPoints.insert(p);
     }
-    const double height = kSize - 2 * kMargin + 2 * kMargin + 40;
+    // As tall as the network needs, with room for the legend.
+    const double height = (f.maxNorth - f.minNorth) * f.scale + 2 * kMargin + 30;
     std::string t;
     appendFormat(t,
                  "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"

@@ -13,8 +13,9 @@
 
 namespace tramline::adjust {
 
-/// The magnification of the ellipses: a power of ten that draws the
-/// largest semi-major axis at about a twentieth of the network's extent.
+/// The magnification of the ellipses: the largest round factor (1, 2 or 5
+/// times a power of ten) that draws the largest semi-major axis within a
+/// twentieth of the network's extent.
 double ellipseMagnification(const Network &network, const Solution &solution,
                             const NetworkStatistics &statistics);
 
