@@ -43,20 +43,38 @@ SelectedInverse::SelectedInverse(const Factor &factor) {
     }
     m_diagonal.assign(static_cast<std::size_t>(n), 0.0);
 
+    // For column j with rows R: Z(i, j) = -sum over k in R of L(k, j) Z(i, k).
+    // Z(i, k) for i < k lies in column i at row k: walking column i with a
+    // scatter map of R finds each pair once, and it serves both (i, k) and
+    // (k, i), so no entry is ever searched for.
+    std::vector<int> position(static_cast<std::size_t>(n), -1);
     std::vector<double> scratch;
     for (int j = n - 1; j >= 0; --j) {
         const std::size_t begin = static_cast<std::size_t>(m_start[static_cast<std::size_t>(j)]);
         const std::size_t end = static_cast<std::size_t>(m_start[static_cast<std::size_t>(j) + 1]);
         scratch.assign(end - begin, 0.0);
+        for (std::size_t a = begin; a < end; ++a)
+            position[static_cast<std::size_t>(m_rows[a])] = static_cast<int>(a - begin);
         for (std::size_t a = begin; a < end; ++a) {
-            double sum = 0.0;
-            for (std::size_t b = begin; b < end; ++b)
-                sum += lvalues[b] * permutedAt(m_rows[a], m_rows[b]).value_or(0.0);
-            scratch[a - begin] = -sum;
+            const int i = m_rows[a];
+            const double la = lvalues[a];
+            scratch[a - begin] += la * m_diagonal[static_cast<std::size_t>(i)];
+            const std::size_t cb = static_cast<std::size_t>(m_start[static_cast<std::size_t>(i)]);
+            const std::size_t ce =
+                static_cast<std::size_t>(m_start[static_cast<std::size_t>(i) + 1]);
+            for (std::size_t q = cb; q < ce; ++q) {
+                const int b = position[static_cast<std::size_t>(m_rows[q])];
+                if (b < 0)
+                    continue;
+                const double z = m_values[q]; // Z(k, i), k > i
+                scratch[a - begin] += lvalues[begin + static_cast<std::size_t>(b)] * z;
+                scratch[static_cast<std::size_t>(b)] += la * z;
+            }
         }
         double diag = 1.0 / d[j];
         for (std::size_t a = begin; a < end; ++a) {
-            m_values[a] = scratch[a - begin];
+            position[static_cast<std::size_t>(m_rows[a])] = -1;
+            m_values[a] = -scratch[a - begin];
             diag -= lvalues[a] * m_values[a];
         }
         m_diagonal[static_cast<std::size_t>(j)] = diag;

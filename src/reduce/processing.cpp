@@ -324,9 +324,14 @@ private:
                                                   m_crd.isOpen() ? &m_crd : nullptr, m_ui, data);
             !st)
             return fail(st.message);
-        if (!m_rawName.empty())
-            if (const Status st = adjust::saveLsq(leastSquaresPathFor(m_rawName), data); !st)
+        // The run's observation file goes with its other files into the
+        // working folder, named after the raw file.
+        if (!m_opt.workingFolder.empty() && !m_rawName.empty()) {
+            const auto path = m_opt.workingFolder /
+                              leastSquaresPathFor(std::filesystem::path(m_rawName).filename());
+            if (const Status st = adjust::saveLsq(path, data); !st)
                 return fail(st.message);
+        }
         adjust::LsqRunOptions options;
         options.angleUnit = m_work->units.angle;
         const adjust::LsqRun run = adjust::runLeastSquares(data, options);

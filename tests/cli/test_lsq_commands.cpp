@@ -109,6 +109,7 @@ TEST_F(LsqCli, PrepareWritesBesideTheRawFileAndProcessRunsBothSteps) {
     EXPECT_EQ(r.out.rfind("Process Least-Squares Results\n", 0), 0u);
     EXPECT_NE(r.out.find("Least-Squares\n=============\nLeast-Squares Closure"), std::string::npos);
     EXPECT_EQ(r.out.find("<svg"), std::string::npos) << "the picture is not printed";
+    EXPECT_TRUE(std::filesystem::exists(dir / "work" / "job.lsq"));
     // The same adjusted station from both roads.
     const std::string a = runCli({"crd", "list", crd()}).out;
     const std::string b = runCli({"crd", "list", other}).out;
