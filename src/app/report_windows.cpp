@@ -1,13 +1,17 @@
 #include "app/report_windows.h"
 
+#include "adjust/lsq_run.h"
 #include "app/qt_text.h"
 
 #include <QDialogButtonBox>
 #include <QFontDatabase>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
+#include <QSvgRenderer>
+#include <QSvgWidget>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -28,15 +32,30 @@ QPlainTextEdit *reportView(const QString &text, QWidget *parent) {
     return view;
 }
 
-// Print and Close; `current` gives the text to print when Print is pressed.
+// A picture the core drew as SVG text; the text stays with it for tabText().
+QSvgWidget *plotView(const QString &svg, QWidget *parent) {
+    auto *view = new QSvgWidget(parent);
+    view->load(svg.toUtf8());
+    view->setProperty("svgText", svg);
+    return view;
+}
+
+// Print and Close; `current` gives the text or picture to print when Print is pressed.
 QDialogButtonBox *buttonRow(QDialog *dialog, QPrinter *printer,
-                            std::function<QPlainTextEdit *()> current) {
+                            std::function<QWidget *()> current) {
     auto *buttons = new QDialogButtonBox(dialog);
     QPushButton *print = buttons->addButton(qtr("Print"), QDialogButtonBox::ActionRole);
     QObject::connect(print, &QPushButton::clicked, dialog, [dialog, printer, current] {
         QPrintDialog ask(printer, dialog);
-        if (ask.exec() == QDialog::Accepted)
-            current()->print(printer);
+        if (ask.exec() != QDialog::Accepted)
+            return;
+        QWidget *shown = current();
+        if (auto *text = qobject_cast<QPlainTextEdit *>(shown)) {
+            text->print(printer);
+        } else if (auto *plot = qobject_cast<QSvgWidget *>(shown)) {
+            QPainter painter(printer);
+            plot->renderer()->render(&painter);
+        }
     });
     QPushButton *close = buttons->addButton(qtr("Close"), QDialogButtonBox::RejectRole);
     QObject::connect(close, &QPushButton::clicked, dialog, &QDialog::reject);
@@ -68,18 +87,24 @@ ProcessResultsWindow::ProcessResultsWindow(const Report &report, QPrinter *print
     setAttribute(Qt::WA_DeleteOnClose);
     auto *layout = new QVBoxLayout(this);
     m_tabs = new QTabWidget(this);
-    for (const auto &tab : report.tabs())
-        m_tabs->addTab(reportView(qstr(tab.text), m_tabs), qstr(tab.title));
+    const std::string plot = adjust::plotTabTitle();
+    for (const auto &tab : report.tabs()) {
+        QWidget *view = tab.title == plot ? static_cast<QWidget *>(plotView(qstr(tab.text), m_tabs))
+                                          : reportView(qstr(tab.text), m_tabs);
+        m_tabs->addTab(view, qstr(tab.title));
+    }
     layout->addWidget(m_tabs);
-    layout->addWidget(buttonRow(
-        this, printer, [this] { return static_cast<QPlainTextEdit *>(m_tabs->currentWidget()); }));
+    layout->addWidget(buttonRow(this, printer, [this] { return m_tabs->currentWidget(); }));
     resize(820, 600);
 }
 
 QString ProcessResultsWindow::tabText(const QString &title) const {
     for (int i = 0; i < m_tabs->count(); ++i)
-        if (m_tabs->tabText(i) == title)
-            return static_cast<QPlainTextEdit *>(m_tabs->widget(i))->toPlainText();
+        if (m_tabs->tabText(i) == title) {
+            if (auto *text = qobject_cast<QPlainTextEdit *>(m_tabs->widget(i)))
+                return text->toPlainText();
+            return m_tabs->widget(i)->property("svgText").toString();
+        }
     return {};
 }
 

@@ -28,14 +28,16 @@ private:
 };
 
 /// "Process Results": one tab per tab of the report, titled after the
-/// report ("Process Compass Results").
+/// report ("Process Compass Results"). The "Plot" tab's text is SVG and is
+/// shown as the picture.
 class ProcessResultsWindow : public QDialog {
     Q_OBJECT
 public:
     /// Print prints the tab on show.
     ProcessResultsWindow(const Report &report, QPrinter *printer, QWidget *parent = nullptr);
     QTabWidget *tabs() const { return m_tabs; }
-    /// The text of the tab with this (translated) title; empty when none.
+    /// The text of the tab with this (translated) title (the SVG text of a
+    /// picture); empty when none.
     QString tabText(const QString &title) const;
 
 private:

@@ -21,6 +21,7 @@ int run(const std::vector<std::string> &args, std::ostream &out, std::ostream &e
     addCrdCommands(app, context);
     addGeoCommands(app, context);
     addLocalizeCommands(app, context);
+    addLsqCommands(app, context);
 
     std::vector<std::string> reversed(args.rbegin(), args.rend());
     return runGuarded(

@@ -20,5 +20,6 @@ void addProcessCommands(CLI::App &app, CommandContext &context);
 void addCrdCommands(CLI::App &app, CommandContext &context);
 void addGeoCommands(CLI::App &app, CommandContext &context);
 void addLocalizeCommands(CLI::App &app, CommandContext &context);
+void addLsqCommands(CLI::App &app, CommandContext &context);
 
 } // namespace tramline::cli

@@ -1,5 +1,6 @@
 // tramline-cli process: the main job, a raw file reduced (and adjusted)
 // into a coordinate file, with the "Process Results" report.
+#include "adjust/lsq_run.h"
 #include "base/folders.h"
 #include "base/format.h"
 #include "base/status_text.h"
@@ -47,6 +48,13 @@ std::vector<std::string> methodWords() {
     return words;
 }
 
+bool hasPicture(const Report &report) {
+    for (const auto &t : report.tabs())
+        if (t.title == adjust::plotTabTitle())
+            return true;
+    return false;
+}
+
 void printReport(const Report &report, long pointsStored, const std::string &error, bool json,
                  CommandContext &ctx) {
     if (json) {
@@ -58,8 +66,15 @@ void printReport(const Report &report, long pointsStored, const std::string &err
                               {"pointsStored", pointsStored},
                               {"error", error}};
         ctx.out << doc.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
-    } else {
+    } else if (!hasPicture(report)) {
         report.write(ctx.out);
+    } else {
+        // The picture is for the desktop program and --plot, not the terminal.
+        Report shown(report.title());
+        for (const auto &t : report.tabs())
+            if (t.title != adjust::plotTabTitle())
+                shown.append(t.title, t.text);
+        shown.write(ctx.out);
     }
 }
 

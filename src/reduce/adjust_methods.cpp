@@ -20,7 +20,7 @@ constexpr AdjustMethodInfo kMethods[] = {
     {AdjustMethod::Transit, trNoop("Transit"), trNoop("Process Transit Results"),
      trNoop("Transit Closure"), "transit", 41, 27, true},
     {AdjustMethod::LeastSquares, trNoop("Least-Squares"), trNoop("Process Least-Squares Results"),
-     "", "least-squares", 32814, 30, false},
+     "", "least-squares", 32814, 30, true},
 };
 
 } // namespace

@@ -8,6 +8,7 @@
 // that sideshots and later set-ups follow the adjusted stations.
 #include "reduce/processing.h"
 
+#include "adjust/lsq_run.h"
 #include "base/angles.h"
 #include "base/format.h"
 #include "base/translation.h"
@@ -15,6 +16,7 @@
 #include "raw/validate.h"
 #include "reduce/angle_balance.h"
 #include "reduce/direct_reverse.h"
+#include "reduce/lsq_prepare.h"
 #include "reduce/point_computation.h"
 #include "reduce/point_store.h"
 #include "reduce/process_report.h"
@@ -24,6 +26,7 @@
 #include "reduce/traverse_selection.h"
 
 #include <cmath>
+#include <unordered_map>
 
 namespace tramline::reduce {
 
@@ -50,7 +53,7 @@ public:
             if (directReverse()) {
                 for (const auto &w : raw::validateRaw(*m_work, m_opt.heights))
                     m_warnings.push_back(w);
-                if ((!adjusting() || closingShot()) && measure())
+                if ((!adjusting() || leastSquares() || closingShot()) && measure())
                     write();
             }
         }
@@ -59,6 +62,7 @@ public:
 
 private:
     bool adjusting() const { return m_opt.method != AdjustMethod::None; }
+    bool leastSquares() const { return m_opt.method == AdjustMethod::LeastSquares; }
     bool balancing() const {
         return m_opt.method == AdjustMethod::AngleBalance || (adjusting() && m_opt.angleBalance);
     }
@@ -106,7 +110,7 @@ private:
     }
 
     bool traversePoints() {
-        if (!adjusting())
+        if (!adjusting() || leastSquares())
             return true;
         auto choice = chooseTraversePoints(m_file, m_opt, m_ui);
         if (!choice)
@@ -242,6 +246,8 @@ private:
             return true;
         }
 
+        if (leastSquares())
+            return adjustLeastSquares(pass);
         if (!closure(pass))
             return false;
         const bool balance = balancing();
@@ -317,6 +323,55 @@ private:
         m_sideshots = m_files.through("sideshot.tmp", std::move(text));
         if (!m_opt.reportSideshots)
             std::string().swap(m_sideshots);
+    }
+
+    // The network of every shot, adjusted by least squares; then the final
+    // pass with the adjusted points held fixed, so that sideshots follow.
+    bool adjustLeastSquares(const PassResult &pass) {
+        adjust::LsqData data;
+        if (const Status st = collectLeastSquares(*m_work, pass, m_opt,
+                                                  m_crd.isOpen() ? &m_crd : nullptr, m_ui, data);
+            !st)
+            return fail(st.message);
+        // The run's observation file goes with its other files into the
+        // working folder, named after the raw file.
+        if (!m_opt.workingFolder.empty() && !m_rawName.empty()) {
+            const auto path = m_opt.workingFolder /
+                              leastSquaresPathFor(std::filesystem::path(m_rawName).filename());
+            if (const Status st = adjust::saveLsq(path, data); !st)
+                return fail(st.message);
+        }
+        adjust::LsqRunOptions options;
+        options.angleUnit = m_work->units.angle;
+        const adjust::LsqRun run = adjust::runLeastSquares(data, options);
+        adjust::addLeastSquaresTabs(run, m_result.report);
+        if (!run.status)
+            return fail(run.status.message);
+        if (!run.shiftWarning.empty())
+            m_warnings.push_back(run.shiftWarning);
+        PassInput in = passInput();
+        std::unordered_map<std::string, const TraversePoint *> latest;
+        for (const auto &c : pass.points)
+            latest[c.point.name] = &c.point;
+        for (std::size_t p = 0; p < run.network.points.size(); ++p) {
+            const auto &point = run.network.points[p];
+            if (point.control)
+                continue;
+            TraversePoint fixed;
+            if (const auto it = latest.find(point.name); it != latest.end())
+                fixed = *it->second;
+            fixed.name = point.name;
+            fixed.north = run.solution.north[p];
+            fixed.east = run.solution.east[p];
+            in.fixed[point.name] = fixed;
+            m_adjusted.insert(point.name);
+        }
+        if (m_opt.reportUnadjusted)
+            m_result.report.append(tr("Unadjusted Points"), pointList(pass));
+        if (!runPass(in, m_final))
+            return false;
+        keepSideshots(std::move(m_final.sideshots));
+        return true;
     }
 
     void write() {

@@ -11,10 +11,16 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QHeaderView>
+#include <QImage>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPushButton>
+#include <QSvgRenderer>
+#include <QSvgWidget>
 #include <QTabWidget>
 #include <QTableView>
+
+#include <cstdlib>
 
 using namespace tramline;
 using namespace tramline::app;
@@ -546,6 +552,42 @@ TEST_F(ShellCommandTest, EveryMethodRunsOnTheExample) {
     }
 }
 
+// Process > Least-Squares: the results window with the report, the
+// statistics and the picture, and the adjusted points in the grid.
+TEST_F(ShellCommandTest, LeastSquaresShowsItsTabsAndPicture) {
+    auto d = startWithExample();
+    shell = {};
+    d->dispatch(cmd::ProcessLeastSquares);
+    auto *window = d->processResultsWindow();
+    ASSERT_NE(window, nullptr) << (shell.messages.empty() ? "" : shell.messages.front());
+    EXPECT_EQ(window->windowTitle().toStdString(), "Process Least-Squares Results");
+    EXPECT_NE(window->tabText("Least-Squares").indexOf("Solution Converged in"), -1);
+    EXPECT_NE(window->tabText("Statistics").indexOf("Data Snooping"), -1);
+    QSvgWidget *plot = nullptr;
+    for (int i = 0; i < window->tabs()->count(); ++i)
+        if (window->tabs()->tabText(i) == "Plot")
+            plot = qobject_cast<QSvgWidget *>(window->tabs()->widget(i));
+    ASSERT_NE(plot, nullptr);
+    ASSERT_TRUE(plot->renderer()->isValid());
+    // The picture draws something: some pixels are not the white ground.
+    QImage image(400, 420, QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    plot->renderer()->render(&painter);
+    painter.end();
+    int inked = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            inked += image.pixel(x, y) != qRgb(255, 255, 255);
+    EXPECT_GT(inked, 500);
+    if (const char *keep = std::getenv("TRAMLINE_KEEP_PLOT"))
+        image.save(QString::fromUtf8(keep));
+    EXPECT_GE(d->coordinateModel()->rowCount(), 14);
+    const int row = d->coordinateModel()->rowOf("2");
+    ASSERT_GE(row, 0);
+    EXPECT_NEAR(d->coordinateModel()->points()[static_cast<size_t>(row)].northing, 5412.33, 0.05);
+}
+
 // The method table lives below the desktop program and keeps its menu ids
 // as numbers; each must be the Process menu's entry of that method.
 TEST(MethodTable, MenuIdsAreTheProcessMenusEntries) {
@@ -577,8 +619,6 @@ TEST_F(ShellCommandTest, CommandsOfOtherFeaturesSaySoAndUnknownIdsDoNothing) {
         const char *message;
     };
     const Case cases[] = {
-        {cmd::ProcessLeastSquares,
-         "Process (Compute Pts) > Least-Squares: this command is not available yet."},
         {cmd::ExportRawTds, "Tools > Export Raw Data > NY DOT: this command is not available yet."},
         {cmd::ExportRawDgDialog,
          "Tools > Export Raw Data > dgDialog: this command is not available yet."},

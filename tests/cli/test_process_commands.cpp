@@ -84,14 +84,6 @@ TEST_F(ProcessCli, BadUsageAndFailures) {
         runCli({"process", (dir / "none.rw5").string(), "--crd", (dir / "x.crd").string()});
     EXPECT_EQ(missing.code, 1);
     EXPECT_EQ(missing.err, "Error: unable to read raw file\n");
-    // A method of the table that is not built yet says so and creates no file.
-    const Result notBuilt =
-        runCli(process({"--method", "least-squares", "--start", "1", "--end", "1"}));
-    EXPECT_EQ(notBuilt.code, 1);
-    EXPECT_NE(notBuilt.err.find("Least-Squares: this command is not available yet."),
-              std::string::npos)
-        << notBuilt.err;
-    EXPECT_FALSE(std::filesystem::exists(dir / "job.crd"));
     const Result help = runCli({"process", "--help"});
     EXPECT_EQ(help.code, 0);
     EXPECT_NE(help.out.find("--closing-shot"), std::string::npos);

@@ -21,13 +21,14 @@ TEST(AdjustMethods, WordsAndMenuIdsFindTheirMethod) {
     EXPECT_EQ(adjustMethodByMenuCommand(32821), nullptr); // Process > GPS is no adjustment
 }
 
-TEST(AdjustMethods, AMethodNotBuiltSaysSoAndWritesNothing) {
+// A least-squares run without observations fails before anything is stored.
+TEST(AdjustMethods, AFailedLeastSquaresRunWritesNothing) {
     test::ProcessRun run;
     ProcessOptions options;
     options.method = AdjustMethod::LeastSquares;
     const ProcessResult r = run.run("SP,PN1,N 1000,E 1000,EL10,--\n", options);
     EXPECT_EQ(r.status, ProcessResult::Status::Failed);
-    EXPECT_EQ(r.error, "Least-Squares: this command is not available yet.");
+    EXPECT_EQ(r.error, "Error: no least-squares data found. Run Prepare Least-Squares Data.");
     EXPECT_TRUE(run.coordinates->highestName().empty());
 }
 
