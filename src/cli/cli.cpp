@@ -20,6 +20,7 @@ int run(const std::vector<std::string> &args, std::ostream &out, std::ostream &e
     addProcessCommands(app, context);
     addCrdCommands(app, context);
     addGeoCommands(app, context);
+    addConvertCommands(app, context);
 
     std::vector<std::string> reversed(args.rbegin(), args.rend());
     return runGuarded(

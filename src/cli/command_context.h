@@ -19,5 +19,6 @@ void addRawCommands(CLI::App &app, CommandContext &context);
 void addProcessCommands(CLI::App &app, CommandContext &context);
 void addCrdCommands(CLI::App &app, CommandContext &context);
 void addGeoCommands(CLI::App &app, CommandContext &context);
+void addConvertCommands(CLI::App &app, CommandContext &context);
 
 } // namespace tramline::cli
