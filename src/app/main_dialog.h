@@ -159,6 +159,11 @@ private:
     void processCommand(reduce::AdjustMethod method);
     void processSettings();
     void importRawData(bool tds);
+    // converters (convert_commands.cpp)
+    void importRawFormat(const char *menuName);
+    void exportRawFormat(const char *menuName);
+    void importTextPoints();
+    void exportTextPoints();
     void startCompanion(const char *name);
     void about();
 

@@ -30,6 +30,12 @@ Status runExport(ExportFunction exporter, const std::filesystem::path &rawFile,
                                    reader.lineNumber());
         }
     }
+    return runExport(exporter, lines, destination, options, ui, out);
+}
+
+Status runExport(ExportFunction exporter, const std::vector<std::string> &lines,
+                 const std::filesystem::path &destination, const ExportOptions &options,
+                 Interaction &ui, ExportOutput &out) {
     if (Status made = exporter(lines, options, ui, out); !made)
         return made;
     if (!saveTextAtomically(destination, out.bytes)) {

@@ -18,4 +18,10 @@ Status runExport(ExportFunction exporter, const std::filesystem::path &rawFile,
                  const std::filesystem::path &destination, const ExportOptions &options,
                  Interaction &ui, ExportOutput &out);
 
+/// The same from RW5 lines in memory (without line ends): the desktop
+/// program exports the raw grid as it stands.
+Status runExport(ExportFunction exporter, const std::vector<std::string> &rawLines,
+                 const std::filesystem::path &destination, const ExportOptions &options,
+                 Interaction &ui, ExportOutput &out);
+
 } // namespace tramline::convert

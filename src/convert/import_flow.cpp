@@ -54,11 +54,13 @@ Status runImport(ImportFunction convert, const ImportPaths &paths, Interaction &
 
     // The coordinate file is opened before the destination is written, so
     // that a refused coordinate file leaves no converted file behind.
-    crd::CoordinateFile file(crd::CrdContext{&ui, {}, {}});
+    crd::CoordinateFile own(crd::CrdContext{&ui, {}, {}});
+    crd::CoordinateFile &file = paths.openCoordinateFile ? *paths.openCoordinateFile : own;
     std::error_code ec;
     const bool crdExisted =
         !paths.coordinateFile.empty() && std::filesystem::exists(paths.coordinateFile, ec);
-    if (!paths.coordinateFile.empty() && !file.open(paths.coordinateFile))
+    if (!paths.openCoordinateFile && !paths.coordinateFile.empty() &&
+        !file.open(paths.coordinateFile))
         return fail(ui, format(tr("Error: unable to open coordinate file %s"),
                                paths.coordinateFile.string().c_str()));
 
@@ -66,8 +68,8 @@ Status runImport(ImportFunction convert, const ImportPaths &paths, Interaction &
     for (const auto &line : out.lines)
         text += line;
     if (!saveTextAtomically(paths.destination, text)) {
-        if (file.isOpen()) {
-            file.close();
+        if (own.isOpen()) {
+            own.close();
             if (!crdExisted)
                 std::filesystem::remove(paths.coordinateFile, ec);
         }
@@ -81,7 +83,7 @@ Status runImport(ImportFunction convert, const ImportPaths &paths, Interaction &
     if (file.isOpen()) {
         summary.pointsStored = writeImportedPoints(file, out.points, summary.report);
         summary.pointsRefused = long(out.points.size()) - summary.pointsStored;
-        file.close();
+        own.close();
     }
     if (!out.completion.empty())
         ui.message(out.completion);

@@ -29,6 +29,9 @@ struct ImportPaths {
     std::filesystem::path source;
     std::filesystem::path destination;
     std::filesystem::path coordinateFile; ///< empty: points are not written
+    /// A coordinate file the program holds open for update: used instead of
+    /// opening `coordinateFile` (the desktop program's working file).
+    crd::CoordinateFile *openCoordinateFile = nullptr;
 };
 
 /// What a finished import did, for the summary line and the report.
