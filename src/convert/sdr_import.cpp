@@ -13,6 +13,9 @@
 // - 13 "TS" time stamps become "--DT"/"--TM" notes, 13 "AT" notes
 //   "--Atmospheric Correction:"; 25, 26 and 57 carry coordinates at the
 //   columns of an 08 record, 57 its target height after them;
+// - backsight set lines end in an empty note field ("BD,...,SD%.3f,--"),
+//   as every observation record does, so that the strict classifier and
+//   the reader take them as observations;
 // - the job line takes date and time from the header, the note after it
 //   names the program that wrote the file, and a mode line follows with
 //   the file's distance unit (angles are always written in ddd.mmss).
@@ -388,7 +391,7 @@ void SdrImport::writeReading(const Reading &shot, SetRole role) {
     switch (role) {
     case SetRole::BD:
         emit(heightLine);
-        emit(format("BD,OP%s,FP%s,AR%s,ZE%s,SD%.3f\n", op, fp, ha.c_str(), ze.c_str(),
+        emit(format("BD,OP%s,FP%s,AR%s,ZE%s,SD%.3f,--\n", op, fp, ha.c_str(), ze.c_str(),
                     shot.distance));
         return;
     case SetRole::FD:
@@ -400,7 +403,7 @@ void SdrImport::writeReading(const Reading &shot, SetRole role) {
         return;
     case SetRole::BR:
         emit(heightLine);
-        emit(format("BR,OP%s,FP%s,AR%s,ZE%s,SD%.3f\n", op, fp, ha.c_str(), ze.c_str(),
+        emit(format("BR,OP%s,FP%s,AR%s,ZE%s,SD%.3f,--\n", op, fp, ha.c_str(), ze.c_str(),
                     shot.distance));
         return;
     case SetRole::Single:

@@ -3,6 +3,7 @@
 #include "base/text.h"
 
 #include <charconv>
+#include <cmath>
 
 namespace tramline::convert::sdr {
 
@@ -46,7 +47,8 @@ double number(std::string_view record, std::size_t start, std::size_t width, boo
         text.remove_prefix(1);
     double value = 0.0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    const bool ok = error == std::errc() && end != text.data();
+    // "nan" and "inf" are no field values: a broken record reads as empty.
+    const bool ok = error == std::errc() && end != text.data() && std::isfinite(value);
     if (present)
         *present = ok;
     return ok ? value : 0.0;

@@ -5,6 +5,7 @@
 #include "base/translation.h"
 
 #include <charconv>
+#include <cmath>
 
 namespace tramline::convert {
 
@@ -22,7 +23,7 @@ bool leadingNumber(std::string_view text, double &value) {
     if (!text.empty() && text.front() == '+')
         text.remove_prefix(1);
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return error == std::errc() && end != text.data();
+    return error == std::errc() && end != text.data() && std::isfinite(value);
 }
 
 // The next field of the line: up to the delimiter, or, for a blank

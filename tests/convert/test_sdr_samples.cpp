@@ -3,6 +3,7 @@
 // records; observations the 09, 11 and 16 records plus one azimuth
 // sideshot for every 07 backsight that names its point and azimuth.
 #include "convert_test_support.h"
+#include "raw/classify.h"
 
 #include <set>
 
@@ -40,6 +41,13 @@ TEST_P(SdrSample, ImportsEveryPointAndObservation) {
     EXPECT_EQ(shots, c.observations) << "every observation counted is a shot line";
     EXPECT_EQ(long(linesStarting(out, "SP,").size()), c.points);
     ASSERT_TRUE(out.lines.front().starts_with("JB,NM"));
+    // Every record written is one the strict classifier accepts.
+    raw::RawFields fields;
+    for (const auto &line : out.lines)
+        EXPECT_NE(raw::ClassifyRawLine(std::string_view(line).substr(0, line.size() - 1),
+                                       raw::JobRecords::Recognised, fields),
+                  raw::kUnrecognised)
+            << line;
 
     bool found = false;
     for (const auto &p : out.points)

@@ -70,6 +70,7 @@ TEST(TextPointLine, FieldsKeepTheirPlace) {
         {"P,N,E,Z,D", "T3,1,2,3,x", N, false, "", 0, 0, 0, ""}, // numeric files need numbers
         {"P,N,E,Z,D", "Point,Northing,Easting,Elev,Desc", A, false, "", 0, 0, 0, ""},
         {"P,N,E,Z,D", "SETUP SN      1000", A, false, "", 0, 0, 0, ""},
+        {"P,N,E,Z", "5,nan,1,2", N, false, "", 0, 0, 0, ""}, // never a coordinate
     };
     for (const auto &c : cases) {
         PointColumns columns;
