@@ -164,20 +164,21 @@ TEST(SdrFaceSets, GroupingRule) {
     const Case cases[] = {
         {"face 1 then face 2",
          {bs1, a1, b1, b2, a2, bs2},
-         {{0, BD}, {1, FD}, {2, FD}, {3, FR}, {4, FR}, {5, BR}}},
+         {{0, BD}, {1, FD}, {4, FR}, {5, BR}, {0, BD}, {2, FD}, {3, FR}, {5, BR}}},
         {"both faces per target",
          {bs1, bs2, a1, a2, b1, b2},
-         {{0, BD}, {2, FD}, {4, FD}, {3, FR}, {5, FR}, {1, BR}}},
+         {{0, BD}, {2, FD}, {3, FR}, {1, BR}, {0, BD}, {4, FD}, {5, FR}, {1, BR}}},
         {"no face-2 backsight", {bs1, a1, a2}, {{0, Single}, {1, Single}, {2, Single}}},
+        {"no pair", {bs1, a1, b2, bs2}, {{0, Single}, {1, Single}, {2, Single}, {3, Single}}},
         {"reading before the round",
          {a1, bs1, a1, a2, bs2},
          {{0, Single}, {1, BD}, {2, FD}, {3, FR}, {4, BR}}},
         {"two rounds",
          {bs1, a1, a2, bs2, bs1, b1, b2, bs2},
          {{0, BD}, {1, FD}, {2, FR}, {3, BR}, {4, BD}, {5, FD}, {6, FR}, {7, BR}}},
-        {"second face-2 backsight",
-         {bs1, a1, a2, bs2, bs2},
-         {{0, BD}, {1, FD}, {2, FR}, {3, BR}, {4, Single}}},
+        {"repeated target, extra readings",
+         {bs1, a1, a1, a2, bs2, bs2, b1},
+         {{0, BD}, {1, FD}, {3, FR}, {4, BR}, {2, Single}, {5, Single}, {6, Single}}},
     };
     for (const auto &c : cases) {
         const auto placed = convert::sdr::groupFaceReadings(c.readings, "BS");

@@ -67,8 +67,9 @@ INSTANTIATE_TEST_SUITE_P(
         SampleCase{"20151125.sdr", 7, 6, 15, "KRYSHA", 14783.699, 6463.655, 223.327},
         SampleCase{"20151130.sdr", 6, 5, 22, "STLEV", 15102.106, 6594.363, 163.403},
         SampleCase{"20151204.sdr", 5, 4, 11, "STLEV", 15102.106, 6594.363, 163.403},
-        // Stations without coordinates; 36 face-1 and 36 face-2 readings.
-        SampleCase{"20210205-3st.sdr", 6, 6, 72, "MM9", 481029.3597, 1321592.0102, 0.0},
+        // Stations without coordinates; 36 face-1 and 36 face-2 readings:
+        // 3 backsight pairs and 33 foresight pairs, a set of four lines each.
+        SampleCase{"20210205-3st.sdr", 6, 6, 132, "MM9", 481029.3597, 1321592.0102, 0.0},
         SampleCase{"data.sdr", 3, 3, 0, "Punkt8", 2.987, 8.123, 3.667},
         // The SDR-2x layout: 4-byte names and 10-byte numbers.
         SampleCase{"example.sdr", 10, 6, 85, "1000", 29.1755686, -4.0095257, 0.00963371},
@@ -92,9 +93,10 @@ TEST(SdrSampleFile, OfAnotherFormatIsRefusedWithoutAQuestion) {
 TEST(SdrSampleFile, FaceReadingsOfThreeStationsFormSets) {
     TRAMLINE_REQUIRE_SAMPLES();
     const auto out = importSdrBytes(readBytes(samplePath("sdr/20210205-3st.sdr")));
-    // Each station opens with a reading to its first target in both faces.
-    EXPECT_EQ(linesStarting(out, "BD,").size(), 3u);
-    EXPECT_EQ(linesStarting(out, "BR,").size(), 3u);
+    // Each station's first target is its backsight; every other target
+    // measured in both faces gives one set.
+    EXPECT_EQ(linesStarting(out, "BD,").size(), 33u);
+    EXPECT_EQ(linesStarting(out, "BR,").size(), 33u);
     EXPECT_EQ(linesStarting(out, "FD,").size(), 33u);
     EXPECT_EQ(linesStarting(out, "FR,").size(), 33u);
     EXPECT_TRUE(linesStarting(out, "SS,").empty());
