@@ -64,10 +64,12 @@ Status runImport(ImportFunction convert, const ImportPaths &paths, Interaction &
         return fail(ui, format(tr("Error: unable to open coordinate file %s"),
                                paths.coordinateFile.string().c_str()));
 
-    std::string text;
-    for (const auto &line : out.lines)
-        text += line;
-    if (!saveTextAtomically(paths.destination, text)) {
+    const bool saved = saveAtomically(paths.destination, [&out](std::ostream &stream) {
+        for (const auto &line : out.lines)
+            stream.write(line.data(), std::streamsize(line.size()));
+        return bool(stream);
+    });
+    if (!saved) {
         if (own.isOpen()) {
             own.close();
             if (!crdExisted)

@@ -100,6 +100,7 @@ private:
 };
 
 void SdrImport::run() {
+    m_out.lines.reserve(m_source.size() + 8);
     m_date = m_header.date;
     m_time = m_header.time;
     for (std::size_t i = 0; i < m_source.size();)

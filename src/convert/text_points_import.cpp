@@ -77,21 +77,31 @@ Status parseCoordinateOrder(std::string_view text, PointColumns &columns) {
 
 bool readPointLine(std::string_view line, const PointColumns &columns, PointNames names,
                    crd::CrdPoint &point) {
-    std::string text(line);
-    for (char &c : text)
-        if (c == '\t')
-            c = columns.delimiter;
-    if (columns.delimiter == ',') {
-        // Empty fields keep their place.
-        for (std::size_t at; (at = text.find(",,")) != std::string::npos;)
-            text.insert(at + 1, " ");
+    // Most lines need neither change: they are read where they lie.
+    std::string changed;
+    if (line.find('\t') != std::string_view::npos ||
+        (columns.delimiter == ',' && line.find(",,") != std::string_view::npos)) {
+        changed.assign(line);
+        for (char &c : changed)
+            if (c == '\t')
+                c = columns.delimiter;
+        if (columns.delimiter == ',') {
+            // Empty fields keep their place.
+            for (std::size_t at; (at = changed.find(",,")) != std::string::npos;)
+                changed.insert(at + 1, " ");
+        }
+        line = changed;
     }
-    point = crd::CrdPoint{};
-    std::string_view rest = text;
+    point.name.clear();
+    point.description.clear();
+    point.code.clear();
+    point.locked = 0;
+    point.northing = point.easting = point.elevation = 0.0;
+    std::string_view rest = line;
     bool named = false, hasCoordinate = false;
     for (const char letter : columns.letters) {
         if (letter == 'D') {
-            point.description = std::string(trim(rest));
+            point.description.assign(trim(rest));
             rest = {};
             continue;
         }
@@ -101,7 +111,7 @@ bool readPointLine(std::string_view line, const PointColumns &columns, PointName
             continue;
         if (letter == 'P') {
             if (names == PointNames::Alphanumeric) {
-                point.name = std::string(trim(field).substr(0, crd::kMaxPointText));
+                point.name.assign(trim(field).substr(0, crd::kMaxPointText));
             } else {
                 double number = 0.0;
                 if (leadingNumber(field, number) && number >= 1.0 && number < 2147483648.0)
@@ -134,7 +144,7 @@ Status readTextPoints(std::istream &in, const PointColumns &columns, PointNames 
             continue;
         ++read.lines;
         if (readPointLine(line, columns, names, point))
-            read.points.push_back(std::move(point));
+            read.points.push_back(point);
         else
             ++read.notPoints;
     }
