@@ -54,7 +54,16 @@ convert::ImportOutput throughSdr(const convert::ImportOutput &first, const char 
     return importSdrBytes(exported.bytes);
 }
 
-class SdrRoundTrip : public ::testing::TestWithParam<std::pair<const char *, const char *>> {};
+struct RoundTripCase {
+    const char *file;
+    const char *layout;
+};
+
+void PrintTo(const RoundTripCase &c, std::ostream *os) {
+    *os << c.file << " as " << c.layout;
+}
+
+class SdrRoundTrip : public ::testing::TestWithParam<RoundTripCase> {};
 
 TEST_P(SdrRoundTrip, GivesTheSameObservationsAndPoints) {
     TRAMLINE_REQUIRE_SAMPLES();
@@ -88,15 +97,18 @@ TEST_P(SdrRoundTrip, GivesTheSameObservationsAndPoints) {
     EXPECT_EQ(throughSdr(second, layout).lines.size(), second.lines.size());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Samples, SdrRoundTrip,
-    ::testing::Values(std::pair{"20151125.sdr", "sdr33"}, std::pair{"20151130.sdr", "sdr33"},
-                      std::pair{"20151204.sdr", "sdr33"}, std::pair{"20210205-3st.sdr", "sdr33"},
-                      std::pair{"data.sdr", "sdr33"}, std::pair{"example.sdr", "sdr2x"},
-                      std::pair{"example.sdr", "sdr33"}, std::pair{"sokkia_sdr33.tops", "sdr33"},
-                      std::pair{"sokkia_sdr33_polar.tops", "sdr33"},
-                      std::pair{"spectra-focus6/1.sdr", "sdr33"},
-                      std::pair{"spectra-focus6/2.sdr", "sdr33"}));
+INSTANTIATE_TEST_SUITE_P(Samples, SdrRoundTrip,
+                         ::testing::Values(RoundTripCase{"20151125.sdr", "sdr33"},
+                                           RoundTripCase{"20151130.sdr", "sdr33"},
+                                           RoundTripCase{"20151204.sdr", "sdr33"},
+                                           RoundTripCase{"20210205-3st.sdr", "sdr33"},
+                                           RoundTripCase{"data.sdr", "sdr33"},
+                                           RoundTripCase{"example.sdr", "sdr2x"},
+                                           RoundTripCase{"example.sdr", "sdr33"},
+                                           RoundTripCase{"sokkia_sdr33.tops", "sdr33"},
+                                           RoundTripCase{"sokkia_sdr33_polar.tops", "sdr33"},
+                                           RoundTripCase{"spectra-focus6/1.sdr", "sdr33"},
+                                           RoundTripCase{"spectra-focus6/2.sdr", "sdr33"}));
 
 TEST(SdrExport, HeaderJobAndUnitsAsInstrumentsExpect) {
     struct Case {
