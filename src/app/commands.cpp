@@ -194,6 +194,18 @@ void CKELMADlg::dispatch(int id) {
     case cmd::ImportRawTds:
         importRawData(true);
         return;
+    case cmd::ImportRawSokkia:
+        importRawFormat("Sokkia/SDR");
+        return;
+    case cmd::ExportRawSokkia:
+        exportRawFormat("Sokkia/SDR");
+        return;
+    case cmd::ImportPointsText:
+        importTextPoints();
+        return;
+    case cmd::ExportPointsText:
+        exportTextPoints();
+        return;
     case cmd::ImageTramline:
         startCompanion("imagery");
         return;

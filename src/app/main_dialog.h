@@ -163,6 +163,11 @@ private:
     void localizationCommand(); // localization_commands.cpp
     void processGpsCommand();
     void importRawData(bool tds);
+    // converters (convert_commands.cpp)
+    void importRawFormat(const char *menuName);
+    void exportRawFormat(const char *menuName);
+    void importTextPoints();
+    void exportTextPoints();
     void startCompanion(const char *name);
     void about();
 

@@ -22,6 +22,7 @@ int run(const std::vector<std::string> &args, std::ostream &out, std::ostream &e
     addGeoCommands(app, context);
     addLocalizeCommands(app, context);
     addLsqCommands(app, context);
+    addConvertCommands(app, context);
 
     std::vector<std::string> reversed(args.rbegin(), args.rend());
     return runGuarded(

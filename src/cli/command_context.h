@@ -21,5 +21,6 @@ void addCrdCommands(CLI::App &app, CommandContext &context);
 void addGeoCommands(CLI::App &app, CommandContext &context);
 void addLocalizeCommands(CLI::App &app, CommandContext &context);
 void addLsqCommands(CLI::App &app, CommandContext &context);
+void addConvertCommands(CLI::App &app, CommandContext &context);
 
 } // namespace tramline::cli

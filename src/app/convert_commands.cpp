@@ -1,0 +1,133 @@
+// The menu's converters: Import Raw Data and Export Raw Data > Sokkia/SDR,
+// and the text entries of Import and Export Point Data. They run the same
+// core code as tramline-cli; titles and filters come from the registry.
+#include "app/coordinate_grid_model.h"
+#include "app/main_dialog.h"
+#include "app/raw_grid_model.h"
+#include "app/shell_prompts.h"
+#include "base/format.h"
+#include "base/text.h"
+#include "base/translation.h"
+#include "convert/export_flow.h"
+#include "convert/import_flow.h"
+#include "convert/registry.h"
+#include "convert/text_points_flow.h"
+#include "crd/coordinate_file.h"
+
+#include <algorithm>
+#include <fstream>
+
+namespace tramline::app {
+
+using convert::FormatKind;
+
+namespace {
+
+const char *const kOk = trNoop("OK");
+const char *const kCancelButton = trNoop("Cancel");
+
+} // namespace
+
+void CKELMADlg::importRawFormat(const char *menuName) {
+    const convert::FormatEntry *entry = convert::findFormatByMenu(FormatKind::RawImport, menuName);
+    if (!entry || !entry->built || !confirmRawSave())
+        return;
+    const std::string source =
+        prompts().askFileName(tramline::tr(entry->dialogTitle), entry->extensions, false);
+    if (source.empty())
+        return;
+    // The scratch file is emptied first, so that a failed import leaves no
+    // records of an earlier one behind.
+    const auto scratch = convert::scratchImportPath(m_folders.working);
+    std::ofstream(scratch, std::ios::trunc).close();
+    convert::ImportSummary summary;
+    convert::ImportPaths paths{source, scratch, m_workingCrdPath, m_workingFile.get()};
+    if (!convert::runImport(entry->import, paths, ui(), summary))
+        return;
+    if (summary.pointsStored > 0)
+        m_coordinateModified = true;
+    refreshCoordinateGrid();
+    openRawFile(scratch.string());
+    m_rawDocument.setModified(true);
+    const std::string report =
+        summary.report.starts_with('\n') ? summary.report.substr(1) : summary.report;
+    ui().message((report.empty() ? "" : report + "\n\n") + convert::summaryLine(summary));
+}
+
+void CKELMADlg::exportRawFormat(const char *menuName) {
+    const convert::FormatEntry *entry = convert::findFormatByMenu(FormatKind::RawExport, menuName);
+    if (!entry || !entry->built)
+        return;
+    const std::string destination =
+        prompts().askFileName(tramline::tr(entry->dialogTitle), entry->extensions, true);
+    if (destination.empty())
+        return;
+    std::vector<std::string> lines;
+    for (std::string_view line : split(m_rawDocument.text(), '\n'))
+        if (line.size() >= 3)
+            lines.emplace_back(trimRight(line));
+    convert::ExportOutput out;
+    convert::runExport(entry->exporter, lines, destination, {}, ui(), out);
+}
+
+void CKELMADlg::importTextPoints() {
+    const auto *entry = convert::findFormat(FormatKind::PointImport, "text");
+    const std::string source =
+        prompts().askFileName(tramline::tr(entry->dialogTitle), entry->extensions, false);
+    if (source.empty())
+        return;
+    std::vector<FormField> fields = {
+        {tramline::tr("Coordinate Order"), "P,N,E,Z,D", convert::commonPointFormats()}};
+    if (prompts().askForm(tramline::tr("Import Point Data"), fields,
+                          {tramline::tr(kOk), tramline::tr(kCancelButton)}) != 0)
+        return;
+    convert::PointColumns columns;
+    if (Status s = convert::parseCoordinateOrder(fields[0].value, columns); !s) {
+        ui().message(s.message);
+        return;
+    }
+    convert::TextImportSummary summary;
+    const Status s = convert::importTextPointsFile(source, *m_workingFile, columns, ui(), summary);
+    if (s && summary.pointsStored > 0)
+        m_coordinateModified = true;
+    if (!summary.report.empty())
+        ui().message(summary.report.substr(1));
+    refreshCoordinateGrid();
+}
+
+void CKELMADlg::exportTextPoints() {
+    const auto names = convert::exportColumnNames();
+    std::vector<std::string> orders;
+    for (const char *name : names)
+        orders.push_back(tramline::tr(name));
+    std::vector<FormField> fields = {
+        {tramline::tr("Coordinate Order"), orders.front(), orders},
+        {tramline::tr("Delimiter"),
+         tramline::tr("Comma"),
+         {tramline::tr("Comma"), tramline::tr("Space")}},
+        {tramline::tr("Number of Decimals:"), "5", {}},
+        {tramline::tr("Range of Points:"),
+         convert::defaultRange(m_workingFile->lowestName(), m_workingFile->highestName()),
+         {}}};
+    if (prompts().askForm(tramline::tr("Export Point Data"), fields,
+                          {tramline::tr(kOk), tramline::tr(kCancelButton)}) != 0)
+        return;
+    convert::TextExportOptions options;
+    for (std::size_t i = 0; i < orders.size(); ++i)
+        if (fields[0].value == orders[i])
+            options.columns = convert::ExportColumns(i);
+    options.delimiter = fields[1].value == tramline::tr("Space") ? ' ' : ',';
+    double decimals = 5;
+    parseNumber(fields[2].value, decimals);
+    options.decimals = std::clamp(int(decimals), 0, 12);
+    const auto *entry = convert::findFormat(FormatKind::PointExport, "text");
+    const std::string destination =
+        prompts().askFileName(tramline::tr(entry->dialogTitle), entry->extensions, true);
+    if (destination.empty())
+        return;
+    long written = 0;
+    convert::exportTextPointsFile(*m_workingFile, destination, options, fields[3].value, ui(),
+                                  written);
+}
+
+} // namespace tramline::app

@@ -1,0 +1,64 @@
+// The converters' menu entries run the real commands: the registry's
+// dialog titles, the converted job in the raw grid, the points in the
+// coordinate grid, and the written files.
+#include "app/command_ids.h"
+#include "app/coordinate_grid_model.h"
+#include "app/raw_grid_model.h"
+#include "app_test_support.h"
+
+using namespace tramline;
+using namespace tramline::app;
+using tramline::test::slurp;
+
+namespace {
+
+class ConvertMenuTest : public tramline::test::ShellTest {};
+
+TEST_F(ConvertMenuTest, SdrImportAndExportThroughTheMenus) {
+    const auto sample = std::filesystem::path(TRAMLINE_SAMPLES_DIR) / "sdr/sokkia_sdr33_polar.tops";
+    if (!std::filesystem::exists(sample))
+        GTEST_SKIP() << "field samples not found at " << sample;
+    auto d = start();
+    shell.files = {sample.string()};
+    shell.reply("Sideshots");
+    d->dispatch(cmd::ImportRawSokkia);
+    EXPECT_EQ(shell.asked.at(0), "SDR Raw File to Import (sdr;raw)");
+    EXPECT_NE(
+        std::find(shell.messages.begin(), shell.messages.end(), "SOKKIA File conversion complete"),
+        shell.messages.end());
+    EXPECT_NE(shell.messages.back().find("Read 77 records: 36 observations, 34 points stored"),
+              std::string::npos)
+        << shell.messages.back();
+    EXPECT_GT(d->rawModel()->rowCount(), 70);
+    EXPECT_EQ(d->coordinateModel()->rowCount(), 34);
+    EXPECT_TRUE(d->rawDocument().modified()); // the user saves it under a name
+
+    const auto out = dir / "out.sdr";
+    shell.files = {out.string()};
+    shell.reply("SDR-33");
+    d->dispatch(cmd::ExportRawSokkia);
+    EXPECT_EQ(shell.asked.back(), "SDR Raw File to Write (sdr;raw, save)");
+    EXPECT_EQ(shell.messages.back(), "Done.");
+    EXPECT_TRUE(slurp(out).starts_with("00NMSDR33     V04-01.00 Jan-18-80 20:34 111111\n"));
+}
+
+TEST_F(ConvertMenuTest, TextPointsInAndOutOfTheWorkingFile) {
+    auto d = start();
+    tramline::test::spit(dir / "in.txt", "1 100 200 10 IP\n2 110 210 11 CP\n");
+    shell.files = {(dir / "in.txt").string()};
+    shell.forms = {"P N E Z D=>OK"};
+    d->dispatch(cmd::ImportPointsText);
+    EXPECT_EQ(shell.asked.at(0), "Text/ASCII File To Import (txt;asc;dat;csv;xyz;*)");
+    EXPECT_EQ(shell.messages.back(), "Read in 2 points.");
+    EXPECT_EQ(d->coordinateModel()->rowCount(), 2);
+
+    const auto out = dir / "out.txt";
+    shell.files = {out.string()};
+    shell.forms = {"Pt# East North Elev Desc|Space|2|2-2=>OK"};
+    d->dispatch(cmd::ExportPointsText);
+    EXPECT_EQ(shell.asked.back(), "Point Text File to Write (txt;asc;dat;csv;xyz;*, save)");
+    EXPECT_EQ(slurp(out), "2 210.00 110.00 11.00 CP\n");
+    EXPECT_EQ(shell.messages.back(), "File " + out.string() + " successfully written.");
+}
+
+} // namespace
