@@ -156,7 +156,7 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
         double a = 0.0, inverseF = 0.0;
         if (!quotedAt(line, pos + 11, name, &end) || end >= line.size() || line[end] != ',' ||
             !numberAt(line, end + 1, a, &end) || end >= line.size() || line[end] != ',' ||
-            !numberAt(line, end + 1, inverseF) || a <= 0.0 || inverseF < 0.0)
+            !numberAt(line, end + 1, inverseF) || !usableEllipsoid(a, inverseF))
             return badValue("SPHEROID");
         const double f = inverseF == 0.0 ? 0.0 : 1.0 / inverseF;
         int index = findEllipsoidByName(name);
