@@ -228,7 +228,11 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
             continue; // another program's parameter that this type does not use
         switch (parameterKind(*parameter)) {
         case ParameterKind::Angle:
+            // Beyond a full turn an angle is no projection's, and it would
+            // not come back the same through the writer.
             value *= angleToDegrees;
+            if (!std::isfinite(value) || std::fabs(value) > 360.0)
+                return badValue(name);
             break;
         case ParameterKind::Length:
             if (usFeet)

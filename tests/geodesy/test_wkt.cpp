@@ -312,6 +312,12 @@ TEST(Wkt, MalformedTextIsRefusedWithAMessage) {
             s.replace(s.find("6377563.396"), 11, "1e300");
             return s;
         }(),
+        [&] { // a latitude of origin no turn of the circle reaches
+            std::string s = good;
+            const std::size_t at = s.find("latitude_of_origin\",") + 20;
+            s.replace(at, s.find(']', at) - at, "943125.157");
+            return s;
+        }(),
     };
     for (const auto &text : bad) {
         CoordinateSystem cs = britishGrid();
