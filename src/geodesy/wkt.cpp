@@ -176,7 +176,12 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
         std::size_t at = pos + 9;
         for (int i = 0; i < 7; ++i) {
             std::size_t end = 0;
-            if (!numberAt(line, at, v[i], &end) || (i < 6 && line[end] != ','))
+            // Shifts beyond the earth, rotations beyond a turn and scales
+            // beyond a factor of two are no datum's, and do not survive the
+            // inversion the writer applies.
+            const double limit = i < 3 ? 1e7 : i < 6 ? 1296000.0 : 1e6;
+            if (!numberAt(line, at, v[i], &end) || (i < 6 && line[end] != ',') ||
+                !std::isfinite(v[i]) || std::fabs(v[i]) > limit)
                 return badValue("TOWGS84");
             at = end + 1;
         }

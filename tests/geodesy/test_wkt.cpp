@@ -312,6 +312,13 @@ TEST(Wkt, MalformedTextIsRefusedWithAMessage) {
             s.replace(s.find("6377563.396"), 11, "1e300");
             return s;
         }(),
+        [&] { // a scale of the datum shift far beyond any datum's
+            std::string s = good;
+            const std::size_t close = s.find(']', s.find("TOWGS84["));
+            const std::size_t comma = s.rfind(',', close);
+            s.replace(comma + 1, close - comma - 1, "2.89e55");
+            return s;
+        }(),
         [&] { // a latitude of origin no turn of the circle reaches
             std::string s = good;
             const std::size_t at = s.find("latitude_of_origin\",") + 20;
