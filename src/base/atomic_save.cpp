@@ -39,17 +39,53 @@ mode_t newFileMode() {
     return 0666 & ~mask;
 }
 
-// The common end of every atomic write: `fill` writes the content into a
-// temporary file beside `path`, which is flushed, given its permissions
-// (the old file's, else `mode`) and renamed over `path`. Any failure
-// removes the temporary and leaves `path` alone.
-bool replaceThrough(const std::filesystem::path &path, mode_t mode,
-                    const std::function<bool(int fd)> &fill, std::string *error) {
+// The file a save really replaces: a symbolic link is followed to the file
+// it names (a chain of them too), so the link stays a link and the user's
+// file gets the new content.
+std::filesystem::path followLinks(std::filesystem::path path) {
     std::error_code ec;
-    if (std::filesystem::is_directory(path, ec)) {
+    for (int hop = 0; hop < 40 && std::filesystem::is_symlink(path, ec); ++hop) {
+        const std::filesystem::path target = std::filesystem::read_symlink(path, ec);
+        if (ec)
+            break;
+        path = target.is_absolute() ? target : path.parent_path() / target;
+    }
+    return path;
+}
+
+// A save may only replace what the user could write in place: a file the
+// user made read-only (even one in a writable folder, which rename would
+// happily replace) or anything that is not a plain file is refused.
+bool mayReplace(const std::filesystem::path &path, std::string *error) {
+    struct stat st {};
+    if (::stat(path.c_str(), &st) != 0)
+        return true; // a new file
+    if (S_ISDIR(st.st_mode)) {
         setError(error, path.string() + " is a folder");
         return false;
     }
+    if (!S_ISREG(st.st_mode)) {
+        setError(error, path.string() + " is not a regular file");
+        return false;
+    }
+    // Root passes every access check, so the permission bits speak too.
+    if ((st.st_mode & 0222) == 0 || ::access(path.c_str(), W_OK) != 0) {
+        setError(error, path.string() + " is read-only");
+        return false;
+    }
+    return true;
+}
+
+// The common end of every atomic write: `fill` writes the content into a
+// temporary file beside the file `target` names (through its links), which
+// is flushed, given its permissions (the old file's, else `mode`) and
+// renamed over it. Any failure removes the temporary and leaves the file
+// alone.
+bool replaceThrough(const std::filesystem::path &target, mode_t mode,
+                    const std::function<bool(int fd)> &fill, std::string *error) {
+    const std::filesystem::path path = followLinks(target);
+    if (!mayReplace(path, error))
+        return false;
     const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
     std::string pattern = (folder / ("." + path.filename().string() + ".XXXXXX")).string();
     const int fd = ::mkstemp(pattern.data());
@@ -105,13 +141,14 @@ bool saveTextAtomically(const std::filesystem::path &path, const std::string &te
 
 bool copyAtomically(const std::filesystem::path &from, const std::filesystem::path &to,
                     std::string *error) {
-    const int in = ::open(from.c_str(), O_RDONLY | O_CLOEXEC);
+    // Non-blocking, so that a FIFO given as the source cannot hang the open.
+    const int in = ::open(from.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (in < 0) {
         setError(error, from.string() + ": " + std::strerror(errno));
         return false;
     }
     struct stat source {};
-    if (::fstat(in, &source) != 0 || S_ISDIR(source.st_mode)) {
+    if (::fstat(in, &source) != 0 || !S_ISREG(source.st_mode)) {
         setError(error, from.string() + " is not a file");
         ::close(in);
         return false;

@@ -94,4 +94,14 @@ bool splitKeyValue(std::string_view text, char separator, std::string_view &key,
     return true;
 }
 
+std::string_view cutAtCharacter(std::string_view text, std::size_t maxBytes) {
+    if (text.size() <= maxBytes)
+        return text;
+    std::size_t end = maxBytes;
+    // Back off over continuation bytes (10xxxxxx) to the start of their character.
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return text.substr(0, end);
+}
+
 } // namespace tramline

@@ -56,4 +56,8 @@ std::string replaceAll(std::string_view text, std::string_view what, std::string
 bool splitKeyValue(std::string_view text, char separator, std::string_view &key,
                    std::string_view &value);
 
+/// At most `maxBytes` bytes of `text`, cut before a UTF-8 character that
+/// would not fit whole (a description must not end in half a character).
+std::string_view cutAtCharacter(std::string_view text, std::size_t maxBytes);
+
 } // namespace tramline

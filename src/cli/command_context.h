@@ -18,6 +18,8 @@ struct CommandContext {
 void addRawCommands(CLI::App &app, CommandContext &context);
 void addProcessCommands(CLI::App &app, CommandContext &context);
 void addCrdCommands(CLI::App &app, CommandContext &context);
+/// "crd check" and "crd repair", added under the "crd" command.
+void addCrdRepairCommands(CLI::App &crdApp, CommandContext &context);
 void addGeoCommands(CLI::App &app, CommandContext &context);
 void addLocalizeCommands(CLI::App &app, CommandContext &context);
 void addLsqCommands(CLI::App &app, CommandContext &context);

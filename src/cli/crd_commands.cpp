@@ -540,7 +540,7 @@ void addPrint(CLI::App &crdApp, CommandContext &ctx) {
 void addCrdCommands(CLI::App &app, CommandContext &ctx) {
     auto *crdApp = app.add_subcommand(
         "crd", "Coordinate files (.crd): new, put, get, list, delete, info, history, rename, "
-               "replace, print");
+               "replace, print, check, repair");
     crdApp->require_subcommand(1);
     addNew(*crdApp, ctx);
     addPut(*crdApp, ctx);
@@ -552,6 +552,7 @@ void addCrdCommands(CLI::App &app, CommandContext &ctx) {
     addRename(*crdApp, ctx);
     addReplace(*crdApp, ctx);
     addPrint(*crdApp, ctx);
+    addCrdRepairCommands(*crdApp, ctx);
 }
 
 } // namespace tramline::cli

@@ -133,9 +133,10 @@ bool buildSystem(const SystemOptions &o, CommandContext &ctx, CoordinateSystem &
         if (index >= 0 && index < kEllipsoidCount) {
             cs.ellipsoidIndex = index;
         } else {
-            if (o.semiMajorAxis <= 0.0)
+            if (!usableEllipsoid(o.semiMajorAxis, o.inverseFlattening))
                 throw CLI::ValidationError("--semi-major-axis",
-                                           "a User-Defined ellipsoid needs its axis");
+                                           "a User-Defined ellipsoid needs an axis of 1 to 1e9 "
+                                           "metres and an inverse flattening of 0 or 1 to 1e9");
             cs.ellipsoidIndex = kUserDefinedEllipsoid;
             cs.userSemiMajorAxis = o.semiMajorAxis;
             cs.userInverseFlattening = o.inverseFlattening;

@@ -240,6 +240,8 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
     crd::CrdContext crdContext;
     crdContext.messages = &ui;
     crd::CoordinateFile coordinates(crdContext);
+    std::error_code ec;
+    const bool existed = std::filesystem::exists(o.crd, ec);
     if (!coordinates.open(o.crd)) {
         ctx.err << crd::CoordinateFile::errorText(coordinates.lastError()) << '\n';
         ctx.exitCode = kFailure;
@@ -253,6 +255,21 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
         if (!result.error.empty())
             ctx.err << result.error << '\n';
         ctx.exitCode = kFailure;
+    }
+    // Points that did not reach the file are a failure, not a footnote.
+    for (const std::string &line : result.storeFailures)
+        ctx.err << trim(line) << '\n';
+    if (!result.storeFailures.empty())
+        ctx.exitCode = kFailure;
+    // A coordinate file this run created and left without a point goes again.
+    if (!existed && result.pointsStored == 0 &&
+        result.status != reduce::ProcessResult::Status::Done) {
+        crd::CoordinateFile check;
+        std::vector<crd::CrdPoint> points;
+        if (check.openForReading(o.crd) && crd::readAllPoints(check, points) && points.empty()) {
+            check.close();
+            std::filesystem::remove(o.crd, ec);
+        }
     }
 }
 

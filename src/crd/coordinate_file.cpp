@@ -61,6 +61,25 @@ void carrySideFile(const std::filesystem::path &from, const std::filesystem::pat
         std::filesystem::remove(from, ec);
 }
 
+// Fresh files that a killed delete or rewrite left beside `path`. A live
+// one is locked by the process making it; one nobody holds is debris.
+void removeAbandonedFreshFiles(const std::filesystem::path &linkOrFile) {
+    std::error_code ec;
+    const std::filesystem::path canonical = std::filesystem::canonical(linkOrFile, ec);
+    const std::filesystem::path &path = ec ? linkOrFile : canonical;
+    const std::string name = path.filename().string();
+    const std::string prefix = name.substr(0, name.find('.', name.empty() ? 0 : 1)) + "~";
+    const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
+    for (const auto &entry : std::filesystem::directory_iterator(folder, ec)) {
+        const std::string other = entry.path().filename().string();
+        if (other.size() != prefix.size() + 10 || !other.starts_with(prefix) ||
+            !other.ends_with(".tmp"))
+            continue;
+        if (FileStore::probeForUpdate(entry.path()) == FileOpenResult::Opened)
+            std::filesystem::remove(entry.path(), ec);
+    }
+}
+
 } // namespace
 
 int detectCrdFormat(const std::filesystem::path &path) {
@@ -157,7 +176,9 @@ bool CoordinateFile::open(const std::filesystem::path &path, Create create, int 
         return fail(kFileTypeNotSupported);
 
     auto io = std::make_unique<CrdIOMorvane>(m_context);
-    const bool ok = createNew ? io->create(path, chosen) : io->open(path, CrdAccess::Update);
+    const bool ok = !createNew                 ? io->open(path, CrdAccess::Update)
+                    : create == Create::Always ? io->create(path, chosen)
+                                               : io->createIfMissing(path, chosen);
     if (!ok) {
         const int code = io->lastError();
         say(tramline::format(tr("\nError %d: Could not open file: %s\n%s\nIt might be read-only "
@@ -166,6 +187,7 @@ bool CoordinateFile::open(const std::filesystem::path &path, Create create, int 
         return fail(code);
     }
     m_io = std::move(io);
+    removeAbandonedFreshFiles(path);
     return true;
 }
 
@@ -300,12 +322,15 @@ bool CoordinateFile::setHeaderTexts(const CrdHeaderTexts &texts) {
 bool CoordinateFile::replaceWithFresh(const std::function<bool(const CrdPoint &)> &selected,
                                       std::vector<CrdPoint> *removed, long &count) {
     count = 0;
-    const std::filesystem::path path = m_io->path();
+    // Through a link the fresh file replaces the file it names, not the link.
+    std::error_code ec;
+    std::filesystem::path path = std::filesystem::canonical(m_io->path(), ec);
+    if (ec)
+        path = m_io->path();
     const std::filesystem::path freshPath = freshPathBeside(path);
     auto fresh = std::make_unique<CrdIOMorvane>(m_context);
     if (!fresh->create(freshPath, m_io->format()))
         return fail(fresh->lastError());
-    std::error_code ec;
     auto abandon = [&](int code) {
         fresh.reset();
         std::error_code ignored;
@@ -333,7 +358,7 @@ bool CoordinateFile::replaceWithFresh(const std::function<bool(const CrdPoint &)
     std::filesystem::rename(freshPath, path, ec);
     if (ec)
         return abandon(kReadWriteFailed);
-    fresh->setPath(path);
+    fresh->setPath(m_io->path());
     fresh->setCurrentIndex(current);
     m_io->close();
     m_io = std::move(fresh);

@@ -70,6 +70,9 @@ constexpr ErrorEntry kErrorTexts[] = {
     {54, trNoop("File type not supported")},
     {55, trNoop("Failed to delete records")},
     {56, trNoop("Failed to find Feature in the DB")},
+    {60, trNoop("The coordinate file is damaged: its records are cut, out of order or "
+                "doubled.")},
+    {61, trNoop("A coordinate is not a finite number.")},
 };
 
 } // namespace

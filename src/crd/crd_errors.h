@@ -47,6 +47,9 @@ enum CrdError : int {
     kFileTypeNotSupported = 54,
     kDeleteRecordsFailed = 55,
     kFeatureNotFound = 56,
+    // Our own, above the shared range.
+    kDamagedFile = 60,
+    kNotANumber = 61,
 };
 
 /// The (translated) text of an error code; codes without a text give

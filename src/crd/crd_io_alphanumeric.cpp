@@ -4,6 +4,7 @@
 
 #include "base/format.h"
 #include "base/point_names.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "base/unset.h"
 #include "crd/crd_errors.h"
@@ -93,10 +94,15 @@ bool CrdIOMorvane::sortFirstRevision(long long size) {
     // reads as the first revision and is sorted again next time.
     std::array<unsigned char, kTextField> mark{};
     putText(mark.data(), kTextField, kMarkSorted);
+    const bool onDisk = m_access == CrdAccess::Update;
+    if (onDisk && !beginMove(kAlphaMark))
+        return false;
     if (!m_store->writeAt(kAlphaHeaderSize, sorted.data(), sorted.size()) ||
-        !m_store->writeAt(kAlphaMark, mark.data(), mark.size()))
-        return fail(kReadWriteFailed);
-    return true;
+        !m_store->writeAt(kAlphaMark, mark.data(), mark.size())) {
+        m_error = kReadWriteFailed;
+        return onDisk ? abandonMove() : false;
+    }
+    return !onDisk || finishMove();
 }
 
 bool CrdIOMorvane::loadEnds() {
@@ -210,7 +216,7 @@ bool CrdIOMorvane::writeAlphanumeric(const CrdPoint &point, bool quiet, CrdPoint
     std::string_view description = fileDescription(point.description);
     if (description.size() > kMaxDescription) {
         say(quiet, tr("\nWarning: Truncating description that contains too many characters."));
-        description = description.substr(0, kMaxDescription);
+        description = cutAtCharacter(description, kMaxDescription);
     }
     AlphaRecord record{};
     putDouble(record.data() + kNorthing, point.northing);
@@ -272,8 +278,6 @@ bool CrdIOMorvane::insertAlphaRecord(long index, const unsigned char *record) {
         ++m_count;
         return true;
     }
-    if (!reserveTail(end, kAlphaRecordSize, oldSize))
-        return false;
     std::vector<unsigned char> buffer;
     long records = std::clamp(m_moveBufferRecords, 1L, kMaxMoveRecords);
     while (records > 0) {
@@ -284,24 +288,30 @@ bool CrdIOMorvane::insertAlphaRecord(long index, const unsigned char *record) {
             records /= 2;
         }
     }
-    if (records == 0) {
-        m_store->resize(static_cast<std::uint64_t>(oldSize));
+    if (records == 0)
         return fail(kOutOfMemory);
-    }
-    // The file now holds one more record; whatever happens below, each
-    // record stays in it at least once.
+    // From here until the journal goes, a failure or a kill leaves the
+    // journal to put the old file back.
+    if (!beginMove(alphaOffset(index)))
+        return false;
+    if (!reserveTail(end, kAlphaRecordSize, oldSize))
+        return abandonMove();
     ++m_count;
     for (long high = m_count - 1; high > index;) {
         const long low = std::max(index, high - records);
         const std::size_t bytes = static_cast<std::size_t>(high - low) * kAlphaRecordSize;
         if (!m_store->readExactly(alphaOffset(low), buffer.data(), bytes) ||
-            !m_store->writeAt(alphaOffset(low + 1), buffer.data(), bytes))
-            return fail(kReadWriteFailed);
+            !m_store->writeAt(alphaOffset(low + 1), buffer.data(), bytes)) {
+            m_error = kReadWriteFailed;
+            return abandonMove();
+        }
         high = low;
     }
-    if (!m_store->writeAt(alphaOffset(index), record, kAlphaRecordSize))
-        return fail(kReadWriteFailed);
-    return true;
+    if (!m_store->writeAt(alphaOffset(index), record, kAlphaRecordSize)) {
+        m_error = kReadWriteFailed;
+        return abandonMove();
+    }
+    return finishMove();
 }
 
 } // namespace tramline::crd

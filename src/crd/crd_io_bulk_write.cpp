@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "base/point_names.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "base/unset.h"
 #include "crd/crd_errors.h"
@@ -64,7 +65,7 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     for (std::size_t i = 0; i < points.size(); ++i) {
         const CrdPoint &point = points[i];
         std::string name = normaliseAlphanumericName(point.name);
-        errors[i] = checkAlphanumericName(name);
+        errors[i] = hasFiniteCoordinates(point) ? checkAlphanumericName(name) : kNotANumber;
         if (errors[i] == kNameBlank)
             lines[i] = tr("\nInvalid point number: empty string.");
         if (errors[i] != kNoError)
@@ -72,7 +73,7 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
         std::string_view description = fileDescription(point.description);
         if (description.size() > kMaxDescription) {
             lines[i] = tr("\nWarning: Truncating description that contains too many characters.");
-            description = description.substr(0, kMaxDescription);
+            description = cutAtCharacter(description, kMaxDescription);
         }
         Item item{std::move(name), {}};
         putDouble(item.record.data() + kNorthing, point.northing);
@@ -156,9 +157,16 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     };
     if (oldSize < 0)
         return failAll();
-    if (!reserveTail(alphaOffset(m_count), static_cast<std::uint64_t>(inserts) * kAlphaRecordSize,
-                     oldSize))
+    // Nothing below the first new name's place changes; from there on the
+    // old bytes go into the journal first.
+    const Search first = searchAlphanumeric(unique.front().name);
+    if (!first.ok || !beginMove(alphaOffset(first.index)))
         return failAll();
+    if (!reserveTail(alphaOffset(m_count), static_cast<std::uint64_t>(inserts) * kAlphaRecordSize,
+                     oldSize)) {
+        abandonMove();
+        return failAll();
+    }
 
     // Merge from the end. The next output slot is always above the next old
     // record still to be merged, so no record is overwritten before it has
@@ -216,7 +224,11 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     flush();
     m_count = finalCount;
     m_searchNames.clear();
-    if (!ok || !loadEnds())
+    if (!ok || !loadEnds()) {
+        abandonMove();
+        return failAll();
+    }
+    if (!finishMove())
         return failAll();
     return static_cast<long>(points.size()) -
            static_cast<long>(

@@ -6,8 +6,9 @@
 // - a file only grows by writing beyond its old end first (filler records,
 //   or zeros reserved for a moved tail), and a failed growth is cut back,
 //   so a full disk never leaves old records overwritten;
-// - a tail moves towards the end from its last record backwards, so at any
-//   moment every record is in the file at least once.
+// - records move only under a rollback journal (move_journal.h), so a
+//   process killed in the middle leaves the old file, restored on the next
+//   open.
 #include "crd/crd_io_morvane.h"
 
 #include "base/format.h"
@@ -15,13 +16,19 @@
 #include "base/translation.h"
 #include "crd/crd_errors.h"
 #include "crd/file_kinds.h"
+#include "crd/layout_check.h"
+#include "crd/move_journal.h"
 #include "crd/point_name_rules.h"
 #include "crd/record_layout.h"
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <thread>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace tramline::crd {
 
@@ -101,6 +108,14 @@ bool CrdIOMorvane::open(const std::filesystem::path &path, CrdAccess access) {
     FileOpenResult result = FileOpenResult::Missing;
     std::unique_ptr<FileStore> file;
     if (access == CrdAccess::ReadOnly) {
+        // A reader undoes an interrupted update too, when no writer holds
+        // the file; a live writer's journal is left to it.
+        std::error_code ec;
+        if (std::filesystem::exists(journalPathFor(path), ec)) {
+            FileOpenResult held = FileOpenResult::Missing;
+            if (auto writer = FileStore::openForUpdate(path, held))
+                recoverMove(journalPathFor(path), *writer);
+        }
         file = FileStore::openForReading(path, result);
     } else {
         // Another writer may be about to let go: wait a little, then longer.
@@ -111,6 +126,10 @@ bool CrdIOMorvane::open(const std::filesystem::path &path, CrdAccess access) {
             file = FileStore::openForUpdate(path, result);
         }
     }
+    // An update that died half-way is undone before anything reads the file.
+    if (file && access == CrdAccess::Update &&
+        recoverMove(journalPathFor(path), *file) == Recovery::Failed)
+        file.reset();
     if (!file) {
         say(false,
             tramline::format(tr("Failed to open coordinate file:\n  %s\nFile may be read-only or "
@@ -128,7 +147,20 @@ bool CrdIOMorvane::open(const std::filesystem::path &path, CrdAccess access) {
                              path.string().c_str()));
         return fail(kCannotOpen);
     }
+    if (access == CrdAccess::Update) {
+        // Writing into a damaged file would make it worse: a torn record
+        // would become a point, a lookup in a disordered file would miss.
+        const LayoutCheck check = checkLayout(*file);
+        if (check.format >= 0 && !check.whole()) {
+            say(false, tramline::format(tr("\nThe coordinate file %s is damaged: %s.\nIt is not "
+                                           "written to; \"crd check\" lists what is wrong and "
+                                           "\"crd repair\" writes a clean copy."),
+                                        path.string().c_str(), check.problems.front().c_str()));
+            return fail(kDamagedFile);
+        }
+    }
     m_path = path;
+    m_journal = journalPathFor(path);
     if (!attach(std::move(file), access)) {
         const int code = m_error;
         close();
@@ -156,6 +188,7 @@ void CrdIOMorvane::close() {
     m_highestNumber = 0;
     m_count = 0;
     m_path.clear();
+    m_journal.clear();
     m_header = {};
     m_current = -1;
     m_cacheValid = false;
@@ -180,15 +213,24 @@ bool CrdIOMorvane::attach(std::unique_ptr<ByteStore> store, CrdAccess access) {
     return attachNumeric(header.data(), size);
 }
 
-bool CrdIOMorvane::create(const std::filesystem::path &path, int format) {
-    close();
-    m_error = kNoError;
-    if (!isHandledFormat(format))
-        return fail(kInternalError);
+// A new file is made whole (its header written and synced) under a
+// temporary name beside it and only then given its name, so no other
+// process ever sees it empty. Without `replace`, the name is taken only if
+// it is still free (link fails on an existing file): of several writers
+// creating the same file at once exactly one creates it and the others
+// open it, under the lock, and add to it.
+bool CrdIOMorvane::createWhole(const std::filesystem::path &path, int format, bool replace,
+                               bool &created) {
+    created = false;
+    const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
+    std::string temporary = (folder / ("." + path.filename().string() + ".XXXXXX")).string();
+    const int fd = ::mkstemp(temporary.data());
+    if (fd < 0)
+        return false;
+    ::close(fd);
     std::error_code ec;
-    std::filesystem::remove(path, ec);
-    std::filesystem::remove(notesPathFor(path), ec);
-    std::unique_ptr<FileStore> file = FileStore::create(path);
+    std::filesystem::remove(temporary, ec);
+    std::unique_ptr<FileStore> file = FileStore::create(temporary);
     bool written = false;
     if (file) {
         const std::time_t t = now();
@@ -205,15 +247,79 @@ bool CrdIOMorvane::create(const std::filesystem::path &path, int format) {
             putText(header.data() + kAlphaMark, kTextField, kMarkSorted);
             written = file->writeAt(0, header.data(), header.size());
         }
-        if (!written)
-            std::filesystem::remove(path, ec);
+        const mode_t mask = ::umask(0);
+        ::umask(mask);
+        written = written && file->setPermissions(0666 & ~mask) && file->sync();
+        file.reset();
     }
-    if (!written) {
+    if (written) {
+        if (replace) {
+            written = ::rename(temporary.c_str(), path.c_str()) == 0;
+            created = written;
+        } else if (::link(temporary.c_str(), path.c_str()) == 0) {
+            created = true;
+        } else {
+            // Taken meanwhile: by a whole file (open it), or by an empty one,
+            // which counts as missing and is replaced.
+            written = errno == EEXIST;
+            if (written && std::filesystem::file_size(path, ec) == 0 && !ec)
+                created = written = ::rename(temporary.c_str(), path.c_str()) == 0;
+        }
+    }
+    std::filesystem::remove(temporary, ec);
+    return written;
+}
+
+bool CrdIOMorvane::create(const std::filesystem::path &path, int format) {
+    return createFile(path, format, true);
+}
+
+bool CrdIOMorvane::createFile(const std::filesystem::path &path, int format, bool replace) {
+    close();
+    m_error = kNoError;
+    if (!isHandledFormat(format))
+        return fail(kInternalError);
+    bool created = false;
+    if (!createWhole(path, format, replace, created)) {
         say(false, tramline::format(tr("\nCan't open new file %s"), path.string().c_str()));
         return fail(kCannotCreate);
     }
-    file.reset();
+    if (created) {
+        std::error_code ec;
+        std::filesystem::remove(notesPathFor(path), ec);
+    }
     return open(path, CrdAccess::Update);
+}
+
+// ---------------------------------------------------------------- moves
+
+bool CrdIOMorvane::beginMove(std::uint64_t from) {
+    if (m_journal.empty() || crd::beginMove(m_journal, *m_store, from))
+        return true;
+    return fail(kReadWriteFailed);
+}
+
+bool CrdIOMorvane::finishMove() {
+    if (m_journal.empty() || crd::finishMove(m_journal, *m_store))
+        return true;
+    return abandonMove();
+}
+
+// A move that failed half-way (a full disk, a read error) is undone at once
+// from its journal; the counts are read again from what the file holds.
+bool CrdIOMorvane::abandonMove() {
+    const int code = m_error != kNoError ? m_error : kReadWriteFailed;
+    if (!m_journal.empty())
+        recoverMove(m_journal, *m_store);
+    m_searchNames.clear();
+    m_cacheValid = false;
+    const long long size = m_store->size();
+    if (m_format == kFormatAlphanumeric && size >= static_cast<long long>(kAlphaHeaderSize)) {
+        m_count = static_cast<long>((size - static_cast<long long>(kAlphaHeaderSize)) /
+                                    static_cast<long long>(kAlphaRecordSize));
+        loadEnds();
+    }
+    return fail(code);
 }
 
 // ---------------------------------------------------------------- header
@@ -332,6 +438,8 @@ bool CrdIOMorvane::writePoint(const CrdPoint &point, Verbosity verbosity, CrdPoi
     if (m_access == CrdAccess::ReadOnly)
         return fail(kReadWriteFailed);
     m_cacheValid = false;
+    if (!hasFiniteCoordinates(point))
+        return fail(kNotANumber);
     if (m_format == kFormatAlphanumeric)
         return writeAlphanumeric(point, quiet, previous);
     return writeNumeric(point, quiet, previous);

@@ -20,6 +20,12 @@ public:
 
     bool open(const std::filesystem::path &path, CrdAccess access) override;
     bool create(const std::filesystem::path &path, int format) override;
+    /// Creates the file when the name is still free and opens it; when
+    /// another process created it first, opens that one instead. Safe for
+    /// many writers starting on the same new file at once.
+    bool createIfMissing(const std::filesystem::path &path, int format) {
+        return createFile(path, format, false);
+    }
     /// Opens bytes that are not a file on disk (memory, for tests and the
     /// fuzzer); the layout comes from the format mark alone.
     bool openStore(std::unique_ptr<ByteStore> store, CrdAccess access);
@@ -65,6 +71,8 @@ private:
     void say(bool quiet, const std::string &text) const;
     std::time_t now() const;
 
+    bool createFile(const std::filesystem::path &path, int format, bool replace);
+    bool createWhole(const std::filesystem::path &path, int format, bool replace, bool &created);
     bool attach(std::unique_ptr<ByteStore> store, CrdAccess access);
     bool attachAlphanumeric(const unsigned char *header, long long size);
     bool attachNumeric(const unsigned char *header, long long size);
@@ -84,6 +92,9 @@ private:
     Search searchAlphanumeric(const std::string &name);
     bool insertAlphaRecord(long index, const unsigned char *record);
     bool reserveTail(std::uint64_t end, std::uint64_t bytes, long long oldSize);
+    bool beginMove(std::uint64_t from);
+    bool finishMove();
+    bool abandonMove();
 
     CrdContext m_context;
     std::unique_ptr<ByteStore> m_store;
@@ -95,6 +106,7 @@ private:
     long m_highestNumber = 0; // numeric layout: the header's highest point number
     long m_count = 0;         // alphanumeric layout: number of records
     std::filesystem::path m_path;
+    std::filesystem::path m_journal; // empty: bytes not on disk, no journal kept
     CrdHeaderTexts m_header;
     long m_current = -1;
     long m_moveBufferRecords = 1000;

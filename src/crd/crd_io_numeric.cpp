@@ -3,6 +3,7 @@
 #include "crd/crd_io_morvane.h"
 
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "base/unset.h"
 #include "crd/crd_errors.h"
@@ -100,7 +101,7 @@ bool CrdIOMorvane::writeNumeric(const CrdPoint &point, bool quiet, CrdPoint *pre
     std::string_view description = fileDescription(point.description);
     if (description.size() > kMaxDescription) {
         say(quiet, tr("\nWarning: Truncating description that contains too many characters."));
-        description = description.substr(0, kMaxDescription);
+        description = cutAtCharacter(description, kMaxDescription);
     }
     NumericRecord record{};
     putDouble(record.data() + kNorthing, point.northing);

@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <fstream>
+#include <unistd.h>
 
 namespace tramline::crd {
 
@@ -135,14 +136,29 @@ bool HistoryFile::openForAppend(const std::filesystem::path &path) {
         m_file = std::fopen(path.c_str(), "w+b");
         if (!m_file)
             return failed(trNoop("\nCRD History file, %s, could not be created!\n"), path);
-        if (std::fwrite(kMark, 1, kHistoryMarkSize, m_file) != kHistoryMarkSize ||
-            std::fflush(m_file) != 0)
+        if (!writeMark()) {
+            // A full disk must not leave an empty file that fails every later open.
+            close();
+            std::filesystem::remove(path, ec);
             return failed(trNoop("\nCRD HISTORY FAILED: COULD NOT WRITE TO %s.\n"), path);
+        }
     } else {
         char mark[kHistoryMarkSize] = {};
-        if (std::fread(mark, 1, kHistoryMarkSize, m_file) != kHistoryMarkSize ||
-            std::memcmp(mark, kMark, kHistoryMarkSize) != 0)
+        const std::size_t got = std::fread(mark, 1, kHistoryMarkSize, m_file);
+        if (got < kHistoryMarkSize && std::memcmp(mark, kMark, got) == 0) {
+            // Empty or cut inside the mark (a full disk when it was made):
+            // nothing of value is in it, so it is started again.
+            if (::ftruncate(::fileno(m_file), 0) != 0 || std::fseek(m_file, 0, SEEK_SET) != 0 ||
+                !writeMark())
+                return failed(trNoop("\nCRD HISTORY FAILED: COULD NOT WRITE TO %s.\n"), path);
+            if (m_messages)
+                m_messages->message(tramline::format(
+                    tr("\nCRD history file %s was found cut short and has been started again; "
+                       "the change it failed to record is not in it.\n"),
+                    path.string().c_str()));
+        } else if (got != kHistoryMarkSize || std::memcmp(mark, kMark, kHistoryMarkSize) != 0) {
             return failed(trNoop("\nCRD HISTORY FAILED: %s not valid.\n"), path);
+        }
     }
     if (std::fseek(m_file, 0, SEEK_END) != 0) {
         if (m_messages)
@@ -152,6 +168,11 @@ bool HistoryFile::openForAppend(const std::filesystem::path &path) {
         return false;
     }
     return true;
+}
+
+bool HistoryFile::writeMark() {
+    return std::fwrite(kMark, 1, kHistoryMarkSize, m_file) == kHistoryMarkSize &&
+           std::fflush(m_file) == 0;
 }
 
 void HistoryFile::close() {

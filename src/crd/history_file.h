@@ -126,6 +126,7 @@ public:
 
 private:
     bool failed(const char *message, const std::filesystem::path &path);
+    bool writeMark();
 
     Interaction *m_messages;
     std::FILE *m_file = nullptr;

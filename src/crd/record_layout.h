@@ -13,6 +13,7 @@
 #include "crd/crd_point.h"
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -88,6 +89,12 @@ inline std::string_view fileDescription(const std::string &description) {
 }
 /// Names holding '.' may compare inconsistently (their digits are read as
 /// decimals), so sorting shortcuts do not apply to them.
+/// No NaN or infinity ever reaches a file (an unset elevation is finite).
+inline bool hasFiniteCoordinates(const CrdPoint &point) {
+    return std::isfinite(point.northing) && std::isfinite(point.easting) &&
+           std::isfinite(point.elevation);
+}
+
 inline bool hasDot(const std::string &name) {
     return name.find('.') != std::string::npos;
 }

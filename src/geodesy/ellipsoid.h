@@ -21,6 +21,18 @@ inline constexpr int kWgs84 = 27;
 /// Any index outside the table means the system's own ellipsoid.
 inline constexpr int kUserDefinedEllipsoid = -1;
 
+/// The semi-major axes (metres) a user-defined ellipsoid may have: every
+/// planet fits, and the axis survives being written with three decimals.
+inline constexpr double kMinSemiMajorAxis = 1.0;
+inline constexpr double kMaxSemiMajorAxis = 1e9;
+
+/// Can an ellipsoid of these parameters be computed with and written back?
+/// (An inverse flattening of 0 means a sphere.)
+inline bool usableEllipsoid(double semiMajorAxis, double inverseFlattening) {
+    return semiMajorAxis >= kMinSemiMajorAxis && semiMajorAxis <= kMaxSemiMajorAxis &&
+           (inverseFlattening == 0.0 || (inverseFlattening >= 1.0 && inverseFlattening <= 1e9));
+}
+
 struct Ellipsoid {
     std::string name;             ///< as in the table, or "User Defined"
     double a = 0.0;               ///< semi-major axis, metres

@@ -24,6 +24,7 @@ constexpr std::size_t kHeaderLine = 129; // 128 characters and the terminator
 // A grid of more nodes than this is not a geoid grid (a world grid at one
 // minute has 233 million); refusing it keeps garbage from allocating.
 constexpr double kMostNodes = 3e8;
+constexpr double kLargestNode = 1e6; // metres; room for "no data" marks such as -9999
 
 Status badGrid(const std::string &name) {
     return Status::failure(StatusCode::Format, format(tr(messages::kGridFileBad), name.c_str()));
@@ -90,9 +91,14 @@ Status GeoidGrid::read(std::istream &in, const std::string &name, GeoidGrid &gri
         if (!reader.next(line))
             return Status::failure(StatusCode::Format,
                                    format(tr(messages::kGridFileTruncated), name.c_str()));
+        // Nodes are kept as floats: a value beyond any geoid (the largest
+        // separations are about 110 m) would turn into infinity there.
         double v = 0;
-        if (!parseNumber(line, v) || !std::isfinite(v))
-            return badGrid(name);
+        if (!parseNumber(line, v) || !std::isfinite(v) || std::fabs(v) > kLargestNode) {
+            Status status = badGrid(name);
+            status.lineNumber = reader.lineNumber();
+            return status;
+        }
         nodes.push_back(static_cast<float>(v));
     }
     GeoidGrid g(b, static_cast<int>(rows), static_cast<int>(columns));

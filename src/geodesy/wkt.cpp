@@ -156,7 +156,7 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
         double a = 0.0, inverseF = 0.0;
         if (!quotedAt(line, pos + 11, name, &end) || end >= line.size() || line[end] != ',' ||
             !numberAt(line, end + 1, a, &end) || end >= line.size() || line[end] != ',' ||
-            !numberAt(line, end + 1, inverseF) || a <= 0.0 || inverseF < 0.0)
+            !numberAt(line, end + 1, inverseF) || !usableEllipsoid(a, inverseF))
             return badValue("SPHEROID");
         const double f = inverseF == 0.0 ? 0.0 : 1.0 / inverseF;
         int index = findEllipsoidByName(name);
@@ -176,7 +176,12 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
         std::size_t at = pos + 9;
         for (int i = 0; i < 7; ++i) {
             std::size_t end = 0;
-            if (!numberAt(line, at, v[i], &end) || (i < 6 && line[end] != ','))
+            // Shifts beyond the earth, rotations beyond a turn and scales
+            // beyond a factor of two are no datum's, and do not survive the
+            // inversion the writer applies.
+            const double limit = i < 3 ? 1e7 : i < 6 ? 1296000.0 : 1e6;
+            if (!numberAt(line, at, v[i], &end) || (i < 6 && line[end] != ',') ||
+                !std::isfinite(v[i]) || std::fabs(v[i]) > limit)
                 return badValue("TOWGS84");
             at = end + 1;
         }
@@ -228,7 +233,11 @@ Status readWkt(std::string_view line, CoordinateSystem &system) {
             continue; // another program's parameter that this type does not use
         switch (parameterKind(*parameter)) {
         case ParameterKind::Angle:
+            // Beyond a full turn an angle is no projection's, and it would
+            // not come back the same through the writer.
             value *= angleToDegrees;
+            if (!std::isfinite(value) || std::fabs(value) > 360.0)
+                return badValue(name);
             break;
         case ParameterKind::Length:
             if (usFeet)

@@ -375,8 +375,9 @@ bool RawDocument::save(Interaction &ui) {
 }
 
 bool RawDocument::saveAs(const std::filesystem::path &path, Interaction &ui) {
-    if (!saveTextAtomically(path, text())) {
-        ui.message(tr("Error: failed to write rawfile"));
+    std::string reason;
+    if (!saveTextAtomically(path, text(), &reason)) {
+        ui.message(std::string(tr("Error: failed to write rawfile")) + "\n" + reason);
         return false;
     }
     m_path = path;

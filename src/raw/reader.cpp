@@ -275,9 +275,10 @@ Status readRaw(std::istream &in, RawFile &file) {
 }
 
 Status readRawFile(const std::filesystem::path &path, RawFile &file) {
+    // Only a plain file: a FIFO or a device would block or never end.
     std::error_code ec;
     std::ifstream in;
-    if (!std::filesystem::is_directory(path, ec))
+    if (std::filesystem::is_regular_file(path, ec))
         in.open(path, std::ios::binary);
     if (!in.is_open())
         return Status::failure(StatusCode::NotFound, tr("Error: unable to read raw file"));

@@ -288,6 +288,12 @@ private:
             adjustTraverse(m_closure.start, m_closure.sides, c, rule, m_opt.verticalAdjust);
         if (!adj.ok)
             return fail(adj.error);
+        for (const auto &p : adj.points)
+            if (!std::isfinite(p.point.north) || !std::isfinite(p.point.east) ||
+                !std::isfinite(p.point.elevation))
+                return fail(format(tr("Error: point %s has no finite coordinates after the "
+                                      "adjustment; nothing was stored."),
+                                   p.point.name.c_str()));
         std::string t = adjustmentHeading(tr(m_method.closureTitle));
         // The final pass keeps the balanced directions through the fixed points.
         PassInput in = passInput();
@@ -374,11 +380,24 @@ private:
         return true;
     }
 
-    void write() {
+    bool write() {
+        // A point that overflowed (a huge distance, a degenerate traverse)
+        // stops the run before anything is stored: an infinite or NaN
+        // coordinate in a file is worse than none.
+        for (const ComputedPoint &p : m_final.points) {
+            const TraversePoint &t = p.point;
+            if (!std::isfinite(t.north) || !std::isfinite(t.east) ||
+                (t.hasElevation && !std::isfinite(t.elevation)))
+                return fail(format(tr("Error: point %s computed from line %ld has no finite "
+                                      "coordinates; nothing was stored."),
+                                   t.name.c_str(), p.line));
+        }
         StoreResult r = storePoints(m_final, m_crd, m_adjusted, m_method.historyOperation);
         m_result.pointsStored = r.stored;
+        m_result.storeFailures = r.warnings;
         for (auto &w : r.warnings)
             m_warnings.push_back(std::move(w));
+        return true;
     }
 
     raw::RawFile &m_file;

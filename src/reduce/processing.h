@@ -12,6 +12,7 @@
 #include "reduce/process_options.h"
 
 #include <string>
+#include <vector>
 
 namespace tramline::reduce {
 
@@ -26,6 +27,8 @@ struct ProcessResult {
     Report report;
     bool rawChanged = false; ///< store point records were turned into notes
     long pointsStored = 0;
+    /// The report's lines about points that could not be written.
+    std::vector<std::string> storeFailures;
 };
 
 /// Runs the processing of `file` (which the store point checks may change)

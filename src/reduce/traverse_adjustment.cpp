@@ -117,11 +117,10 @@ std::string adjustedPointLine(const AdjustedPoint &p) {
 }
 
 double angularError(double referenceAzimuthDegrees, double measuredAzimuthDegrees) {
-    double e = radians(referenceAzimuthDegrees - measuredAzimuthDegrees);
-    while (e > kPi)
-        e -= 2.0 * kPi;
-    while (e < -kPi)
-        e += 2.0 * kPi;
+    // One step onto -180..180 whatever the size of the difference: a loop
+    // of subtractions would never end on a huge or infinite angle.
+    const double e =
+        std::remainder(radians(referenceAzimuthDegrees - measuredAzimuthDegrees), 2.0 * kPi);
     return degrees(e);
 }
 

@@ -82,6 +82,74 @@ TEST_F(AtomicSave, FullDiskLeavesTheOldFile) {
     EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 1);
 }
 
+// What the user made of the target decides whether a save may replace it;
+// a link is never replaced, its file is.
+TEST_F(AtomicSave, RespectsReadOnlyFilesLinksAndOddFiles) {
+    struct Case {
+        const char *what;
+        std::function<fs::path(const fs::path &)> make; // returns the path to save to
+        bool saves;
+        const char *reason;
+    };
+    const Case cases[] = {
+        {"read-only file",
+         [](const fs::path &real) {
+             fs::permissions(real, fs::perms::owner_read | fs::perms::group_read |
+                                       fs::perms::others_read);
+             return real;
+         },
+         false, "read-only"},
+        {"link to the file",
+         [this](const fs::path &real) {
+             fs::create_symlink(real.filename(), dir / "link.rw5");
+             return dir / "link.rw5";
+         },
+         true, ""},
+        {"link to a link",
+         [this](const fs::path &real) {
+             fs::create_symlink(real, dir / "a.rw5");
+             fs::create_symlink("a.rw5", dir / "b.rw5");
+             return dir / "b.rw5";
+         },
+         true, ""},
+        {"link to a read-only file",
+         [this](const fs::path &real) {
+             fs::permissions(real, fs::perms::owner_read);
+             fs::create_symlink(real, dir / "link.rw5");
+             return dir / "link.rw5";
+         },
+         false, "read-only"},
+        {"FIFO",
+         [this](const fs::path &) {
+             ::mkfifo((dir / "pipe.rw5").c_str(), 0666);
+             return dir / "pipe.rw5";
+         },
+         false, "not a regular file"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.what);
+        fs::remove_all(dir);
+        fs::create_directories(dir);
+        const auto real = dir / "job.rw5";
+        ASSERT_TRUE(saveTextAtomically(real, "old\n"));
+        const fs::path target = c.make(real);
+        const bool wasLink = fs::is_symlink(target);
+        std::string error;
+        EXPECT_EQ(saveTextAtomically(target, "new\n", &error), c.saves) << error;
+        EXPECT_EQ(slurp(real), c.saves ? "new\n" : "old\n");
+        EXPECT_NE(error.find(c.reason), std::string::npos) << error;
+        EXPECT_EQ(fs::is_symlink(target), wasLink); // a link stays a link
+        fs::permissions(real, fs::perms::owner_all);
+    }
+}
+
+TEST_F(AtomicSave, CopyRefusesAFifoAsSource) {
+    ASSERT_EQ(::mkfifo((dir / "pipe").c_str(), 0666), 0);
+    std::string error;
+    EXPECT_FALSE(copyAtomically(dir / "pipe", dir / "copy", &error)); // must not block
+    EXPECT_FALSE(fs::exists(dir / "copy"));
+}
+
 } // namespace
 
 namespace {

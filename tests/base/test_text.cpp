@@ -73,3 +73,21 @@ TEST(Text, KeyValueSplitsAtTheFirstSeparator) {
 
 } // namespace
 } // namespace tramline
+
+TEST(Text, CutAtCharacterNeverSplitsAUtf8Character) {
+    const struct {
+        std::string text;
+        std::size_t max;
+        std::string cut;
+    } cases[] = {
+        {"abc", 5, "abc"},
+        {"abcdef", 3, "abc"},
+        {"ab\xC3\xA9", 3, "ab"},             // é would need 2 bytes
+        {"ab\xC3\xA9", 4, "ab\xC3\xA9"},     // fits whole
+        {"a\xE2\x82\xAC", 3, "a"},           // € cut after its second byte
+        {"a\xF0\x9F\x93\x8D", 4, "a"},       // a 4-byte character
+        {"\xC3\xA9\xC3\xA9", 3, "\xC3\xA9"}, // the second é goes
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(tramline::cutAtCharacter(c.text, c.max), c.cut) << c.text << " " << c.max;
+}

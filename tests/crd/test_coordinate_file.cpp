@@ -134,7 +134,8 @@ TEST_F(CoordinateFileTest, DamagedFiles) {
         const auto path = file("damaged.crd");
         writeBytes(path, c.bytes);
         CoordinateFile crd(context);
-        ASSERT_EQ(crd.open(path), c.opens) << c.what;
+        // Read only: a damaged file is never opened for writing.
+        ASSERT_EQ(crd.openForReading(path), c.opens) << c.what;
         if (!c.opens) {
             EXPECT_EQ(crd.lastError(), c.error) << c.what;
             EXPECT_EQ(readBytes(path), c.bytes) << c.what;

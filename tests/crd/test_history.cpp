@@ -136,7 +136,7 @@ TEST_F(History, ChangeMask) {
 }
 
 TEST_F(History, BadFilesAndCutEntries) {
-    writeBytes(file("bad.his"), Bytes{'C', 'R', 'D', ' ', 'H', 'I', 'S', 'T'});
+    writeBytes(file("bad.his"), Bytes{'C', 'R', 'X', ' ', 'H', 'I', 'S', 'T'});
     HistoryFile history(&ui);
     EXPECT_FALSE(history.openForAppend(file("bad.his")));
     EXPECT_FALSE(history.openForAppend(file("no/such/folder.his")));
@@ -156,6 +156,23 @@ TEST_F(History, BadFilesAndCutEntries) {
     EXPECT_FALSE(parseHistory(std::string(bytes.begin(), bytes.end()), entries));
     ASSERT_EQ(entries.size(), 1u);
     EXPECT_EQ(entries[0].name, "7");
+}
+
+// A full disk while the file was made leaves it empty or cut inside its
+// mark: it is started again (with a note), not refused for ever.
+TEST_F(History, EmptyOrCutFileIsStartedAgain) {
+    const Bytes whole = mark();
+    for (const std::size_t kept : {std::size_t{0}, std::size_t{8}, whole.size() - 1}) {
+        SCOPED_TRACE(kept);
+        ui.messages.clear();
+        writeBytes(file("site.his"), Bytes(whole.begin(), whole.begin() + static_cast<long>(kept)));
+        HistoryFile history(&ui);
+        ASSERT_TRUE(history.openForAppend(file("site.his")));
+        history.close();
+        EXPECT_EQ(readBytes(file("site.his")), whole);
+        ASSERT_EQ(ui.messages.size(), 1u);
+        EXPECT_NE(ui.messages[0].find("started again"), std::string::npos);
+    }
 }
 
 // Codes in the gaps of the table have no name, so a reader shows the number.

@@ -227,4 +227,51 @@ TEST_F(Lock, FullDiskDuringInsertsKeepsEveryStoredPoint) {
     EXPECT_EQ(std::filesystem::file_size(file("full-numeric.crd")), 6u * 56);
 }
 
+// Writers that all start on a file that does not exist yet: each point
+// they report stored is in the file afterwards.
+TEST_F(Lock, WritersCreatingTheSameFileAtOnceLoseNothing) {
+    for (int round = 0; round < 20; ++round) {
+        const auto path = file("new.crd");
+        std::filesystem::remove(path);
+        int gate[2];
+        ASSERT_EQ(::pipe(gate), 0);
+        std::vector<pid_t> writers;
+        for (int w = 0; w < 4; ++w) {
+            const pid_t pid = ::fork();
+            if (pid == 0) {
+                ::close(gate[1]);
+                char byte;
+                (void)::read(gate[0], &byte, 1); // all start when the gate closes
+                CrdContext quick;
+                quick.wait = [](int) { return true; };
+                CoordinateFile crd(quick);
+                CrdPoint p;
+                p.name = "P" + std::to_string(w);
+                p.northing = w;
+                for (int attempt = 0; attempt < 200; ++attempt) {
+                    if (crd.open(path, Create::IfMissing, kFormatAlphanumeric))
+                        ::_exit(crd.writePoint(p, Verbosity::Quiet) ? 0 : 1);
+                    ::usleep(1000);
+                }
+                ::_exit(2);
+            }
+            writers.push_back(pid);
+        }
+        ::close(gate[0]);
+        ::close(gate[1]);
+        int stored = 0;
+        for (const pid_t pid : writers) {
+            int status = 0;
+            ::waitpid(pid, &status, 0);
+            stored += WIFEXITED(status) && WEXITSTATUS(status) == 0 ? 1 : 0;
+        }
+        CoordinateFile crd(context);
+        ASSERT_TRUE(crd.openForReading(path));
+        std::vector<CrdPoint> points;
+        ASSERT_TRUE(readAllPoints(crd, points));
+        ASSERT_EQ(static_cast<int>(points.size()), stored) << "round " << round;
+        ASSERT_EQ(stored, 4) << "round " << round;
+    }
+}
+
 } // namespace

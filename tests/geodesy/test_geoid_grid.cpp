@@ -129,6 +129,21 @@ TEST(GeoidGrid, BadFilesAreRefused) {
          "Error: bad.grd is not a grid file"},
         {"overlong header line", std::string(400, '1') + "\n350\n12\n353\n2.0\n3.0\n",
          "Error: bad.grd is not a grid file"},
+        // Finite as a double, infinite as the float a node is kept in.
+        {"a node of 440 digits",
+         [&] {
+             std::string s = good;
+             s.replace(s.find("13.0000"), 7, std::string(440, '9'));
+             return s;
+         }(),
+         "Error: bad.grd is not a grid file"},
+        {"a node of 1e300",
+         [&] {
+             std::string s = good;
+             s.replace(s.find("13.0000"), 7, "-1e300");
+             return s;
+         }(),
+         "Error: bad.grd is not a grid file"},
     };
     for (const auto &c : cases) {
         std::istringstream in(c.text);

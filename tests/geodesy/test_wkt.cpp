@@ -301,6 +301,30 @@ TEST(Wkt, MalformedTextIsRefusedWithAMessage) {
             return s;
         }(),
         std::string("COMPD_CS[\"a\",") + std::string(5000, '[') + "\xff\x00garbage",
+        // Axes that "%.3f" cannot write back, or that no computation survives.
+        [&] {
+            std::string s = good;
+            s.replace(s.find("6377563.396"), 11, "0.0001");
+            return s;
+        }(),
+        [&] {
+            std::string s = good;
+            s.replace(s.find("6377563.396"), 11, "1e300");
+            return s;
+        }(),
+        [&] { // a scale of the datum shift far beyond any datum's
+            std::string s = good;
+            const std::size_t close = s.find(']', s.find("TOWGS84["));
+            const std::size_t comma = s.rfind(',', close);
+            s.replace(comma + 1, close - comma - 1, "2.89e55");
+            return s;
+        }(),
+        [&] { // a latitude of origin no turn of the circle reaches
+            std::string s = good;
+            const std::size_t at = s.find("latitude_of_origin\",") + 20;
+            s.replace(at, s.find(']', at) - at, "943125.157");
+            return s;
+        }(),
     };
     for (const auto &text : bad) {
         CoordinateSystem cs = britishGrid();

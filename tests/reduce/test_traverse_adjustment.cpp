@@ -131,6 +131,9 @@ TEST(TraverseAdjustment, AngularErrorFoldsIntoHalfCircle) {
     for (const auto &c : cases)
         EXPECT_NEAR(angularError(c.reference, c.measured), c.error, 1e-9)
             << c.reference << " " << c.measured;
+    // A huge difference comes back at once (a loop would take for ever).
+    EXPECT_LE(std::fabs(angularError(1e300, 0.0)), 180.0);
+    EXPECT_NEAR(angularError(3600.0 * 1e6 + 10.0, 0.0), 10.0, 1e-3);
 }
 
 } // namespace
