@@ -100,10 +100,15 @@ std::string networkSvg(const Network &network, const Solution &s, const NetworkS
     appendFormat(t, "<rect width=\"%.0f\" height=\"%.0f\" fill=\"white\"/>\n", kSize, height);
     // Observed lines first, so that the points are drawn over them.
     t += "<g stroke-width=\"1\">\n";
+    // Plain lines once per pair, then the suspects over them so that no
+    // plain line of the same pair hides one.
     std::set<std::pair<int, int>> drawn;
-    for (std::size_t i = 0; i < network.observations.size(); ++i) {
+    for (std::size_t k = 0; k < 2 * network.observations.size(); ++k) {
+        const std::size_t i = k % network.observations.size();
         const auto &o = network.observations[i];
         const bool suspect = suspectObservations.count(static_cast<int>(i)) > 0;
+        if (suspect != (k >= network.observations.size()))
+            continue;
         const auto key = std::minmax(o.at, o.to);
         if (!suspect && !drawn.insert(key).second)
             continue;
