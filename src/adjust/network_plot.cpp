@@ -1,6 +1,7 @@
 #include "adjust/network_plot.h"
 
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 
 #include <algorithm>
@@ -34,29 +35,6 @@ Frame frameOf(const Solution &s) {
     const double extent = std::max({f.maxNorth - f.minNorth, f.maxEast - f.minEast, 1e-9});
     f.scale = (kSize - 2 * kMargin) / extent;
     return f;
-}
-
-std::string escaped(const std::string &text) {
-    std::string out;
-    for (char c : text) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
-            out += c;
-        }
-    }
-    return out;
 }
 
 } // namespace
@@ -142,11 +120,11 @@ std::string networkSvg(const Network &network, const Solution &s, const NetworkS
             appendFormat(t, "<circle cx=\"%.2f\" cy=\"%.2f\" r=\"3.5\" fill=\"%s\"/>\n", x, y,
                          colour);
         appendFormat(t, "<text x=\"%.2f\" y=\"%.2f\" fill=\"%s\">%s</text>\n", x + 7, y - 6, colour,
-                     escaped(network.points[i].name).c_str());
+                     xmlEscaped(network.points[i].name).c_str());
     }
     appendFormat(
         t, "<text x=\"10\" y=\"%.0f\">%s</text>\n", height - 14,
-        escaped(format(tr("Error ellipses magnified %g times; suspects in red"), magnification))
+        xmlEscaped(format(tr("Error ellipses magnified %g times; suspects in red"), magnification))
             .c_str());
     t += "</svg>\n";
     return t;

@@ -104,4 +104,29 @@ std::string_view cutAtCharacter(std::string_view text, std::size_t maxBytes) {
     return text.substr(0, end);
 }
 
+std::string xmlEscaped(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    for (const char c : text) {
+        switch (c) {
+        case '&':
+            out += "&amp;";
+            break;
+        case '<':
+            out += "&lt;";
+            break;
+        case '>':
+            out += "&gt;";
+            break;
+        case '"':
+            out += "&quot;";
+            break;
+        default:
+            if (static_cast<unsigned char>(c) >= 0x20 || c == '\t' || c == '\n')
+                out += c;
+        }
+    }
+    return out;
+}
+
 } // namespace tramline

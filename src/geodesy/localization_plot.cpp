@@ -1,6 +1,7 @@
 #include "geodesy/localization_plot.h"
 
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 
 #include <algorithm>
@@ -13,31 +14,6 @@ namespace {
 constexpr double kSize = 600.0;  // drawing square, pixels
 constexpr double kMargin = 60.0; // room for labels and arrows
 constexpr double kShare = 0.1;   // largest arrow against the extent
-
-std::string escaped(const std::string &text) {
-    std::string out;
-    for (const char c : text) {
-        switch (c) {
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '&':
-            out += "&amp;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
-            // Control characters are not allowed in XML text.
-            if (static_cast<unsigned char>(c) >= 0x20)
-                out += c;
-        }
-    }
-    return out;
-}
 
 struct Extent {
     double minX = 0, maxX = 0, minY = 0, maxY = 0;
@@ -91,7 +67,7 @@ std::string localizationPlotSvg(const Localization &loc) {
                  kSize, kSize + 40, kSize, kSize + 40);
     svg += "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n";
     appendFormat(svg, "<text x=\"10\" y=\"20\" font-size=\"14\">%s</text>\n",
-                 escaped(tr("Define Localization")).c_str());
+                 xmlEscaped(tr("Define Localization")).c_str());
     for (std::size_t i = 0; i < loc.points.size() && i < loc.residuals.points.size(); ++i) {
         const AlignmentPoint &p = loc.points[i];
         const PointResidual &r = loc.residuals.points[i];
@@ -106,10 +82,10 @@ std::string localizationPlotSvg(const Localization &loc) {
                      "<circle cx=\"%.2f\" cy=\"%.2f\" r=\"4\" stroke=\"black\" fill=\"%s\"/>\n", x,
                      y, p.useHorizontal ? "black" : "none");
         appendFormat(svg, "<text x=\"%.2f\" y=\"%.2f\" font-size=\"11\">%s</text>\n", x + 6, y - 6,
-                     escaped(p.description).c_str());
+                     xmlEscaped(p.description).c_str());
     }
     appendFormat(svg, "<text x=\"10\" y=\"%.0f\" font-size=\"12\">%s %g</text>\n", kSize + 30,
-                 escaped(tr("Horizontal residuals magnified")).c_str(), factor);
+                 xmlEscaped(tr("Horizontal residuals magnified")).c_str(), factor);
     svg += "</svg>\n";
     return svg;
 }

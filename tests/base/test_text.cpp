@@ -72,6 +72,22 @@ TEST(Text, KeyValueSplitsAtTheFirstSeparator) {
 }
 
 } // namespace
+// Point names and descriptions go into the SVG pictures: one unescaped
+// character or a control byte makes the whole picture unreadable.
+TEST(Text, XmlEscapedMakesAnyNameSafeInsideAnAttributeOrText) {
+    const struct {
+        std::string in, out;
+    } cases[] = {
+        {"IP <FOUND> & \"SET\"", "IP &lt;FOUND&gt; &amp; &quot;SET&quot;"},
+        {"a\x01" "b\x1f" "c", "abc"},
+        {"tab\tkept", "tab\tkept"},
+        {"\xd0\x9f\xd1\x83", "\xd0\x9f\xd1\x83"}, // UTF-8 passes through
+        {"", ""},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(xmlEscaped(c.in), c.out) << c.in;
+}
+
 } // namespace tramline
 
 TEST(Text, CutAtCharacterNeverSplitsAUtf8Character) {

@@ -12,26 +12,11 @@
 namespace {
 
 using tramline::test::runCli;
+using tramline::test::runUnprivileged;
 using tramline::test::slurp;
 using tramline::test::spit;
 
 const std::filesystem::path kSamples = TRAMLINE_SAMPLES_DIR;
-
-// Runs `check` in a child without root's rights, so that file permissions
-// hold; as a normal user it simply runs.
-bool runUnprivileged(const std::function<bool()> &check) {
-    if (::geteuid() != 0)
-        return check();
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        if (::setgid(65534) != 0 || ::setuid(65534) != 0)
-            ::_exit(2);
-        ::_exit(check() ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
 
 class ConvertCommands : public tramline::test::ScratchFolderTest {
 protected:

@@ -2,6 +2,7 @@
 // clock, and bytes built by hand (never by the code under test).
 #pragma once
 
+#include "../support/test_support.h"
 #include "base/interaction.h"
 #include "crd/crd_io.h"
 
@@ -88,21 +89,7 @@ inline void writeBytes(const std::filesystem::path &path, const Bytes &bytes) {
               static_cast<std::streamsize>(bytes.size()));
 }
 
-/// Runs `check` as an unprivileged user when the tests run as root (who
-/// may write read-only files), in a child process; its result.
-inline bool runUnprivileged(const std::function<bool()> &check) {
-    if (::geteuid() != 0)
-        return check();
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        if (::setgid(65534) != 0 || ::setuid(65534) != 0)
-            ::_exit(2);
-        ::_exit(check() ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
+using tramline::test::runUnprivileged;
 
 /// A scratch folder per test, a scripted interaction that records the
 /// store's messages, and a context with a fixed clock and instant waits

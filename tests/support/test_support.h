@@ -6,8 +6,10 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace tramline::test {
@@ -18,6 +20,22 @@ inline std::string slurp(const std::filesystem::path &path) {
     std::ostringstream s;
     s << in.rdbuf();
     return s.str();
+}
+
+/// Runs `check` as an unprivileged user when the tests run as root (who
+/// may write read-only files), in a child process; its result.
+inline bool runUnprivileged(const std::function<bool()> &check) {
+    if (::geteuid() != 0)
+        return check();
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        if (::setgid(65534) != 0 || ::setuid(65534) != 0)
+            ::_exit(2);
+        ::_exit(check() ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 /// Writes bytes to a file, replacing it.
