@@ -79,7 +79,10 @@ TEST(Text, XmlEscapedMakesAnyNameSafeInsideAnAttributeOrText) {
         std::string in, out;
     } cases[] = {
         {"IP <FOUND> & \"SET\"", "IP &lt;FOUND&gt; &amp; &quot;SET&quot;"},
-        {"a\x01" "b\x1f" "c", "abc"},
+        {"a\x01"
+         "b\x1f"
+         "c",
+         "abc"},
         {"tab\tkept", "tab\tkept"},
         {"\xd0\x9f\xd1\x83", "\xd0\x9f\xd1\x83"}, // UTF-8 passes through
         {"", ""},
