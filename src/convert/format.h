@@ -15,6 +15,7 @@
 #include "crd/crd_point.h"
 
 #include <map>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -61,5 +62,22 @@ struct ExportOutput {
 /// `out`. Points come with the store-point records of the lines.
 using ExportFunction = Status (*)(const std::vector<std::string> &rawLines,
                                   const ExportOptions &options, Interaction &ui, ExportOutput &out);
+
+/// Options of a point export; each format reads what it needs.
+struct PointExportOptions {
+    std::string variant; ///< a variant of the format ("gsi8", "gsi16"), empty: ask or default
+    std::string unit;    ///< "m" or "ft", empty: ask or the coordinate file's own
+};
+
+/// Reads the points of a foreign point file into `out.points` (and its
+/// counts and completion message); `out.lines` stays empty.
+using PointImportFunction = Status (*)(const SourceLines &source, Interaction &ui,
+                                       ImportOutput &out);
+
+/// Writes the points, in order, as a foreign point file into `out.bytes`.
+/// The serial upload uses the same functions to send points.
+using PointExportFunction = Status (*)(std::span<const crd::CrdPoint> points,
+                                       const PointExportOptions &options, Interaction &ui,
+                                       ExportOutput &out);
 
 } // namespace tramline::convert

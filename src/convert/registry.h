@@ -27,6 +27,8 @@ struct FormatEntry {
     ImportFunction import = nullptr;   ///< raw imports that are built
     ExportFunction exporter = nullptr; ///< raw exports that are built
     bool built = false;                ///< false: "not available yet"
+    PointImportFunction pointImport = nullptr; ///< point imports that are built
+    PointExportFunction pointExport = nullptr; ///< point exports that are built
 };
 
 /// Every converter, in menu order within each kind.
