@@ -57,10 +57,13 @@ bool CrdIOMorvane::sortFirstRevision(long long size) {
     // Each record goes in front of the first one whose name is greater or
     // equal. Without '.' in any name the order is a true order and a stable
     // sort of the reversed records gives the same list; names with '.' can
-    // compare inconsistently, so then the insertion is done as it is said.
+    // compare inconsistently, so then the insertion is done as it is said,
+    // but only for files of a few thousand points: it scans the list for
+    // every record, and a large file would never finish opening.
+    constexpr long kInsertedOneByOne = 4096;
     std::vector<long> order;
     order.reserve(static_cast<std::size_t>(count));
-    if (consistent) {
+    if (consistent || count > kInsertedOneByOne) {
         for (long i = count - 1; i >= 0; --i)
             order.push_back(i);
         std::stable_sort(order.begin(), order.end(), [&](long a, long b) {

@@ -176,11 +176,19 @@ bool GeoidGrid::readCached(const std::filesystem::path &path, GeoidGrid &grid) {
         !readValue(in, cached.size) || !readValue(in, cached.modified) ||
         cached.size != stamp.size || cached.modified != stamp.modified || !readValue(in, b) ||
         !readValue(in, rows) || !readValue(in, columns) || rows < 2 || columns < 2 ||
-        rows > (1 << 20) || columns > (1 << 20))
+        static_cast<double>(rows) * columns > kMostNodes)
+        return false;
+    // The nodes must be in the copy before room is made for them: size
+    // fields of a damaged copy could ask for terabytes.
+    const std::streamoff nodesAt = in.tellg();
+    std::error_code ec;
+    const auto copySize = std::filesystem::file_size(cachePath, ec);
+    const auto bytes =
+        static_cast<std::uint64_t>(rows) * static_cast<std::uint64_t>(columns) * sizeof(float);
+    if (ec || nodesAt < 0 || copySize != static_cast<std::uint64_t>(nodesAt) + bytes)
         return false;
     GeoidGrid g(b, rows, columns);
-    const auto bytes = static_cast<std::streamsize>(g.m_nodes.size() * sizeof(float));
-    if (!in.read(reinterpret_cast<char *>(g.m_nodes.data()), bytes) || in.peek() != EOF)
+    if (!in.read(reinterpret_cast<char *>(g.m_nodes.data()), static_cast<std::streamsize>(bytes)))
         return false;
     grid = std::move(g);
     return true;

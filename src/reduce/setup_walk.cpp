@@ -4,6 +4,7 @@
 
 #include "base/angles.h"
 #include "base/format.h"
+#include "base/text.h"
 #include "base/translation.h"
 #include "base/unset.h"
 #include "raw/angle_math.h"
@@ -122,6 +123,23 @@ private:
         default:
             break;
         }
+    }
+
+    // A value field that holds text but no number: the record is
+    // miswritten. Passing over it would only report its point missing on
+    // some later line, so the run stops here and names this record.
+    bool refuseBadValue(const RawNode &node, std::initializer_list<std::size_t> fields, long line) {
+        for (const std::size_t i : fields) {
+            double v;
+            if (i < node.fields.size() && !trim(node.fields[i]).empty() &&
+                !parseNumber(node.fields[i], v)) {
+                const std::string value(trim(node.fields[i]));
+                stop(format(tr("Error: bad value %s on line# %ld"), value.c_str(), line),
+                     WalkOutcome::Status::Stopped);
+                return true;
+            }
+        }
+        return false;
     }
 
     static std::optional<double> heightOf(const std::string &text) {
@@ -278,6 +296,8 @@ private:
     void handleStorePoint(const RawNode &node, long line) {
         TraversePoint p;
         p.name = node.fields.size() > 0 ? node.fields[0] : "";
+        if (!p.name.empty() && refuseBadValue(node, {1, 2, 3}, line))
+            return;
         if (p.name.empty() || node.fields.size() < 3 || !parseNumber(node.fields[1], p.north) ||
             !parseNumber(node.fields[2], p.east))
             return;
@@ -333,6 +353,8 @@ private:
                                     m_setup.occupied.c_str(), line));
             return;
         }
+        if (refuseBadValue(node, {2, 3, 4}, line))
+            return;
         if (!o.hasHorizontal || !o.hasDistance || isUnset(o.horizontal) || isUnset(o.slopeDistance))
             return; // angle-only or empty shots carry no position
         const bool fromBacksight = turnedFromBacksight(o.horizontalKind);

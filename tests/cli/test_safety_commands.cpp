@@ -6,8 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -171,6 +176,46 @@ TEST_F(SafetyCli, ProcessWithoutAWorkingFolderLeavesNoEmptyFile) {
                            (dir / "new.crd").string(), "--workdir", (dir / "blocker").string()});
     EXPECT_EQ(r.code, 1);
     EXPECT_FALSE(fs::exists(dir / "new.crd"));
+}
+
+// Past a file-size limit the program says the save failed and leaves the
+// file and the folder as they were; it is not killed by SIGXFSZ midway.
+TEST_F(SafetyCli, FileSizeLimitGivesAnErrorNotADeath) {
+    const fs::path target = dir / "job.rw5", more = dir / "more.rw5";
+    const std::string job = "MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\n";
+    spit(target, job);
+    std::string notes;
+    while (notes.size() < 20000)
+        notes += "--a note long enough to take the file past its limit\n";
+    spit(more, notes);
+    int err[2];
+    ASSERT_EQ(::pipe(err), 0);
+    const pid_t pid = ::fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+        const rlimit limit{8192, 8192};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        std::signal(SIGXFSZ, SIG_DFL);
+        ::dup2(err[1], 2);
+        const int null = ::open("/dev/null", O_WRONLY);
+        ::dup2(null, 1);
+        ::execl(TRAMLINE_CLI_PROGRAM, "tramline-cli", "raw", "append", target.c_str(), more.c_str(),
+                static_cast<char *>(nullptr));
+        ::_exit(127);
+    }
+    ::close(err[1]);
+    std::string message;
+    char buffer[512];
+    for (ssize_t n; (n = ::read(err[0], buffer, sizeof buffer)) > 0;)
+        message.append(buffer, static_cast<std::size_t>(n));
+    ::close(err[0]);
+    int status = 0;
+    ASSERT_EQ(::waitpid(pid, &status, 0), pid);
+    ASSERT_FALSE(WIFSIGNALED(status)) << "killed by signal " << WTERMSIG(status);
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_TRUE(message.starts_with("Error: failed to write rawfile\n")) << message;
+    EXPECT_EQ(slurp(target), job);
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 2);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "crd/file_kinds.h"
 #include "crd/notes_file.h"
 
+#include <limits>
 #include <sys/stat.h>
 
 using namespace tramline::crd;
@@ -79,6 +80,38 @@ TEST_F(CoordinateFileTest, NewFilesTakeTheDefaultFormat) {
         const auto path = file("new" + std::to_string(c.setting) + ".crd");
         EXPECT_EQ(crd.open(path), c.format >= 0) << c.setting;
         EXPECT_EQ(crd.format(), c.format) << c.setting;
+    }
+}
+
+// No NaN or infinity reaches a file, by either way in, in either layout:
+// the point is refused with its own error and the file stays as it was.
+TEST_F(CoordinateFileTest, NonFiniteCoordinatesAreRefused) {
+    const double inf = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const struct {
+        const char *what;
+        double e, n, z;
+    } cases[] = {{"easting NaN", nan, 2, 3},
+                 {"northing infinite", 1, -inf, 3},
+                 {"elevation infinite", 1, 2, inf}};
+    for (const int format : {kFormatNumeric, kFormatAlphanumeric}) {
+        const auto path = file("site" + std::to_string(format) + ".crd");
+        CoordinateFile crd(context);
+        ASSERT_TRUE(crd.open(path, Create::Always, format));
+        putAll(crd, {"1"});
+        const Bytes before = readBytes(path);
+        for (const auto &c : cases) {
+            SCOPED_TRACE(std::string(c.what) + (format == kFormatNumeric ? " numeric" : " alpha"));
+            CrdPoint p;
+            p.set(c.e, c.n, c.z, "2", "");
+            EXPECT_FALSE(crd.writePoint(p, Verbosity::Quiet));
+            EXPECT_EQ(crd.lastError(), kNotANumber);
+            const CrdPoint both[] = {p, p};
+            std::vector<int> errors;
+            EXPECT_EQ(crd.writePoints(both, Verbosity::Quiet, &errors), 0);
+            EXPECT_EQ(errors, (std::vector<int>{kNotANumber, kNotANumber}));
+            EXPECT_EQ(readBytes(path), before);
+        }
     }
 }
 

@@ -269,6 +269,17 @@ TEST(GeoidGrid, CachedCopyFollowsItsGrid) {
     std::filesystem::resize_file(copy, std::filesystem::file_size(copy) - 4);
     EXPECT_NEAR(separationAt(11.5, 352.5), 7.375, 1e-6);
 
+    // A copy whose size fields promise a grid far larger than the copy is
+    // parsed past too, without making room for what it promises.
+    {
+        const auto bigCopy = cacheFiles().front();
+        std::fstream io(bigCopy, std::ios::binary | std::ios::in | std::ios::out);
+        const std::int32_t huge[2] = {1 << 20, 1 << 20};
+        io.seekp(static_cast<std::streamoff>(std::filesystem::file_size(bigCopy)) - 12 * 4 - 8);
+        io.write(reinterpret_cast<const char *>(huge), sizeof huge);
+    }
+    EXPECT_NEAR(separationAt(11.5, 352.5), 7.375, 1e-6);
+
     GeoidGrid::setCacheFolder({});
     std::filesystem::remove_all(dir / "cache");
     EXPECT_NEAR(separationAt(10.0, 350.0), 1.0, 1e-6);

@@ -295,6 +295,7 @@ TEST_F(RawDocumentTest, FailuresKeepEverything) {
     EXPECT_FALSE(doc.open(dir, ui)); // a folder
     ASSERT_EQ(::mkfifo((dir / "pipe.rw5").c_str(), 0666), 0);
     EXPECT_FALSE(doc.open(dir / "pipe.rw5", ui)); // would wait for a writer for ever
+    EXPECT_FALSE(doc.open("/dev/zero", ui));      // would never end
     EXPECT_EQ(doc.rowCount(), 1u);                // the open document is kept
 
     const auto target = write("keep.rw5", "old\n");

@@ -87,6 +87,15 @@ TEST_F(Processing, ErrorsStopWithTheirTextAndStoreNothing) {
          ",EL,--\n"
          "TR,OP2,FP1,AZ270,ZE90,SD10,--\n",
          AdjustMethod::AngleBalance, "Error: no angle balance shot found"},
+        // A value that is no number stops the run at its own record, not at
+        // the later one that misses the point it would have given.
+        {"a distance that is no number",
+         "SP,PN1,N 0,E 0,EL0,--\nSP,PN9,N 10,E 0,EL0,--\nOC,OP1,N ,E ,EL,--\nBK,OP1,BP9,BS,BC0\n"
+         "SS,OP1,FP2,AR90,ZE90,SD1O.5,--\nOC,OP2,N ,E ,EL,--\n",
+         AdjustMethod::None, "Error: bad value 1O.5 on line# 5"},
+        {"a store point easting that is no number",
+         "SP,PN1,N 0,E 0,EL0,--\nSP,PN2,N 5,E 1x,EL0,--\nOC,OP2,N ,E ,EL,--\n", AdjustMethod::None,
+         "Error: bad value 1x on line# 2"},
     };
     for (const auto &c : cases) {
         SetUp();
