@@ -5,6 +5,7 @@
 #include <proj.h>
 
 #include <cmath>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <random>
