@@ -60,19 +60,21 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     };
     std::vector<Item> items;
     items.reserve(points.size());
-    std::vector<std::string> lines(points.size()); // message lines, printed in order
+    // Message lines by point, printed in order; few points have one.
+    std::vector<std::pair<std::size_t, std::string>> lines;
     bool consistent = true;
     for (std::size_t i = 0; i < points.size(); ++i) {
         const CrdPoint &point = points[i];
         std::string name = normaliseAlphanumericName(point.name);
         errors[i] = hasFiniteCoordinates(point) ? checkAlphanumericName(name) : kNotANumber;
         if (errors[i] == kNameBlank)
-            lines[i] = tr("\nInvalid point number: empty string.");
+            lines.emplace_back(i, tr("\nInvalid point number: empty string."));
         if (errors[i] != kNoError)
             continue;
         std::string_view description = fileDescription(point.description);
         if (description.size() > kMaxDescription) {
-            lines[i] = tr("\nWarning: Truncating description that contains too many characters.");
+            lines.emplace_back(
+                i, tr("\nWarning: Truncating description that contains too many characters."));
             description = cutAtCharacter(description, kMaxDescription);
         }
         Item item{std::move(name), {}};
@@ -91,16 +93,25 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     std::vector<std::uint32_t> order(items.size());
     for (std::size_t i = 0; i < order.size(); ++i)
         order[i] = static_cast<std::uint32_t>(i);
-    std::stable_sort(order.begin(), order.end(), [&items](std::uint32_t a, std::uint32_t b) {
+    const auto before = [&items](std::uint32_t a, std::uint32_t b) {
         return comparePointNames(items[a].name, items[b].name) < 0;
-    });
-    // Of equal names the last one given wins, as it would overwrite the others.
-    std::vector<Item> unique;
-    unique.reserve(items.size());
+    };
+    // Points come mostly in the order they were numbered: one look decides
+    // whether they need sorting at all.
+    if (!std::is_sorted(order.begin(), order.end(), before))
+        std::stable_sort(order.begin(), order.end(), before);
+    // Of equal names the last one given wins, as it would overwrite the
+    // others. The positions are thinned in place: a copy of the items
+    // would double the memory of a large write.
+    std::size_t kept = 0;
     for (std::size_t i = 0; i < order.size(); ++i)
         if (i + 1 == order.size() ||
             comparePointNames(items[order[i]].name, items[order[i + 1]].name) != 0)
-            unique.push_back(std::move(items[order[i]]));
+            order[kept++] = order[i];
+    order.resize(kept);
+    const auto uniqueName = [&](std::size_t k) -> const std::string & {
+        return items[order[k]].name;
+    };
 
     // One pass over the file: is it strictly in order, and which names exist?
     long matches = 0;
@@ -121,9 +132,9 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
             std::string name =
                 alphaName(chunk.data() + static_cast<std::size_t>(i) * kAlphaRecordSize);
             consistent = !hasDot(name) && (start + i == 0 || comparePointNames(previous, name) < 0);
-            while (cursor < unique.size() && comparePointNames(unique[cursor].name, name) < 0)
+            while (cursor < order.size() && comparePointNames(uniqueName(cursor), name) < 0)
                 ++cursor;
-            if (cursor < unique.size() && comparePointNames(unique[cursor].name, name) == 0) {
+            if (cursor < order.size() && comparePointNames(uniqueName(cursor), name) == 0) {
                 ++matches;
                 ++cursor;
             }
@@ -139,14 +150,13 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
         }
         return written;
     }
-    for (const std::string &line : lines)
-        if (!line.empty())
-            say(quiet, line);
-    if (unique.empty())
+    for (const auto &line : lines)
+        say(quiet, line.second);
+    if (order.empty())
         return 0;
 
     const long long oldSize = m_store->size();
-    const long inserts = static_cast<long>(unique.size()) - matches;
+    const long inserts = static_cast<long>(order.size()) - matches;
     const long finalCount = m_count + inserts;
     auto failAll = [&]() -> long {
         for (int &code : errors)
@@ -159,7 +169,7 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
         return failAll();
     // Nothing below the first new name's place changes; from there on the
     // old bytes go into the journal first.
-    const Search first = searchAlphanumeric(unique.front().name);
+    const Search first = searchAlphanumeric(uniqueName(0));
     if (!first.ok || !beginMove(alphaOffset(first.index)))
         return failAll();
     if (!reserveTail(alphaOffset(m_count), static_cast<std::uint64_t>(inserts) * kAlphaRecordSize,
@@ -175,7 +185,7 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     std::vector<unsigned char> out(kMaxMoveRecords * kAlphaRecordSize);
     long old = m_count - 1; // next old record to merge
     long inLow = m_count;   // old records [inLow, inLow + inFill) are in `in`
-    long k = static_cast<long>(unique.size()) - 1;
+    long k = static_cast<long>(order.size()) - 1;
     long outTop = finalCount - 1; // slot of the last record in `out`
     long outFill = 0;
     bool ok = true;
@@ -202,12 +212,12 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
         const unsigned char *oldRecord =
             old >= 0 ? in.data() + static_cast<std::size_t>(old - inLow) * kAlphaRecordSize
                      : nullptr;
-        const int c = oldRecord ? comparePointNames(unique[static_cast<std::size_t>(k)].name,
+        const int c = oldRecord ? comparePointNames(uniqueName(static_cast<std::size_t>(k)),
                                                     alphaName(oldRecord))
                                 : 1;
         const unsigned char *source = nullptr;
         if (c >= 0) {
-            source = unique[static_cast<std::size_t>(k)].record.data();
+            source = items[order[static_cast<std::size_t>(k)]].record.data();
             --k;
             if (c == 0)
                 --old;

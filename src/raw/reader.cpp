@@ -105,6 +105,8 @@ void readObservation(const std::vector<std::string_view> &parts, const RawUnits 
                            : code == "CE" ? VerticalKind::CE
                                           : VerticalKind::VA;
         obs.hasVertical = number(afterCode(parts[4]), obs.verticalAngle);
+        obs.hasWrittenVertical = obs.hasVertical;
+        obs.writtenVertical = obs.verticalAngle;
     }
     if (parts.size() > 5) {
         const char first = parts[5].empty() ? ' ' : parts[5][0];
@@ -114,6 +116,9 @@ void readObservation(const std::vector<std::string_view> &parts, const RawUnits 
     }
     if (parts.size() > 6 && parts[6].size() > 2)
         obs.description.assign(parts[6].substr(2));
+    normalise(obs, units.angle);
+    if (obs.hasHorizontal && obs.hasWrittenVertical && obs.hasDistance)
+        return;
     // The field texts as written, for values that are not numbers: the
     // editor shows those as they stand rather than as zero.
     node.fields.assign(6, std::string{});
@@ -126,7 +131,6 @@ void readObservation(const std::vector<std::string_view> &parts, const RawUnits 
         node.fields[2].assign(value);
     }
     node.fields[5] = obs.description;
-    normalise(obs, units.angle);
 }
 
 struct PositionalRecord {

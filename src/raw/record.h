@@ -12,13 +12,14 @@
 
 #include "base/units.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace tramline::raw {
 
 /// Horizontal angle kinds, numbered as the reader numbers them.
-enum class HorizontalKind : int {
+enum class HorizontalKind : std::uint8_t {
     None = 0,
     NE = 1, ///< bearing north-east, written "BRN" value "E"
     SE = 2,
@@ -33,9 +34,9 @@ enum class HorizontalKind : int {
 };
 
 /// Vertical kinds: vertical angle, zenith angle, elevation difference.
-enum class VerticalKind : int { None = 0, VA = 1, ZE = 2, CE = 3 };
+enum class VerticalKind : std::uint8_t { None = 0, VA = 1, ZE = 2, CE = 3 };
 
-enum class DistanceKind : int { Slope = 0, Horizontal = 1 };
+enum class DistanceKind : std::uint8_t { Slope = 0, Horizontal = 1 };
 
 /// The editor's name of an angle kind ("NE", "AR", ...); empty for None.
 const char *horizontalKindName(HorizontalKind kind);
@@ -52,16 +53,21 @@ struct Observation {
     /// The backsight a reduced direct-reverse set was turned from (its
     /// BD/BR target); empty for a shot turned from its set-up's backsight.
     std::string backsight;
-    HorizontalKind horizontalKind = HorizontalKind::None;
-    double horizontal = 0.0;
-    bool hasHorizontal = false;
-    VerticalKind verticalKind = VerticalKind::None; ///< as written in the file
-    double verticalAngle = 0.0;                     ///< vertical angle after normalisation
-    bool hasVertical = false;
-    DistanceKind distanceKind = DistanceKind::Slope; ///< as written in the file
-    double slopeDistance = 0.0;                      ///< slope distance after normalisation
-    bool hasDistance = false;
     std::string description;
+    // Numbers first, then the small members together: a large job holds a
+    // million of these.
+    double horizontal = 0.0;
+    double verticalAngle = 0.0; ///< vertical angle after normalisation
+    /// The vertical value as written (angle, or CE's elevation difference).
+    double writtenVertical = 0.0;
+    double slopeDistance = 0.0; ///< slope distance after normalisation
+    HorizontalKind horizontalKind = HorizontalKind::None;
+    VerticalKind verticalKind = VerticalKind::None;  ///< as written in the file
+    DistanceKind distanceKind = DistanceKind::Slope; ///< as written in the file
+    bool hasHorizontal = false;
+    bool hasVertical = false;
+    bool hasWrittenVertical = false;
+    bool hasDistance = false;
 
     bool isSideshot() const { return type == "SS"; }
     bool isTraverse() const { return type == "TR"; }
@@ -83,7 +89,7 @@ struct Observation {
 
 /// Record types of the reader. Lines of any other type (notes, MO, JB,
 /// CC, unrecognised text) are kept whole as Text.
-enum class RecordType : int {
+enum class RecordType : std::uint8_t {
     Text,
     Occupy, ///< OC: OP (or PN), N, E, EL, note; the line also kept whole as text
     Observation,
@@ -103,13 +109,17 @@ enum class RecordType : int {
 };
 
 struct RawNode {
+    std::string name; ///< record name as in the file: "SP", "G1", "LS", ...
+    /// Values by position, codes removed. An observation keeps them only
+    /// when one of its angle or distance values is not a number: otherwise
+    /// `observation` holds everything the line said, and a million shots
+    /// need not carry every value twice.
+    std::vector<std::string> fields;
+    Observation observation; ///< for observations
+    std::string text;        ///< for Text and Occupy: the line itself (at most 64 characters)
+    size_t lineNumber = 0;   ///< 1-based line (piece) in the file
     RecordType type = RecordType::Text;
-    std::string name;                  ///< record name as in the file: "SP", "G1", "LS", ...
-    std::vector<std::string> fields;   ///< values by position, codes removed
-    Observation observation;           ///< for observations
     bool hasHi = false, hasHr = false; ///< for heights: which of the two the line held
-    std::string text;      ///< for Text and Occupy: the line itself (at most 64 characters)
-    size_t lineNumber = 0; ///< 1-based line (piece) in the file
 };
 
 /// The occupied point of an occupy line ("OC,OP12,N ..." or "OC,PN12,..."):

@@ -30,11 +30,13 @@ void validateRawNode(const RawNode &node, long row, const HeightLimits &limits,
                         o.horizontal, row),
                  true);
         // The vertical value as written, before normalisation.
-        if (!fieldNumber(node, 3, v))
+        if (!o.hasWrittenVertical || isUnset(o.writtenVertical))
             break;
+        v = o.writtenVertical;
         if (o.verticalKind == VerticalKind::CE) {
-            double distance = 0.0;
-            if (o.distanceKind == DistanceKind::Slope && fieldNumber(node, 4, distance) &&
+            // A slope distance is kept as written.
+            const double distance = o.slopeDistance;
+            if (o.distanceKind == DistanceKind::Slope && o.hasDistance && !isUnset(distance) &&
                 std::fabs(v) > std::fabs(distance))
                 sink(format(tr("Warning: Invalid elevation difference: %.4f at row: %ld (Greater "
                                "than slope distance)"),

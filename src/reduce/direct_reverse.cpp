@@ -149,9 +149,9 @@ public:
         // elevation differences, which read the same in both faces.
         s.elevationDifference = fd.verticalKind == raw::VerticalKind::CE;
         if (s.elevationDifference) {
-            double ceD = 0, ceR = 0;
-            parseNumber(f.fd->fields.size() > 3 ? f.fd->fields[3] : "", ceD);
-            parseNumber(f.fr->fields.size() > 3 ? f.fr->fields[3] : "", ceR);
+            const raw::Observation &direct = f.fd->observation, &reverse = f.fr->observation;
+            const double ceD = direct.hasWrittenVertical ? direct.writtenVertical : 0.0;
+            const double ceR = reverse.hasWrittenVertical ? reverse.writtenVertical : 0.0;
             s.vertical = (ceD + ceR) / 2.0;
             s.verticalDifference = ceD - ceR;
         } else {
@@ -199,12 +199,8 @@ public:
             o.verticalAngle = raw::angleFromDegrees(90.0 - s.vertical, m_unit);
             verticalText = format("%.6f", raw::angleFromDegrees(s.vertical, m_unit));
         }
-        node.fields = {o.occupied,
-                       o.foresight,
-                       format("%.6f", o.horizontal),
-                       verticalText,
-                       format("%.4f", o.slopeDistance),
-                       o.description};
+        // As a reader would take the line written with these values.
+        o.hasWrittenVertical = parseNumber(verticalText, o.writtenVertical);
         return node;
     }
 

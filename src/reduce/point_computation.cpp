@@ -10,10 +10,11 @@
 #include "base/format.h"
 #include "base/text.h"
 #include "base/translation.h"
+#include "reduce/name_flags.h"
 #include "reduce/setup_walk.h"
 
 #include <cmath>
-#include <unordered_set>
+#include <ostream>
 
 namespace tramline::reduce {
 
@@ -85,20 +86,23 @@ void appendColumnHeads(std::string &h) {
 // Stores the foresight of every shot the walk reduces, and lists the run.
 class Pass : public SetupWalkClient {
 public:
-    explicit Pass(const PassInput &input) : m_in(input), m_occupied(occupiedPoints(*input.file)) {
+    explicit Pass(const PassInput &input) : m_in(input) {
+        for (const auto &name : occupiedPoints(*input.file))
+            m_names.add(name, kOccupied | kWatched);
         for (const auto &node : input.file->nodes) {
             if (node.type == RecordType::Text && node.text.starts_with("--DZ,PN"))
-                m_watched.insert(node.text.substr(7, node.text.find(',', 7) - 7));
+                m_names.add(std::string_view(node.text).substr(7, node.text.find(',', 7) - 7),
+                            kWatched);
             else if ((node.type == RecordType::StorePoint || node.type == RecordType::Elevation) &&
                      !node.fields.empty())
-                m_watched.insert(node.fields[0]);
+                m_names.add(node.fields[0], kWatched);
             else if (node.type == RecordType::Backsight && node.fields.size() > 1)
-                m_watched.insert(node.fields[1]);
+                m_names.add(node.fields[1], kWatched);
             else if (node.type == RecordType::Observation && node.observation.isAngleBalance())
-                m_watched.insert(node.observation.foresight);
+                m_names.add(node.observation.foresight, kWatched);
         }
-        m_watched.insert(m_occupied.begin(), m_occupied.end());
-        m_watched.insert(input.closingPoint);
+        m_names.add(input.closingPoint, kWatched);
+        m_names.build();
         // Room for every record at once: a large job grows these a million times.
         const size_t records = input.file->nodes.size();
         m_r.points.reserve(records);
@@ -112,6 +116,7 @@ public:
                          ? PassResult::Status::Stopped
                          : PassResult::Status::ReturnToEditor;
         m_r.error = outcome.error;
+        flushSideshots(0);
         return std::move(m_r);
     }
 
@@ -194,12 +199,13 @@ public:
             ++m_r.traverseLines;
         } else if (o.isSideshot()) {
             ++m_r.sideshotCount;
-            if (m_occupied.count(p.name))
+            if (m_names.find(p.name) & kOccupied)
                 ++m_r.sideshotTraverses;
             std::string &ss = m_r.sideshots;
             appendPadded(ss, p.name, 9, false, true);
             ss += ' ';
             appendCoordinates(ss, p);
+            flushSideshots(kSideshotBlock);
         }
         if (shot.balance && !shot.traverse)
             return; // an angle balance shot only measures the closing direction
@@ -209,6 +215,17 @@ public:
     }
 
 private:
+    static constexpr size_t kSideshotBlock = size_t{1} << 20;
+
+    // Hands the sideshot list to its stream once it holds `atLeast` bytes.
+    void flushSideshots(size_t atLeast) {
+        std::string &ss = m_r.sideshots;
+        if (!m_in.sideshotOut || ss.empty() || ss.size() < atLeast)
+            return;
+        m_in.sideshotOut->write(ss.data(), static_cast<std::streamsize>(ss.size()));
+        ss.clear();
+    }
+
     TraversePoint foresightOf(const Setup &s, const ReducedShot &shot) const {
         const raw::Observation &o = *shot.observation;
         const double h = shot.measurement.horizontal;
@@ -258,7 +275,7 @@ private:
     }
 
     void store(TraversePoint p, long line, bool control) {
-        if (control || m_watched.count(p.name)) {
+        if (control || (m_names.find(p.name) & kWatched)) {
             const auto [it, isNew] = m_r.index.try_emplace(p.name, m_r.points.size());
             if (!isNew) {
                 if (m_r.points[it->second].control && !control)
@@ -273,8 +290,9 @@ private:
     }
 
     const PassInput &m_in;
-    std::set<std::string> m_occupied;
-    std::unordered_set<std::string> m_watched; ///< points the run looks up
+    static constexpr std::uint8_t kWatched = 1;  ///< a point the run looks up
+    static constexpr std::uint8_t kOccupied = 2; ///< a set-up somewhere in the file
+    NameFlags m_names;
     PassResult m_r;
 };
 

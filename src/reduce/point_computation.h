@@ -11,6 +11,7 @@
 #include "reduce/traverse_adjustment.h"
 
 #include <functional>
+#include <iosfwd>
 #include <map>
 #include <optional>
 #include <string>
@@ -58,6 +59,9 @@ struct PassInput {
     std::optional<SdrVerticalAdjustment> sdrVertical;
     /// The closing reference point: a shot to it is measured, not stored.
     std::string closingPoint;
+    /// When set, the sideshot list is written here as it grows instead of
+    /// being kept in PassResult::sideshots (a million shots make 60 MB).
+    std::ostream *sideshotOut = nullptr;
 };
 
 struct PassResult {

@@ -21,16 +21,22 @@ std::optional<TraversePoint> storedPoint(crd::CoordinateFile &coordinates, const
 inline constexpr int kHistoryPointStore = 20; ///< "Point Store: Edit-Process Raw File"
 inline constexpr int kHistorySideshot = 21;   ///< "Sideshot: Edit-Process Raw File"
 
+/// Points per bulk write of storePoints().
+inline constexpr size_t kStoreBlock = size_t{1} << 17;
+
 struct StoreResult {
     long stored = 0;
     std::vector<std::string> warnings; ///< "\nFailed to store point %s\non line %ld."
 };
 
-/// Writes `pass`'s points into `coordinates`. Points named in `adjusted`
+/// Writes `pass`'s points into `coordinates`, taking them out of `pass`. Points named in `adjusted`
 /// were moved by a traverse adjustment and are recorded under
 /// `adjustedOperation` (27 transit, 28 compass, 29 Crandall); control
 /// points under 20, the others under 21.
+/// They go to the file in bulk writes of `block` points, so that a large
+/// run never holds them twice over.
 StoreResult storePoints(PassResult &pass, crd::CoordinateFile &coordinates,
-                        const std::set<std::string> &adjusted, int adjustedOperation);
+                        const std::set<std::string> &adjusted, int adjustedOperation,
+                        size_t block = kStoreBlock);
 
 } // namespace tramline::reduce

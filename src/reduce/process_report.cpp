@@ -133,8 +133,16 @@ std::string pointList(const PassResult &pass) {
 
 std::string reportTail(const ReportTail &t) {
     std::string tail;
-    if (!t.sideshots.empty() && t.reportSideshots)
-        tail += std::string("\n") + tr("Sideshots") + "\n\n" + t.sideshots;
+    if (!t.sideshots.empty() && t.reportSideshots) {
+        // Piece by piece: the list may be 60 MB, and a sum of strings
+        // would copy it once for every +.
+        tail.reserve(t.sideshots.size() + t.multipleBacksights.size() + t.depths.size() +
+                     t.warnings.size() + 128);
+        tail += '\n';
+        tail += tr("Sideshots");
+        tail += "\n\n";
+        tail += t.sideshots;
+    }
     if (!t.multipleBacksights.empty())
         tail +=
             std::string("\n") + tr("Multiple Backsight Orientation") + "\n" + t.multipleBacksights;

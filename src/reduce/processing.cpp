@@ -26,6 +26,7 @@
 #include "reduce/traverse_selection.h"
 
 #include <cmath>
+#include <fstream>
 #include <unordered_map>
 
 namespace tramline::reduce {
@@ -74,12 +75,13 @@ private:
             warnings += line + "\n";
         if (!warnings.empty())
             warnings = m_files.through("warnings.tmp", warnings);
-        std::string tail = reportTail(
-            {m_sideshots, m_multipleBacksights, m_depths, warnings, m_opt.reportSideshots});
+        std::string tail =
+            reportTail({std::move(m_sideshots), std::move(m_multipleBacksights),
+                        std::move(m_depths), std::move(warnings), m_opt.reportSideshots});
         if (!m_result.error.empty())
             tail += "\n" + m_result.error + "\n";
         if (!tail.empty())
-            m_result.report.append(methodTab(m_opt.method), tail);
+            m_result.report.append(methodTab(m_opt.method), std::move(tail));
         return std::move(m_result);
     }
 
@@ -162,8 +164,16 @@ private:
 
     ClosureNames names() const { return {m_traverse.start, closingName(), m_traverse.end}; }
 
-    bool runPass(const PassInput &in, PassResult &out) {
+    bool runPass(PassInput in, PassResult &out) {
+        // Left out of the report, the sideshots go straight to their file.
+        std::ofstream sideshots;
+        m_sideshotsStreamed = !m_opt.reportSideshots && m_files.stream("sideshot.tmp", sideshots);
+        if (m_sideshotsStreamed)
+            in.sideshotOut = &sideshots;
         out = computePoints(in, m_ui);
+        if (m_sideshotsStreamed && !sideshots.flush())
+            m_ui.message(format(tr("Can't open output file %s"),
+                                (m_opt.workingFolder / "sideshot.tmp").string().c_str()));
         if (out.status == PassResult::Status::Stopped)
             return fail(out.error);
         if (out.status == PassResult::Status::ReturnToEditor)
@@ -261,7 +271,7 @@ private:
                 return false;
             PassInput in = passInput();
             in.traverseAngleCorrection = correction;
-            if (!runPass(in, pass) || !closure(pass))
+            if (!runPass(std::move(in), pass) || !closure(pass))
                 return false;
             const auto &c = m_closure;
             const char *title = tr("Closure Results (After Angle Balance)");
@@ -316,7 +326,7 @@ private:
         m_result.report.append(methodTab(m_opt.method), t);
         if (m_opt.reportUnadjusted)
             m_result.report.append(tr("Unadjusted Points"), pointList(pass));
-        if (!runPass(in, m_final))
+        if (!runPass(std::move(in), m_final))
             return false;
         // The sideshots as finally stored, from the adjusted stations.
         keepSideshots(std::move(m_final.sideshots));
@@ -326,6 +336,8 @@ private:
     // sideshot.tmp is written on every run; the report holds its text only
     // when it lists the sideshots.
     void keepSideshots(std::string text) {
+        if (m_sideshotsStreamed)
+            return;
         m_sideshots = m_files.through("sideshot.tmp", std::move(text));
         if (!m_opt.reportSideshots)
             std::string().swap(m_sideshots);
@@ -374,7 +386,7 @@ private:
         }
         if (m_opt.reportUnadjusted)
             m_result.report.append(tr("Unadjusted Points"), pointList(pass));
-        if (!runPass(in, m_final))
+        if (!runPass(std::move(in), m_final))
             return false;
         keepSideshots(std::move(m_final.sideshots));
         return true;
@@ -418,6 +430,7 @@ private:
     std::optional<SdrVerticalAdjustment> m_sdrV;
     PassCounts m_counts;
     PassResult m_final;
+    bool m_sideshotsStreamed = false; ///< the latest pass wrote sideshot.tmp itself
     std::set<std::string> m_adjusted; ///< traverse points moved by the adjustment
     TraverseClosure m_closure;        ///< of the latest pass along the traverse
 };

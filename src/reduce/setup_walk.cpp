@@ -107,7 +107,7 @@ private:
             handleStorePoint(node, line);
             break;
         case RecordType::Observation:
-            handleShot(node.observation, node, line);
+            handleShot(node.observation, line);
             break;
         case RecordType::Elevation: {
             double z;
@@ -333,7 +333,7 @@ private:
         return false;
     }
 
-    void handleShot(const raw::Observation &o, const RawNode &node, long line) {
+    void handleShot(const raw::Observation &o, long line) {
         if (!m_open) {
             stop(format(tr("No coordinate stored for Occupied Point %s\non line# %ld"),
                         o.occupied.c_str(), line),
@@ -382,11 +382,8 @@ private:
         mo.metres = m_metres;
         shot.measurement = reduceMeasurement(o.slopeDistance, radians(zenithDegrees), mo);
         shot.vertical = shot.measurement.vertical;
-        if (o.verticalKind == raw::VerticalKind::CE) {
-            double ce;
-            if (node.fields.size() > 3 && parseNumber(node.fields[3], ce))
-                shot.vertical = ce;
-        }
+        if (o.verticalKind == raw::VerticalKind::CE && o.hasWrittenVertical)
+            shot.vertical = o.writtenVertical;
 
         if (shot.traverse)
             ++m_traverseShots;

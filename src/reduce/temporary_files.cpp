@@ -3,8 +3,6 @@
 #include "base/format.h"
 #include "base/translation.h"
 
-#include <fstream>
-
 namespace tramline::reduce {
 
 bool TemporaryFiles::open(std::string &error) {
@@ -30,6 +28,13 @@ std::string TemporaryFiles::through(const char *name, std::string text) {
     if (!out.write(text.data(), static_cast<std::streamsize>(text.size())) || !out.flush())
         m_ui.message(format(tr("Can't open output file %s"), path.string().c_str()));
     return text;
+}
+
+bool TemporaryFiles::stream(const char *name, std::ofstream &out) const {
+    if (m_folder.empty())
+        return false;
+    out.open(m_folder / name, std::ios::binary | std::ios::trunc);
+    return out.is_open();
 }
 
 } // namespace tramline::reduce

@@ -7,6 +7,7 @@
 #include "base/interaction.h"
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 namespace tramline::reduce {
@@ -24,6 +25,10 @@ public:
     /// Writes `text` to the file `name` and gives it back (also when it
     /// cannot be written, after the message "Can't open output file %s").
     std::string through(const char *name, std::string text);
+
+    /// Opens the file `name` for a text written as it is produced; false
+    /// (and nothing opened) without a folder or when it cannot be opened.
+    bool stream(const char *name, std::ofstream &out) const;
 
 private:
     std::filesystem::path m_folder;

@@ -99,6 +99,39 @@ TEST(RawReader, ObservationFlagsAndFields) {
     EXPECT_FALSE(empty.hasDistance);
 }
 
+// An observation keeps the vertical value as written beside the normalised
+// one, and its field texts only when a value is not a number (which the
+// editor then shows as written).
+TEST(RawReader, ObservationKeepsWhatTheNumbersCannot) {
+    struct Case {
+        const char *line;
+        bool hasWritten;
+        double written;
+        std::vector<std::string> fields;
+    };
+    const Case cases[] = {
+        {"SS,OP1,FP2,AR10.0000,ZE87.3000,SD100.000,--A", true, 87.3, {}},
+        {"SS,OP1,FP2,AR10.0000,VA2.3000,HD100.000,--A", true, 2.3, {}},
+        {"SS,OP1,FP2,AR10.0000,CE3.000,HD100.000,--A", true, 3.0, {}},
+        {"SS,OP1,FP2,ARx,ZE87.3000,SD100.000,--A",
+         true,
+         87.3,
+         {"1", "2", "x", "87.3000", "100.000", "A"}},
+        {"SS,OP1,FP2,AR10.0000,ZE,SD5,--", false, 0.0, {"1", "2", "10.0000", "", "5", ""}},
+        {"SS,OP1,FP2,BRN45.3000E,ZE90,SD?,--", true, 90.0, {"1", "2", "45.3000", "90", "?", ""}},
+    };
+    for (const auto &c : cases) {
+        const RawFile f = readRawText(std::string(c.line) + "\n");
+        ASSERT_EQ(f.nodes.size(), 1u) << c.line;
+        const Observation &o = f.nodes[0].observation;
+        EXPECT_EQ(o.hasWrittenVertical, c.hasWritten) << c.line;
+        if (c.hasWritten) {
+            EXPECT_DOUBLE_EQ(o.writtenVertical, c.written) << c.line;
+        }
+        EXPECT_EQ(f.nodes[0].fields, c.fields) << c.line;
+    }
+}
+
 TEST(RawReader, RecordsAndTextRows) {
     const std::string text = "JB,NMX,DT1,TM2\n"
                              "MO,AD0,UN0,SF1.00000000,EC0,EO0,AU0\n"

@@ -31,6 +31,9 @@ TEST(ValidateRaw, Warnings) {
          {"Warning: Bad backsight azimuth: 400.0000 at row: 1 (Not dd.mmss format)",
           "Warning: Bad set backsight azimuth: 10.7000 at row: 1 (Not dd.mmss format)"}},
         {"SS,OP1,FP2,AR-98765432.1,ZE,SD1,--\n", {}}, // the unset value is never validated
+        {"SS,OP1,FP2,AR10.0000,ZE-98765432.1,SD1,--\n", {}},
+        {"SS,OP1,FP2,AR10.0000,CE5.0,SD-98765432.1,--\n", {}},
+        {"SS,OP1,FP2,AR10.0000,CE5.0,SDx,--\n", {}}, // no distance to compare with
         {"--UNITS GONS\nSS,OP1,FP2,AR10.9900,ZE99.9900,SD1,--\n", {}},
     };
     for (const auto &c : cases)

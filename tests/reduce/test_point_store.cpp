@@ -1,8 +1,10 @@
 // Processing leaves its trace in the coordinate file's history: store
 // points under "Point Store", shots under "Sideshot", and the traverse
 // points a rule moved under that rule's code.
+#include "base/format.h"
 #include "crd/history_file.h"
 #include "process_run.h"
+#include "reduce/point_store.h"
 
 #include <gtest/gtest.h>
 
@@ -60,6 +62,60 @@ TEST(PointStore, NoHistoryWhenTheFileKeepsNone) {
     test::ProcessRun run;
     ASSERT_EQ(run.run(kLoop, ProcessOptions{}).status, ProcessResult::Status::Done);
     EXPECT_FALSE(std::filesystem::exists(run.coordinates->historyPath()));
+}
+
+// Points go to the file in blocks; where the blocks fall changes nothing:
+// a name stored twice keeps its later position, its second history entry
+// records the change from the first, and a bad name is reported by its line.
+TEST(PointStore, BlocksLeaveTheSameFileAndHistory) {
+    auto computed = [](const char *name, double north, long line, bool control = false) {
+        ComputedPoint c;
+        c.point.name = name;
+        c.point.north = north;
+        c.point.east = 1.0;
+        c.line = line;
+        c.control = control;
+        return c;
+    };
+    struct Outcome {
+        std::vector<std::string> listing;
+        std::vector<std::string> history; ///< name, operation, flags per entry
+        std::vector<std::string> warnings;
+        long stored = 0;
+    };
+    auto store = [&](size_t block) {
+        test::ProcessRun run;
+        run.coordinates->setHistoryKeeping(true);
+        PassResult pass;
+        pass.points = {computed("1", 10.0, 1, true), computed("7", 20.0, 2), computed("", 30.0, 3),
+                       computed("8", 40.0, 4), computed("7", 50.0, 5)};
+        Outcome out;
+        const StoreResult r = storePoints(pass, *run.coordinates, {}, 28, block);
+        out.stored = r.stored;
+        out.warnings = r.warnings;
+        for (const char *name : {"1", "7", "8"})
+            if (const auto p = run.point(name))
+                out.listing.push_back(std::string(name) + " " + format("%.1f", p->northing));
+        const auto historyPath = run.coordinates->historyPath();
+        run.coordinates->close();
+        std::vector<crd::HistoryEntry> entries;
+        EXPECT_TRUE(crd::parseHistory(test::slurp(historyPath), entries));
+        for (const auto &e : entries)
+            out.history.push_back(format("%s %d %u", e.name.c_str(), e.operation, e.flags));
+        return out;
+    };
+    const Outcome whole = store(100);
+    EXPECT_EQ(whole.listing, (std::vector<std::string>{"1 10.0", "7 50.0", "8 40.0"}));
+    EXPECT_EQ(whole.stored, 4);
+    EXPECT_EQ(whole.warnings, (std::vector<std::string>{"\nFailed to store point \non line 3."}));
+    ASSERT_EQ(whole.history.size(), 4u);
+    for (const size_t block : {1u, 2u, 3u}) {
+        const Outcome part = store(block);
+        EXPECT_EQ(part.listing, whole.listing) << block;
+        EXPECT_EQ(part.history, whole.history) << block;
+        EXPECT_EQ(part.warnings, whole.warnings) << block;
+        EXPECT_EQ(part.stored, whole.stored) << block;
+    }
 }
 
 } // namespace
