@@ -3,6 +3,7 @@
 #include "base/format.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
+#include "cli/command_suggestion.h"
 
 #include <algorithm>
 #include <exception>
@@ -34,6 +35,8 @@ int run(const std::vector<std::string> &args, std::ostream &out, std::ostream &e
                 return kSuccess;
             } catch (const CLI::ParseError &e) {
                 app.exit(e, out, err);
+                if (const std::string hint = suggestSubcommand(app, args); !hint.empty())
+                    err << hint << '\n';
                 return kUsage;
             }
             return context.exitCode;

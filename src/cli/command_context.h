@@ -24,5 +24,9 @@ void addGeoCommands(CLI::App &app, CommandContext &context);
 void addLocalizeCommands(CLI::App &app, CommandContext &context);
 void addLsqCommands(CLI::App &app, CommandContext &context);
 void addConvertCommands(CLI::App &app, CommandContext &context);
+/// "geo convert", added under the "geo" command.
+void addGeoConvertCommands(CLI::App &geoApp, CommandContext &context);
+/// "crd transform", added under the "crd" command.
+void addCrdTransformCommand(CLI::App &crdApp, CommandContext &context);
 
 } // namespace tramline::cli

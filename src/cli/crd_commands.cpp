@@ -1,9 +1,11 @@
 // tramline-cli crd ...: coordinate files from the command line.
+#include "base/csv_writer.h"
 #include "base/folders.h"
 #include "base/format.h"
 #include "base/point_names.h"
 #include "base/text.h"
 #include "base/translation.h"
+#include "base/unset.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
 #include "crd/coordinate_file.h"
@@ -84,9 +86,17 @@ struct Store {
     CoordinateFile file;
 };
 
+// A point as one CSV record: a comma or quote in a name or description is
+// quoted, a missing elevation is an empty field.
 std::string pointLine(const CrdPoint &p) {
-    return format("%s,%.4f,%.4f,%.4f,%s", p.name.c_str(), p.northing, p.easting, p.elevation,
-                  p.description.c_str());
+    std::string line;
+    appendCsvField(line, p.name);
+    appendFormat(line, ",%.4f,%.4f,", p.northing, p.easting);
+    if (!isUnset(p.elevation))
+        appendFormat(line, "%.4f", p.elevation);
+    line += ',';
+    appendCsvField(line, p.description);
+    return line;
 }
 
 const char *formatName(int format) {
@@ -330,7 +340,8 @@ void addList(CLI::App &crdApp, CommandContext &ctx) {
                 points.push_back({{"name", p.name},
                                   {"northing", p.northing},
                                   {"easting", p.easting},
-                                  {"elevation", p.elevation},
+                                  {"elevation", isUnset(p.elevation) ? nlohmann::json()
+                                                                     : nlohmann::json(p.elevation)},
                                   {"description", p.description}});
             else
                 ctx.out << pointLine(p) << '\n';
@@ -553,6 +564,7 @@ void addCrdCommands(CLI::App &app, CommandContext &ctx) {
     addReplace(*crdApp, ctx);
     addPrint(*crdApp, ctx);
     addCrdRepairCommands(*crdApp, ctx);
+    addCrdTransformCommand(*crdApp, ctx);
 }
 
 } // namespace tramline::cli

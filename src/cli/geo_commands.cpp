@@ -1,14 +1,17 @@
 // tramline-cli geo ...: coordinate systems, projections and well-known
 // text from the command line.
+#include "base/angles.h"
 #include "base/folders.h"
 #include "base/format.h"
 #include "base/text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
+#include "cli/geoid_names.h"
 #include "cli/system_options.h"
 #include "geodesy/datum_shift.h"
 #include "geodesy/epsg.h"
+#include "geodesy/geoid_model.h"
 #include "geodesy/geoid_models.h"
 #include "geodesy/gtx_import.h"
 #include "geodesy/projection.h"
@@ -18,6 +21,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <charconv>
+#include <cmath>
 #include <cstdio>
 
 namespace tramline::cli {
@@ -368,6 +373,19 @@ struct GeoidLocation {
     }
 };
 
+// A model named by code or name; a number outside the table is left to
+// the model lookup, which says it does not exist.
+int modelCode(const std::string &text) {
+    if (const int code = geoidModelFromText(text))
+        return code;
+    int number = 0;
+    const std::string_view digits = trim(text);
+    const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (ec == std::errc() && end == digits.data() + digits.size())
+        return number;
+    throw CLI::ValidationError("--model", "no geoid model " + text + " (see geoid list)");
+}
+
 void addGeoidLocationOptions(CLI::App *cmd, GeoidLocation &location) {
     cmd->add_option("--data", location.data,
                     "The data folder holding the grids (default: the settings folder)");
@@ -382,21 +400,34 @@ void addSeparation(CLI::App &geoid, CommandContext &ctx) {
         geoid.add_subcommand("separation", "Geoid separation of a model at a position, metres");
     struct Options {
         GeoidLocation location;
-        int model = 0;
+        std::string model;
         double latitude = 0, longitude = 0;
+        bool json = false;
     };
     auto o = std::make_shared<Options>();
-    cmd->add_option("--model", o->model, "Geoid model code (1-78)")->required();
+    cmd->add_option("--model", o->model, "Geoid model: code (1-78) or name (see geoid list)")
+        ->required();
     cmd->add_option("LAT", o->latitude, "Latitude, decimal degrees, north positive")->required();
     cmd->add_option("LON", o->longitude, "Longitude, decimal degrees, east positive")->required();
+    cmd->add_flag("--json", o->json, "Write a JSON object");
     addGeoidLocationOptions(cmd, o->location);
     cmd->callback([&ctx, o] {
+        const int model = modelCode(o->model);
         GeoidModels models(o->location.folders());
         double separation = 0;
-        if (Status status = models.separation(o->model, o->latitude, o->longitude, separation);
+        if (Status status = models.separation(model, o->latitude, o->longitude, separation);
             !status)
-            return fail(ctx, status);
-        ctx.out << format("%.4f\n", separation);
+            return reportGeoidFailure(ctx, status, model, models.folders());
+        if (o->json)
+            ctx.out << nlohmann::json{{"model", model},
+                                      {"name", geoidModelName(model)},
+                                      {"latitude", o->latitude},
+                                      {"longitude", o->longitude},
+                                      {"separation", separation}}
+                           .dump()
+                    << '\n';
+        else
+            ctx.out << format("%.4f\n", separation);
     });
 }
 
@@ -423,14 +454,18 @@ void addArea(CLI::App &geoid, CommandContext &ctx) {
         GeoidLocation location;
         GeoidAreaSettings settings;
         std::string out;
+        std::string model;
         bool south = false, north = false, east = false, west = false, miles = false,
-             degrees = false;
+             degrees = false, dms = false;
     };
     auto o = std::make_shared<Options>();
-    auto *lat =
-        cmd->add_option("--lat", o->settings.latitude, "Latitude of the job's centre, dd.mmss");
-    auto *lon =
-        cmd->add_option("--lon", o->settings.longitude, "Longitude of the job's centre, dd.mmss");
+    // Decimal degrees as everywhere else on the command line; the settings
+    // keep dd.mmss, which --dms takes as it is.
+    auto *lat = cmd->add_option("--lat", o->settings.latitude,
+                                "Latitude of the job's centre, decimal degrees (south negative)");
+    auto *lon = cmd->add_option("--lon", o->settings.longitude,
+                                "Longitude of the job's centre, decimal degrees (west negative)");
+    cmd->add_flag("--dms", o->dms, "--lat and --lon are dd.mmss, as setgeoid.ini keeps them");
     auto *north = cmd->add_flag("--north", o->north, "The latitude is north");
     cmd->add_flag("--south", o->south, "The latitude is south")->excludes(north);
     auto *east = cmd->add_flag("--east", o->east, "The longitude is east");
@@ -438,8 +473,8 @@ void addArea(CLI::App &geoid, CommandContext &ctx) {
     auto *size = cmd->add_option("--size", o->settings.size, "Geoid Size: side of the square");
     auto *degrees = cmd->add_flag("--degrees", o->degrees, "The size is in degrees");
     cmd->add_flag("--miles", o->miles, "The size is in miles")->excludes(degrees);
-    auto *model =
-        cmd->add_option("--model", o->settings.model, "Geoid To Process: model code (1-78)");
+    auto *model = cmd->add_option("--model", o->model,
+                                  "Geoid To Process: model code (1-78) or name (see geoid list)");
     cmd->add_option("--out", o->out, "Geoid Separation File to Create (.grd or .gsf)")->required();
     addGeoidLocationOptions(cmd, o->location);
     cmd->callback([&ctx, o, lat, lon, size, model] {
@@ -447,14 +482,26 @@ void addArea(CLI::App &geoid, CommandContext &ctx) {
         const auto ini = folders.dataFolder / kSetGeoidIni;
         GeoidAreaSettings s;
         loadGeoidAreaSettings(ini, s);
-        if (lat->count())
-            s.latitude = o->settings.latitude;
-        if (lon->count())
-            s.longitude = o->settings.longitude;
+        // A signed decimal value gives its side too; the flags below win.
+        const auto angle = [&](double value) {
+            return o->dms ? std::fabs(value) : packDms(std::fabs(value), 2);
+        };
+        if (lat->count()) {
+            s.latitude = angle(o->settings.latitude);
+            if (!o->dms)
+                s.latitudeSide =
+                    o->settings.latitude < 0.0 ? LatitudeSide::South : LatitudeSide::North;
+        }
+        if (lon->count()) {
+            s.longitude = angle(o->settings.longitude);
+            if (!o->dms)
+                s.longitudeSide =
+                    o->settings.longitude < 0.0 ? LongitudeSide::West : LongitudeSide::East;
+        }
         if (size->count())
             s.size = o->settings.size;
         if (model->count())
-            s.model = o->settings.model;
+            s.model = modelCode(o->model);
         if (o->north || o->south)
             s.latitudeSide = o->north ? LatitudeSide::North : LatitudeSide::South;
         if (o->east || o->west)
@@ -481,6 +528,7 @@ void addGeoCommands(CLI::App &app, CommandContext &ctx) {
     addSeparation(*geoid, ctx);
     addArea(*geoid, ctx);
     addImport(*geoid, ctx);
+    addGeoidList(*geoid, ctx);
 
     auto *geo =
         app.add_subcommand("geo", "Coordinate systems: types, families and zones, well-known text, "
@@ -490,6 +538,7 @@ void addGeoCommands(CLI::App &app, CommandContext &ctx) {
     addWkt(*geo, ctx);
     addForward(*geo, ctx);
     addInverse(*geo, ctx);
+    addGeoConvertCommands(*geo, ctx);
 }
 
 } // namespace tramline::cli

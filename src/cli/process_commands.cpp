@@ -6,6 +6,7 @@
 #include "base/status_text.h"
 #include "base/text.h"
 #include "base/translation.h"
+#include "base/unset.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
 #include "crd/coordinate_file.h"
@@ -55,8 +56,53 @@ bool hasPicture(const Report &report) {
     return false;
 }
 
+nlohmann::json pointJson(const reduce::TraversePoint &p) {
+    return {{"name", p.name},
+            {"northing", p.north},
+            {"easting", p.east},
+            {"elevation", p.hasElevation ? nlohmann::json(p.elevation) : nlohmann::json()},
+            {"description", p.description}};
+}
+
+// The run's figures as numbers; an exact closure has no finite precision
+// ratio and gives null.
+void addFigures(nlohmann::json &doc, const reduce::ProcessFigures &figures) {
+    nlohmann::json closures = nlohmann::json::array(), adjusted = nlohmann::json::array(),
+                   stored = nlohmann::json::array();
+    for (const auto &[title, c] : figures.closures)
+        closures.push_back(
+            {{"title", title},
+             {"north", c.north},
+             {"east", c.east},
+             {"vertical", c.vertical},
+             {"horizontal", c.horizontal},
+             {"slope", c.slope},
+             {"azimuth", c.azimuth},
+             {"horizontalTraversed", c.horizontalTraversed},
+             {"slopeTraversed", c.slopeTraversed},
+             {"sides", c.sides},
+             {"precision", c.exact ? nlohmann::json() : nlohmann::json(c.precision)}});
+    for (const auto &a : figures.adjusted) {
+        nlohmann::json point = pointJson(a.point);
+        point["northCorrection"] = a.northCorrection;
+        point["eastCorrection"] = a.eastCorrection;
+        point["shift"] = a.shift;
+        adjusted.push_back(std::move(point));
+    }
+    for (const auto &p : figures.stored)
+        stored.push_back(pointJson(p));
+    nlohmann::json warnings = nlohmann::json::array();
+    for (const auto &w : figures.warnings)
+        if (const auto text = trim(w); !text.empty())
+            warnings.push_back(std::string(text));
+    doc["closures"] = closures;
+    doc["adjustedPoints"] = adjusted;
+    doc["storedPoints"] = stored;
+    doc["warnings"] = warnings;
+}
+
 void printReport(const Report &report, long pointsStored, const std::string &error, bool json,
-                 CommandContext &ctx) {
+                 CommandContext &ctx, const reduce::ProcessFigures &figures = {}) {
     if (json) {
         nlohmann::json tabs = nlohmann::json::array();
         for (const auto &t : report.tabs())
@@ -64,7 +110,8 @@ void printReport(const Report &report, long pointsStored, const std::string &err
         nlohmann::json doc = {{"title", report.title()},
                               {"tabs", tabs},
                               {"pointsStored", pointsStored},
-                              {"error", error}};
+                              {"error", error.empty() ? nlohmann::json() : nlohmann::json(error)}};
+        addFigures(doc, figures);
         ctx.out << doc.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
     } else if (!hasPicture(report)) {
         report.write(ctx.out);
@@ -248,11 +295,24 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
         return;
     }
     reduce::ProcessResult result = reduce::processRaw(file, o.file, coordinates, options, ui);
+    // The file has the last word on what was stored (adjusted traverse
+    // points replace their pass values).
+    for (reduce::TraversePoint &p : result.figures.stored) {
+        crd::CrdPoint stored;
+        if (!coordinates.readPoint(p.name, stored, crd::PointSearch::Exact, crd::Verbosity::Quiet))
+            continue;
+        p.north = stored.northing;
+        p.east = stored.easting;
+        p.hasElevation = !isUnset(stored.elevation);
+        p.elevation = stored.elevation;
+    }
     coordinates.close();
 
-    printReport(result.report, result.pointsStored, result.error, o.json, ctx);
+    printReport(result.report, result.pointsStored, result.error, o.json, ctx, result.figures);
     if (result.status != reduce::ProcessResult::Status::Done) {
-        if (!result.error.empty())
+        // A question nobody could answer has named the options to give;
+        // the run's own "cancelled" would say something else happened.
+        if (!result.error.empty() && !ui.unanswered)
             ctx.err << result.error << '\n';
         ctx.exitCode = kFailure;
     }

@@ -5,14 +5,19 @@
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
+#include "cli/stream_files.h"
 #include "raw/classify.h"
 #include "raw/document.h"
 #include "raw/streaming_check.h"
+#include "raw/text_scan.h"
 #include "raw/validate.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <iostream>
+#include <sstream>
 
 #include <nlohmann/json.hpp>
 
@@ -42,6 +47,11 @@ bool saveDocument(raw::RawDocument &doc, const std::string &output, CommandConte
     if (!ok)
         ctx.exitCode = kFailure;
     return ok;
+}
+
+void notRawData(CommandContext &ctx, const std::string &file, const std::string &why) {
+    ctx.err << tr("Error: not a raw data file") << '\n' << file << ": " << why << '\n';
+    ctx.exitCode = kFailure;
 }
 
 void addClassify(CLI::App &raw, CommandContext &ctx) {
@@ -291,25 +301,49 @@ void addCheck(CLI::App &raw, CommandContext &ctx) {
         raw.add_subcommand("check", "Check a raw file: what it holds, lines that are not records, "
                                     "angles that are not ddd.mmss");
     auto file = std::make_shared<std::string>();
-    cmd->add_option("FILE", *file, "RW5 file")->required();
+    cmd->add_option("FILE", *file, "RW5 file, - for standard input")->required();
     cmd->callback([&ctx, file] {
-        std::ifstream in;
+        std::ifstream fileIn;
+        std::istringstream standardIn;
+        std::istream *in = &fileIn;
         std::error_code ec;
-        if (!std::filesystem::is_directory(*file, ec))
-            in.open(*file, std::ios::binary);
-        if (!in.is_open()) {
+        errno = 0;
+        if (*file == "-") {
+            // Read twice (the byte scan, then the check): keep it in memory.
+            std::ostringstream whole;
+            whole << std::cin.rdbuf();
+            standardIn.str(whole.str());
+            in = &standardIn;
+        } else if (std::filesystem::is_directory(*file, ec)) {
+            errno = EISDIR;
+        } else {
+            fileIn.open(*file, std::ios::binary);
+        }
+        if (in == &fileIn && !fileIn.is_open()) {
+            const int error = errno ? errno : ENOENT;
             ctx.err << statusText(Status::failure(StatusCode::NotFound,
                                                   tr("Error: unable to read raw file")))
-                    << '\n';
+                    << '\n'
+                    << fileReason(*file, error) << '\n';
             ctx.exitCode = kFailure;
             return;
         }
+        const raw::TextScan scan = raw::scanText(*in);
+        if (scan.hasNul)
+            return notRawData(ctx, *file, tr("it holds NUL bytes"));
+        for (const std::size_t line : scan.longLines)
+            ctx.err << format(tr("Warning: line %zu is longer than %zu characters and is read "
+                                 "as several lines"),
+                              line, raw::kLongestRawLine)
+                    << '\n';
+        in->clear();
+        in->seekg(0);
         // One pass; what the report lists after the counts waits in
         // scratch files, so a file of any size checks in the same memory.
         ScratchText unrecognised, warnings;
         raw::StreamingCheck check;
         const Status status = raw::checkRawStream(
-            in, [&](const std::string &line) { unrecognised.add(line, false); },
+            *in, [&](const std::string &line) { unrecognised.add(line, false); },
             [&](const std::string &warning, bool dmsOnly) { warnings.add(warning, dmsOnly); },
             check);
         if (!status) {
@@ -317,6 +351,11 @@ void addCheck(CLI::App &raw, CommandContext &ctx) {
             ctx.exitCode = kFailure;
             return;
         }
+        // Mostly lines that are not records: some other kind of file.
+        if (unrecognised.count(true) * 2 > check.summary.lines)
+            return notRawData(ctx, *file,
+                              format(tr("%zu of its %zu lines are not raw data records"),
+                                     unrecognised.count(true), check.summary.lines));
         const raw::RawSummary &summary = check.summary;
         const bool dms = check.units.angle == AngleUnit::DegreesMinutesSeconds;
         ctx.out << "File: " << *file << '\n';

@@ -69,6 +69,7 @@ private:
     }
 
     ProcessResult finish() {
+        m_result.figures.warnings = m_warnings;
         // Whatever happened, the report ends with the findings so far.
         std::string warnings;
         for (const auto &line : m_warnings)
@@ -231,6 +232,7 @@ private:
             return;
         }
         const Closure c = computeClosure(*pass.closingEnd, *known, pass.sides);
+        m_result.figures.closures.push_back({tr("Closure Results"), c});
         m_result.report.append(tr("Closure Results"),
                                closureText(tr("Closure Results"), c, names(), m_counts));
     }
@@ -265,6 +267,7 @@ private:
             balance ? tr("Closure Results (Before Angle Balance)") : tr("Closure Results");
         m_result.report.append(firstTitle,
                                closureText(firstTitle, m_closure.closure, names(), m_counts));
+        m_result.figures.closures.push_back({firstTitle, m_closure.closure});
         if (balance) {
             double correction = 0.0;
             if (!angleBalance(pass, correction))
@@ -275,6 +278,7 @@ private:
                 return false;
             const auto &c = m_closure;
             const char *title = tr("Closure Results (After Angle Balance)");
+            m_result.figures.closures.push_back({title, c.closure});
             m_result.report.append(title,
                                    closureText(title, c.closure, names(), m_counts) +
                                        balancedClosureExtra(c.start, c.computedEnd, c.closure));
@@ -304,6 +308,7 @@ private:
                 return fail(format(tr("Error: point %s has no finite coordinates after the "
                                       "adjustment; nothing was stored."),
                                    p.point.name.c_str()));
+        m_result.figures.adjusted = adj.points;
         std::string t = adjustmentHeading(tr(m_method.closureTitle));
         // The final pass keeps the balanced directions through the fixed points.
         PassInput in = passInput();
@@ -404,6 +409,8 @@ private:
                                       "coordinates; nothing was stored."),
                                    t.name.c_str(), p.line));
         }
+        for (const ComputedPoint &p : m_final.points)
+            m_result.figures.stored.push_back(p.point);
         StoreResult r = storePoints(m_final, m_crd, m_adjusted, m_method.historyOperation);
         m_result.pointsStored = r.stored;
         m_result.storeFailures = r.warnings;

@@ -9,6 +9,7 @@
 #include "base/report.h"
 #include "crd/coordinate_file.h"
 #include "raw/reader.h"
+#include "reduce/process_figures.h"
 #include "reduce/process_options.h"
 
 #include <string>
@@ -29,6 +30,7 @@ struct ProcessResult {
     long pointsStored = 0;
     /// The report's lines about points that could not be written.
     std::vector<std::string> storeFailures;
+    ProcessFigures figures;
 };
 
 /// Runs the processing of `file` (which the store point checks may change)

@@ -234,12 +234,12 @@ TEST_F(CrdCommands, PutFromAndGetNamesFrom) {
         {{"crd", "list", path},
          0,
          "2,7.0000,8.0000,9.0000,again\n10,4.0000,5.0000,0.0000,no elevation\n"
-         "A_10,1000.0000,-2000.1250,12.5000,iron pin, set 1990\n",
+         "A_10,1000.0000,-2000.1250,12.5000,\"iron pin, set 1990\"\n",
          ""},
         {{"crd", "get", path, "--names-from", names},
          1,
          "10,4.0000,5.0000,0.0000,no elevation\n"
-         "A_10,1000.0000,-2000.1250,12.5000,iron pin, set 1990\n2,7.0000,8.0000,9.0000,again\n",
+         "A_10,1000.0000,-2000.1250,12.5000,\"iron pin, set 1990\"\n2,7.0000,8.0000,9.0000,again\n",
          "missing: The specified point was not found."},
         {{"crd", "get", path, "--names-from", (dir / "none.txt").string()},
          1,

@@ -202,8 +202,14 @@ TEST(GeoidCommands, SeparationFromTheGeoidsFolder) {
     r = cli({"geoid", "separation", "--model", "36", "--data", f.path.string(), "--server",
              "http://127.0.0.1:9/", "--timeout", "2", "52", "-1"});
     EXPECT_EQ(r.code, 1);
-    EXPECT_EQ(r.err,
-              "Error 7: failed to download geoid from\nhttp://127.0.0.1:9/GeoidGrids/osgm02.grd\n");
+    const std::string target = (f.path / "osgm02.grd").string();
+    EXPECT_EQ(r.err, "Error 7: failed to download geoid from\n"
+                     "http://127.0.0.1:9/GeoidGrids/osgm02.grd\n"
+                     "The grid osgm02.grd is not in " +
+                         f.path.string() +
+                         ": copy it there, or convert a PROJ grid with \"tramline-cli geoid "
+                         "import SRC.gtx " +
+                         target + "\"\n");
     r = cli({"geoid", "separation", "--model", "99", "--data", f.path.string(), "1", "1"});
     EXPECT_EQ(r.code, 1);
     EXPECT_EQ(r.err, "Error: unable to find geoid model\n");
@@ -214,7 +220,7 @@ TEST(GeoidCommands, AreaRemembersItsEntries) {
     tramline::test::ScratchFolder f;
     std::ofstream(f.path / "egm96.grd") << kWorld;
     const std::string data = f.path.string(), out = (f.path / "job.grd").string();
-    auto r = cli({"geoid", "area", "--model", "6", "--lat", "45.3", "--lon", "100.15", "--west",
+    auto r = cli({"geoid", "area", "--model", "EGM96", "--lat", "45.5", "--lon", "100.25", "--west",
                   "--size", "50", "--data", data, "--out", out});
     EXPECT_EQ(r.code, 1);
     EXPECT_EQ(r.err, "Warning: max geoid size is 15 degrees\n");
@@ -265,4 +271,58 @@ TEST(GeoidCommands, ImportAGtxGrid) {
     r = cli({"geoid", "import", (f.path / "none.gtx").string(), grd});
     EXPECT_EQ(r.code, 1);
     EXPECT_NE(r.err.find("Error: unable to open"), std::string::npos);
+}
+
+// Decimal degrees unless --dms: 40.5 is 40 deg 30 min, and the sign gives
+// the side; with --dms the value is kept as dd.mmss.
+TEST(GeoidCommands, AreaTakesDecimalDegreesUnlessDms) {
+    struct Case {
+        std::vector<std::string> args;
+        const char *latitude, *side;
+    };
+    const Case cases[] = {
+        {{"--lat", "40.5"}, "lat_val=40.3000", "is_north=1"},
+        {{"--lat", "-40.5"}, "lat_val=40.3000", "is_north=0"},
+        {{"--lat", "40.5", "--dms"}, "lat_val=40.5000", "is_north=1"},
+        {{"--lat", "-40.5", "--north"}, "lat_val=40.3000", "is_north=1"},
+    };
+    for (const Case &c : cases) {
+        tramline::test::ScratchFolder f;
+        std::ofstream(f.path / "egm96.grd") << kWorld;
+        auto args = std::vector<std::string>{
+            "geoid",  "area",          "--model", "6",
+            "--lon",  "100",           "--size",  "2",
+            "--data", f.path.string(), "--out",   (f.path / "job.grd").string()};
+        args.insert(args.end(), c.args.begin(), c.args.end());
+        const auto r = cli(args);
+        ASSERT_EQ(r.code, 0) << r.err;
+        const std::string ini = tramline::test::slurp(f.path / "setgeoid.ini");
+        EXPECT_NE(ini.find(c.latitude), std::string::npos) << ini;
+        EXPECT_NE(ini.find(c.side), std::string::npos) << ini;
+    }
+}
+
+TEST(GeoidCommands, ListAndNames) {
+    tramline::test::ScratchFolder f;
+    std::ofstream(f.path / "egm96.grd") << kWorld;
+    const auto list = cli({"geoid", "list", "--data", f.path.string(), "--json"});
+    ASSERT_EQ(list.code, 0) << list.err;
+    const auto models = nlohmann::json::parse(list.out);
+    bool seen = false;
+    for (const auto &model : models) {
+        if (model["code"] != 6)
+            continue;
+        seen = true;
+        EXPECT_EQ(model["present"], nlohmann::json::array({"egm96.grd"}));
+        EXPECT_EQ(model["area"]["north"], 90.0);
+    }
+    EXPECT_TRUE(seen);
+    // A name works wherever a code does, in any case and with or without .grd.
+    for (const char *name : {"6", "egm96", "EGM96.grd"}) {
+        const auto r = cli({"geoid", "separation", "--model", name, "--data", f.path.string(),
+                            "--json", "45", "-100"});
+        ASSERT_EQ(r.code, 0) << name << r.err;
+        EXPECT_EQ(nlohmann::json::parse(r.out)["separation"], 14.5) << name;
+    }
+    EXPECT_EQ(cli({"geoid", "separation", "--model", "Atlantis", "1", "1"}).code, 2);
 }

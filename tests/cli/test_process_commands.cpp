@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <sstream>
 
 using namespace tramline;
@@ -65,6 +66,7 @@ TEST_F(ProcessCli, UnansweredDialogsNameTheirOption) {
     EXPECT_NE(
         r.err.find("The \"Traverse Points\" dialog needs an answer: give --start P and --end P"),
         std::string::npos);
+    EXPECT_EQ(r.err.find("Function cancelled at user request"), std::string::npos) << r.err;
     EXPECT_FALSE(std::filesystem::exists(dir / "job.crd") &&
                  std::filesystem::file_size(dir / "job.crd") > 104u);
 }
@@ -90,3 +92,42 @@ TEST_F(ProcessCli, BadUsageAndFailures) {
 }
 
 } // namespace
+
+// The figures as numbers agree with the report text they come from.
+TEST_F(ProcessCli, JsonCarriesClosureAndPointsAsNumbers) {
+    const Result r = runCli(process(
+        {"--method", "compass", "--start", "1", "--end", "1", "--angle-balance", "--json"}));
+    ASSERT_EQ(r.code, 0) << r.err;
+    const auto doc = nlohmann::json::parse(r.out);
+    ASSERT_EQ(doc["closures"].size(), 2u);
+    EXPECT_EQ(doc["closures"][1]["title"], "Closure Results (After Angle Balance)");
+    std::string text;
+    for (const auto &tab : doc["tabs"])
+        if (tab["title"] == "Closure Results (After Angle Balance)")
+            text = tab["text"];
+    const auto at = text.find("Closure Precision: 1 in ");
+    ASSERT_NE(at, std::string::npos) << text;
+    const double shown = std::stod(text.substr(at + 24));
+    const auto &closure = doc["closures"][1];
+    EXPECT_NEAR(closure["precision"].get<double>(), shown, 0.06);
+    EXPECT_NEAR(closure["horizontal"].get<double>(),
+                std::hypot(closure["north"].get<double>(), closure["east"].get<double>()), 1e-9);
+    EXPECT_NEAR(closure["horizontalTraversed"].get<double>() / closure["horizontal"].get<double>(),
+                shown, 0.06);
+    EXPECT_TRUE(doc["error"].is_null());
+    EXPECT_TRUE(doc["warnings"].is_array());
+    ASSERT_FALSE(doc["adjustedPoints"].empty());
+    // Each stored point as the coordinate file holds it (the adjusted values).
+    const auto file =
+        nlohmann::json::parse(runCli({"crd", "list", (dir / "job.crd").string(), "--json"}).out);
+    std::size_t matched = 0;
+    for (const auto &p : doc["storedPoints"])
+        for (const auto &f : file)
+            if (f["name"] == p["name"]) {
+                ++matched;
+                EXPECT_NEAR(p["northing"].get<double>(), f["northing"].get<double>(), 1e-9);
+                EXPECT_NEAR(p["easting"].get<double>(), f["easting"].get<double>(), 1e-9);
+            }
+    EXPECT_EQ(matched, file.size());
+    EXPECT_EQ(doc["storedPoints"].size(), doc["pointsStored"].get<std::size_t>());
+}

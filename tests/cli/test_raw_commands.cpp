@@ -109,7 +109,8 @@ TEST_F(RawCli, FailuresPrintTheMessageAndExitOne) {
          }) {
         const Result r = runCli(args);
         EXPECT_EQ(r.code, 1);
-        EXPECT_EQ(r.err, "Error: unable to read raw file\n");
+        // The message first; check adds the file and the reason after it.
+        EXPECT_EQ(r.err.rfind("Error: unable to read raw file\n", 0), 0u) << r.err;
     }
     const Result w = runCli({"raw", "modify", job, "--field", "distance", "--delta", "1",
                              "--points", "2", "-o", dir.string()});
