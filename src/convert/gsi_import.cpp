@@ -49,7 +49,7 @@ struct Reading {
     std::string to, note;
     double horizontal = 0.0, zenith = 90.0, distance = 0.0, targetHeight = 0.0;
     bool slope = true, face2 = false;
-    std::string pointLine; ///< the store-point line of the block's coordinates
+    std::size_t point = std::string::npos; ///< the block's coordinates, in the points
 };
 
 class GsiImport {
@@ -80,6 +80,7 @@ private:
     void setUp(const std::string &station, const Words &words, int e, int n, int z);
     std::string point(const std::string &name, const Words &words, int e, int n, int z,
                       const std::string &description);
+    static std::string storePointLine(const crd::CrdPoint &p);
     void codeBlock(const Words &words);
     void wildSoftCode(int code, const Words &words);
     void tenTwentyCode(int code, const Words &words);
@@ -197,8 +198,10 @@ void GsiImport::measurement(const Words &words) {
     reading.targetHeight = m_targetHeight;
     reading.note = m_next999 ? std::string("999") : text(words, 71);
     m_next999 = false;
-    if (hasCoordinates)
-        reading.pointLine = point(name, words, 81, 82, 83, reading.note);
+    if (hasCoordinates) {
+        point(name, words, 81, 82, 83, reading.note);
+        reading.point = m_out.points.size() - 1;
+    }
     m_lastPointLine = std::string::npos;
     m_pending.push_back(std::move(reading));
 }
@@ -230,8 +233,13 @@ std::string GsiImport::point(const std::string &name, const Words &words, int e,
     if (!hasZ)
         p.elevation = kUnsetPositive;
     m_out.points.push_back(p);
-    return raw::writeStorePoint(name, format("%.4f", northing), format("%.4f", easting),
-                                hasZ ? format("%.4f", elevation) : "", description);
+    return storePointLine(p);
+}
+
+std::string GsiImport::storePointLine(const crd::CrdPoint &p) {
+    return raw::writeStorePoint(p.name, format("%.4f", p.northing), format("%.4f", p.easting),
+                                isUnset(p.elevation) ? "" : format("%.4f", p.elevation),
+                                p.description);
 }
 
 void GsiImport::codeBlock(const Words &words) {
@@ -246,13 +254,12 @@ void GsiImport::codeBlock(const Words &words) {
     if (code == 90 && !coded(GsiCoding::TenTwentyThirtyForty)) {
         const std::string description = text(words, 42);
         if (m_lastPointLine != std::string::npos && !m_out.points.empty()) {
-            auto &p = m_out.points.back();
-            p.description = description;
-            m_out.lines[m_lastPointLine] = raw::writeStorePoint(
-                p.name, format("%.4f", p.northing), format("%.4f", p.easting),
-                isUnset(p.elevation) ? "" : format("%.4f", p.elevation), description);
+            m_out.points.back().description = description;
+            m_out.lines[m_lastPointLine] = storePointLine(m_out.points.back());
         } else if (!m_pending.empty()) {
             m_pending.back().note = description;
+            if (m_pending.back().point != std::string::npos)
+                m_out.points[m_pending.back().point].description = description;
         }
         return;
     }
@@ -391,7 +398,7 @@ void GsiImport::flush() {
             if (reading.to == m_backsight && !first)
                 first = &reading;
         emit(raw::writeBacksight(m_station, m_backsight, "",
-                                 first ? formatDms(first->horizontal) : std::string()));
+                                 first ? formatDms(first->horizontal, 5) : std::string()));
     }
     m_backsightLineDue = false;
     std::vector<bool> written(m_pending.size(), false);
@@ -413,11 +420,12 @@ void GsiImport::writeReading(Reading &reading, SetRole role, bool first) {
     }
     const char *angleTag = m_options.azimuths ? "AZ" : "AR";
     emit(format("%s,OP%s,FP%s,%s%s,ZE%s,%s%.4f,--%s\n", type, m_station.c_str(), reading.to.c_str(),
-                angleTag, formatDms(reading.horizontal).c_str(), formatDms(reading.zenith).c_str(),
-                reading.slope ? "SD" : "HD", reading.distance, reading.note.c_str()));
+                angleTag, formatDms(reading.horizontal, 5).c_str(),
+                formatDms(reading.zenith, 5).c_str(), reading.slope ? "SD" : "HD", reading.distance,
+                reading.note.c_str()));
     ++m_out.observations;
-    if (first && !reading.pointLine.empty())
-        emit(std::move(reading.pointLine));
+    if (first && reading.point != std::string::npos)
+        emit(storePointLine(m_out.points[reading.point]));
 }
 
 bool looksLikeGsi(const SourceLines &source) {
