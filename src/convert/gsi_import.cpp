@@ -16,6 +16,7 @@
 //   (dashes) stays missing, not zero;
 // - WildSoft codes beyond their note: 14 sets the target height from word
 //   42; 90 gives the previous block its description; 2 is the job number,
+//   3 the instrument height (word 42),
 //   20 the job name, 21 with text the personnel, 22 the date and time, 26
 //   a free remark; 5 to 10 are the offsets left, right, up, down, toward
 //   and away (word 42 the length), 11 a temporary point; other codes from
@@ -73,7 +74,7 @@ private:
     }
     static std::string text(const Words &words, int index) {
         const Word *word = findWord(words, index);
-        return word ? nameOf(*word) : std::string();
+        return word ? textOf(*word) : std::string();
     }
 
     void measurement(const Words &words);
@@ -175,10 +176,12 @@ void GsiImport::measurement(const Words &words) {
     const Word *horizontal = findWord(words, 21);
     const bool hasZe = findWord(words, 22) && angleDegrees(*findWord(words, 22), ze);
     const bool hasSd = number(words, 31, sd), hasHd = number(words, 32, hd);
-    const bool hasCoordinates = findWord(words, 81) || findWord(words, 82);
-    const bool measured = horizontal && angleDegrees(*horizontal, hz) &&
-                          !(hasCoordinates && ze == 0.0 && sd == 0.0 && hd == 0.0);
-    if (!measured) {
+    double e = 0.0, n = 0.0, z = 0.0;
+    const bool hasE = number(words, 81, e), hasN = number(words, 82, n);
+    number(words, 83, z);
+    const bool hasCoordinates = hasE || hasN;
+    const bool angled = horizontal && angleDegrees(*horizontal, hz);
+    if (!angled || (hasCoordinates && ze == 0.0 && sd == 0.0 && hd == 0.0)) {
         if (!hasCoordinates) {
             skip(trNoop("block without angles or coordinates"));
             return;
@@ -198,7 +201,9 @@ void GsiImport::measurement(const Words &words) {
     reading.targetHeight = m_targetHeight;
     reading.note = m_next999 ? std::string("999") : text(words, 71);
     m_next999 = false;
-    if (hasCoordinates) {
+    // All-zero coordinates in a reading are none: our export writes zeros
+    // when it knows no coordinates.
+    if (hasCoordinates && (e != 0.0 || n != 0.0 || z != 0.0)) {
         point(name, words, 81, 82, 83, reading.note);
         reading.point = m_out.points.size() - 1;
     }
@@ -288,6 +293,12 @@ void GsiImport::wildSoftCode(int code, const Words &words) {
         return;
     case 2:
         emit(format("Job#:%s\n", w42.c_str()));
+        return;
+    case 3:
+        if (number(words, 42, length)) {
+            m_instrumentHeight = length;
+            emit(format("LS,HI%.3f\n", length));
+        }
         return;
     case 4:
         emit(format("--Code 4 : Reference Closing Point = %s\n", w42.c_str()));

@@ -97,4 +97,11 @@ std::string nameOf(const Word &word) {
     return data.empty() ? std::string("0") : std::string(data);
 }
 
+std::string textOf(const Word &word) {
+    std::string text = nameOf(word);
+    if (text == "0")
+        text.clear();
+    return text;
+}
+
 } // namespace tramline::convert::gsi

@@ -42,4 +42,8 @@ bool inFeet(const Word &word);
 /// data holds nothing else.
 std::string nameOf(const Word &word);
 
+/// A text word (remark, description): as nameOf(), but empty when the data
+/// holds only zeros.
+std::string textOf(const Word &word);
+
 } // namespace tramline::convert::gsi

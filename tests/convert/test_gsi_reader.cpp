@@ -122,6 +122,8 @@ TEST(GsiValue, NamesLoseLeadingZerosOnly) {
                  {"0000MK27", "MK27"}};
     for (const auto &c : cases)
         EXPECT_EQ(nameOf(Word{11, "0001", '+', c.data}), c.name);
+    EXPECT_EQ(textOf(Word{42, "....", '+', "0000000000000000"}), "") << "an empty remark";
+    EXPECT_EQ(textOf(Word{42, "....", '+', "00000000000FENCE"}), "FENCE");
 }
 
 } // namespace
