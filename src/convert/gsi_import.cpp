@@ -409,7 +409,7 @@ void GsiImport::flush() {
             if (reading.to == m_backsight && !first)
                 first = &reading;
         emit(raw::writeBacksight(m_station, m_backsight, "",
-                                 first ? formatDms(first->horizontal, 5) : std::string()));
+                                 first ? formatDms(first->horizontal, 6) : std::string()));
     }
     m_backsightLineDue = false;
     std::vector<bool> written(m_pending.size(), false);
@@ -431,8 +431,8 @@ void GsiImport::writeReading(Reading &reading, SetRole role, bool first) {
     }
     const char *angleTag = m_options.azimuths ? "AZ" : "AR";
     emit(format("%s,OP%s,FP%s,%s%s,ZE%s,%s%.4f,--%s\n", type, m_station.c_str(), reading.to.c_str(),
-                angleTag, formatDms(reading.horizontal, 5).c_str(),
-                formatDms(reading.zenith, 5).c_str(), reading.slope ? "SD" : "HD", reading.distance,
+                angleTag, formatDms(reading.horizontal, 6).c_str(),
+                formatDms(reading.zenith, 6).c_str(), reading.slope ? "SD" : "HD", reading.distance,
                 reading.note.c_str()));
     ++m_out.observations;
     if (first && reading.point != std::string::npos)

@@ -83,13 +83,13 @@ TEST(GsiImport, WildSoftBlocksAndCodes) {
                            "OC,OPS1,N 2000.0000,E 1000.0000,EL100.0000,--\n"
                            "SP,PNS1,N 2000.0000,E 1000.0000,EL100.0000,--\n"
                            "LS,HI1.500\n"
-                           "BK,OPS1,BPB1,BS,BC0.00000\n"
+                           "BK,OPS1,BPB1,BS,BC0.000000\n"
                            "LS,HR1.300\n"
-                           "SS,OPS1,FPB1,AR0.00000,ZE90.00000,SD50.0000,--\n"
+                           "SS,OPS1,FPB1,AR0.000000,ZE90.000000,SD50.0000,--\n"
                            "--Code 14 : Change to Rod Height\n"
                            "LS,HR2.000\n"
                            "--Using 999 vertical offset code\n"
-                           "SS,OPS1,FPP7,AR45.30150,ZE270.00000,HD12.3450,--FENCE\n"
+                           "SS,OPS1,FPP7,AR45.301500,ZE270.000000,HD12.3450,--FENCE\n"
                            "SP,PNP7,N 2.0000,E 1.0000,EL,--FENCE\n"
                            "--OFFSET UP 0.250\n");
     EXPECT_EQ(out.observations, 2);
@@ -110,16 +110,16 @@ TEST(GsiImport, CodingsWriteTheirOwnShapes) {
         // A shot to a point set up later is a traverse shot in Liscad.
         {{convert::GsiCoding::Liscad},
          station + shot + "*110003+00000000000000S2 84..10+0 \n",
-         "TR,OPS1,FPS2,AR10.00000,ZE90.00000,SD50.0000,--\n"},
+         "TR,OPS1,FPS2,AR10.000000,ZE90.000000,SD50.0000,--\n"},
         {{convert::GsiCoding::Liscad}, station + shot, "--UNITS METERS\n"},
         {{convert::GsiCoding::WildSoft},
          station + shot,
-         "SS,OPS1,FPS2,AR10.00000,ZE90.00000,SD50.0000,--\n"},
+         "SS,OPS1,FPS2,AR10.000000,ZE90.000000,SD50.0000,--\n"},
         {{convert::GsiCoding::TenTwentyThirtyForty, FaceOrder::BFFB, true, true},
          "*410001+0000000000000010 42....+00000000000000S9 43....+0000000000001600 \n"
          "*410002+0000000000000020 42....+00000000000000S8 \n" +
              shot,
-         "SS,OPS9,FPS2,AZ10.00000,ZE90.00000,SD50.0000,--\n"},
+         "SS,OPS9,FPS2,AZ10.000000,ZE90.000000,SD50.0000,--\n"},
         {{convert::GsiCoding::TenTwentyThirtyForty},
          "*410001+0000000000000010 42....+00000000000000S9 43....+0000000000001600 \n" + shot,
          "LS,HI1.600\n"},
