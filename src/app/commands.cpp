@@ -206,6 +206,12 @@ void CKELMADlg::dispatch(int id) {
     case cmd::ExportPointsText:
         exportTextPoints();
         return;
+    case cmd::ImportRawLeica:
+        importRawFormat("Leica");
+        return;
+    case cmd::ExportRawLeica:
+        exportRawFormat("Leica");
+        return;
     case cmd::ImageTramline:
         startCompanion("imagery");
         return;

@@ -8,6 +8,7 @@
 #include "cli/console_interaction.h"
 #include "convert/export_flow.h"
 #include "convert/import_flow.h"
+#include "convert/point_flow.h"
 #include "convert/registry.h"
 #include "convert/text_points_flow.h"
 #include "crd/coordinate_file.h"
@@ -55,6 +56,7 @@ void addFormats(CLI::App &app, CommandContext &ctx) {
 
 struct ImportOptions {
     std::string format, file, output, crd, backsight = "sideshots", layout;
+    std::string coding = "wildsoft", order = "bffb";
 };
 
 void addImport(CLI::App &app, CommandContext &ctx) {
@@ -69,6 +71,10 @@ void addImport(CLI::App &app, CommandContext &ctx) {
         ->check(CLI::IsMember({"sideshots", "notes"}, CLI::ignore_case));
     cmd->add_option("--format", o->layout, "Layout of a file without header: sdr33 or sdr2x")
         ->check(CLI::IsMember({"sdr33", "sdr2x"}, CLI::ignore_case));
+    cmd->add_option("--coding", o->coding, "GSI coding system: wildsoft, liscad or 10-20-30-40")
+        ->check(CLI::IsMember({"wildsoft", "liscad", "10-20-30-40"}, CLI::ignore_case));
+    cmd->add_option("--order", o->order, "GSI direct-reverse order: bffb or bfbf")
+        ->check(CLI::IsMember({"bffb", "bfbf"}, CLI::ignore_case));
     cmd->callback([&ctx, o] {
         const auto *entry = builtFormat(FormatKind::RawImport, o->format, ctx);
         if (!entry)
@@ -80,6 +86,12 @@ void addImport(CLI::App &app, CommandContext &ctx) {
             ui.answers[tr("File Format")] =
                 equalsIgnoreCase(o->layout, "sdr2x") ? tr("All Others") : tr("SDR-33");
         ui.hints[tr("File Format")] = "--format sdr33|sdr2x";
+        const std::string coding = equalsIgnoreCase(o->coding, "liscad") ? "Liscad"
+                                   : o->coding == "10-20-30-40"          ? "10-20-30-40"
+                                                                         : "WildSoft";
+        ui.answers[tr("Leica Options")] = toUpper(o->order) + "|" + coding;
+        ui.answers[tr("Leica 10-20-30-40 Format")] =
+            std::string("10-20-30-40|") + tr("Angle Right");
         convert::ImportSummary summary;
         const Status status =
             convert::runImport(entry->import, {o->file, o->output, o->crd}, ui, summary);
@@ -98,7 +110,7 @@ void addImport(CLI::App &app, CommandContext &ctx) {
 }
 
 struct ExportOptions {
-    std::string format, file, output, layout;
+    std::string format, file, output, layout, angle = "dms", distance = "m";
 };
 
 void addExport(CLI::App &app, CommandContext &ctx) {
@@ -109,11 +121,18 @@ void addExport(CLI::App &app, CommandContext &ctx) {
     cmd->add_option("-o,--output", o->output, "File to write")->required();
     cmd->add_option("--format", o->layout, "sdr33 (default) or sdr2x")
         ->check(CLI::IsMember({"sdr33", "sdr2x"}, CLI::ignore_case));
+    cmd->add_option("--angle", o->angle, "GSI angle unit: dms (default) or gon")
+        ->check(CLI::IsMember({"dms", "gon"}, CLI::ignore_case));
+    cmd->add_option("--distance", o->distance, "GSI distance unit: m (default) or ft")
+        ->check(CLI::IsMember({"m", "ft"}, CLI::ignore_case));
     cmd->callback([&ctx, o] {
         const auto *entry = builtFormat(FormatKind::RawExport, o->format, ctx);
         if (!entry)
             return;
         ConsoleInteraction ui(ctx.err);
+        ui.answers[tr("Raw File Units")] =
+            std::string(equalsIgnoreCase(o->angle, "gon") ? tr("Gon") : tr("Deg/Min/Sec")) + "|" +
+            (equalsIgnoreCase(o->distance, "ft") ? tr("Feet") : tr("Meters"));
         convert::ExportOptions options;
         options.format = o->layout.empty() ? "sdr33" : o->layout;
         convert::ExportOutput out;
@@ -129,8 +148,9 @@ void addExport(CLI::App &app, CommandContext &ctx) {
 }
 
 struct PointOptions {
-    std::string format, file, crd, output, order, delimiter = "comma", range;
+    std::string format, file, crd, output, order, delimiter = "comma", range, unit = "m";
     int decimals = 5;
+    bool gsi8 = false, gsi16 = false;
 };
 
 bool openCoordinateFile(crd::CoordinateFile &file, const std::string &path, bool forWriting,
@@ -141,6 +161,46 @@ bool openCoordinateFile(crd::CoordinateFile &file, const std::string &path, bool
         ctx.exitCode = kFailure;
     }
     return ok;
+}
+
+// The point imports behind the registry's function type (all but text).
+void importPoints(const convert::FormatEntry &entry, const PointOptions &options,
+                  CommandContext &ctx) {
+    ConsoleInteraction ui(ctx.err);
+    crd::CoordinateFile file(crd::CrdContext{&ui, {}, {}});
+    if (!openCoordinateFile(file, options.crd, true, ctx))
+        return;
+    convert::ImportSummary summary;
+    if (!convert::runPointImport(entry.pointImport, options.file, file, ui, summary)) {
+        ctx.exitCode = kFailure;
+        return;
+    }
+    if (!summary.report.empty())
+        ctx.out << summary.report.substr(summary.report.front() == '\n' ? 1 : 0) << '\n';
+    ctx.out << convert::summaryLine(summary) << '\n';
+    if (summary.pointsRefused > 0)
+        ctx.exitCode = kFailure;
+}
+
+// The point exports behind the registry's function type (all but text).
+void exportPoints(const convert::FormatEntry &entry, const PointOptions &options,
+                  CommandContext &ctx) {
+    ConsoleInteraction ui(ctx.err);
+    crd::CoordinateFile file(crd::CrdContext{&ui, {}, {}});
+    if (!openCoordinateFile(file, options.crd, false, ctx))
+        return;
+    convert::PointExportOptions exportOptions;
+    exportOptions.variant = options.gsi8 ? "gsi8" : "gsi16";
+    exportOptions.unit = toLower(options.unit);
+    convert::ExportOutput out;
+    if (!convert::runPointExport(entry.pointExport, file, options.output, exportOptions, ui, out)) {
+        ctx.exitCode = kFailure;
+        return;
+    }
+    ctx.out << format(tr("Wrote %ld points"), out.records) << '\n';
+    // The file is whole, but a GSI-8 reader cannot take it.
+    if (out.completion.starts_with("Error"))
+        ctx.exitCode = kFailure;
 }
 
 void addPoints(CLI::App &app, CommandContext &ctx) {
@@ -154,8 +214,13 @@ void addPoints(CLI::App &app, CommandContext &ctx) {
     in->add_option("--crd", i->crd, "Coordinate file (made when missing)")->required();
     in->add_option("--order", i->order, "Coordinate order, default \"P,N,E,Z,D\"");
     in->callback([&ctx, i] {
-        if (!builtFormat(FormatKind::PointImport, i->format, ctx))
+        const auto *entry = builtFormat(FormatKind::PointImport, i->format, ctx);
+        if (!entry)
             return;
+        if (entry->pointImport) {
+            importPoints(*entry, *i, ctx);
+            return;
+        }
         convert::PointColumns columns;
         if (Status s =
                 convert::parseCoordinateOrder(i->order.empty() ? "P,N,E,Z,D" : i->order, columns);
@@ -193,9 +258,18 @@ void addPoints(CLI::App &app, CommandContext &ctx) {
     out->add_option("--decimals", e->decimals, "Decimals of the coordinates (default 5)")
         ->check(CLI::Range(0, 12));
     out->add_option("--range", e->range, "Points to write, \"A-B\" (default all)");
+    auto *gsi8 = out->add_flag("--gsi8", e->gsi8, "GSI: write GSI-8 words");
+    out->add_flag("--gsi16", e->gsi16, "GSI: write GSI-16 words (default)")->excludes(gsi8);
+    out->add_option("--unit", e->unit, "GSI: coordinate unit, m (default) or ft")
+        ->check(CLI::IsMember({"m", "ft"}, CLI::ignore_case));
     out->callback([&ctx, e] {
-        if (!builtFormat(FormatKind::PointExport, e->format, ctx))
+        const auto *entry = builtFormat(FormatKind::PointExport, e->format, ctx);
+        if (!entry)
             return;
+        if (entry->pointExport) {
+            exportPoints(*entry, *e, ctx);
+            return;
+        }
         convert::TextExportOptions options;
         if (!e->order.empty() && !convert::exportColumnsFrom(e->order, options.columns)) {
             ctx.err << format(tr("Error: unknown column order %s"), e->order.c_str()) << '\n';

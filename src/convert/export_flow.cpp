@@ -1,6 +1,7 @@
 #include "convert/export_flow.h"
 
 #include "base/atomic_save.h"
+#include "base/format.h"
 #include "base/line_reader.h"
 #include "base/translation.h"
 #include "raw/reader.h"
@@ -39,8 +40,13 @@ Status runExport(ExportFunction exporter, const std::vector<std::string> &lines,
     if (Status made = exporter(lines, options, ui, out); !made)
         return made;
     if (!saveTextAtomically(destination, out.bytes)) {
-        ui.message(out.writeError);
-        return Status::failure(StatusCode::Io, out.writeError);
+        // A write error may name the file ("... gsi file %s").
+        const std::string message =
+            out.writeError.find("%s") != std::string::npos
+                ? format(out.writeError.c_str(), destination.string().c_str())
+                : out.writeError;
+        ui.message(message);
+        return Status::failure(StatusCode::Io, message);
     }
     if (!out.completion.empty())
         ui.message(out.completion);

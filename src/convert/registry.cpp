@@ -2,6 +2,9 @@
 
 #include "base/text.h"
 #include "base/translation.h"
+#include "convert/gsi_export.h"
+#include "convert/gsi_import.h"
+#include "convert/gsi_point_export.h"
 #include "convert/sdr_export.h"
 #include "convert/sdr_import.h"
 
@@ -17,7 +20,8 @@ const FormatEntry kFormats[] = {
     {K::RawImport, "sdr", "Sokkia/SDR", trNoop("SDR Raw File to Import"), "sdr;raw", importSdr,
      nullptr, true},
     {K::RawImport, "quillan", "Quillan Archive", "Quillan Archive File to Open", "sc5"},
-    {K::RawImport, "leica", "Leica", "Leica Raw File to Import", "gsi;raw;gre"},
+    {K::RawImport, "gsi", "Leica", trNoop("Leica Raw File to Import"), "gsi;raw;gre", importGsi,
+     nullptr, true},
     {K::RawImport, "geodimeter", "Geodimeter", "Geodimeter Raw File to Import", "obs;raw"},
     {K::RawImport, "nikon", "Nikon", "Nikon Raw File to Import", "trn;raw"},
     {K::RawImport, "smi", "SMI", "SMI Raw File to Import", "raw"},
@@ -34,7 +38,8 @@ const FormatEntry kFormats[] = {
 
     {K::RawExport, "sdr", "Sokkia/SDR", trNoop("SDR Raw File to Write"), "sdr;raw", nullptr,
      exportSdr, true},
-    {K::RawExport, "leica", "Leica", "Leica Raw File to Write", "gsi"},
+    {K::RawExport, "gsi", "Leica", trNoop("Leica Raw File to Write"), "gsi", nullptr, exportGsi,
+     true},
     {K::RawExport, "jxl", "Trimble JXL", "Trimble JXL File to Write", "jxl"},
 
     {K::PointImport, "text", "Text/ASCII File", trNoop("Text/ASCII File To Import"),
@@ -44,6 +49,12 @@ const FormatEntry kFormats[] = {
     {K::PointImport, "sdr", "Sokkia/SDR", "Select Sokkia File", "sdr;raw"},
     {K::PointImport, "cr5", "TDS CR5", "CR5 File to Read", "cr5"},
     {K::PointImport, "topobase", "Topobase", "Select Topobase File", "ro"},
+    {K::PointImport, "gsi-wildsoft", "Leica Wildsoft File", trNoop("Leica Wildsoft File"),
+     "gsi;raw", nullptr, nullptr, true, importGsiPointsWildsoft},
+    {K::PointImport, "gsi-liscad", "Leica Liscad File", trNoop("Leica Liscad File"), "gsi;raw",
+     nullptr, nullptr, true, importGsiPointsLiscad},
+    {K::PointImport, "gsi-10-20-30-40", "Leica 10-20-30-40 File", trNoop("Leica 10-20-30-40 File"),
+     "gsi;raw", nullptr, nullptr, true, importGsiPointsTenTwenty},
 
     {K::PointExport, "text", "Text/ASCII File", trNoop("Point Text File to Write"),
      "txt;asc;dat;csv;xyz;*", nullptr, nullptr, true},
@@ -53,6 +64,8 @@ const FormatEntry kFormats[] = {
     {K::PointExport, "sdms", "SDMS", "SDMS Point File to Write", "ctl"},
     {K::PointExport, "sdr", "Sokkia/SDR", "SDR Point File to Write", "sdr;raw"},
     {K::PointExport, "topobase", "Topobase", "Topobase Point File to Write", "ro"},
+    {K::PointExport, "gsi", "Leica", trNoop("Leica File To Write"), "gsi;raw", nullptr, nullptr,
+     true, nullptr, exportGsiPoints},
 };
 
 } // namespace

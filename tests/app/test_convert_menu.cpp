@@ -61,4 +61,27 @@ TEST_F(ConvertMenuTest, TextPointsInAndOutOfTheWorkingFile) {
     EXPECT_EQ(shell.messages.back(), "File " + out.string() + " successfully written.");
 }
 
+TEST_F(ConvertMenuTest, LeicaEntriesRunTheGsiConverters) {
+    const auto sample = std::filesystem::path(TRAMLINE_SAMPLES_DIR) / "gsi/RILIEVO.gsi";
+    if (!std::filesystem::exists(sample))
+        GTEST_SKIP() << "field samples not found at " << sample;
+    auto d = start();
+    shell.files = {sample.string()};
+    shell.reply("BFFB|WildSoft");
+    d->dispatch(cmd::ImportRawLeica);
+    EXPECT_EQ(shell.asked.at(0), "Leica Raw File to Import (gsi;raw;gre)");
+    EXPECT_NE(shell.messages.back().find("Read 23 records: 23 observations"), std::string::npos)
+        << shell.messages.back();
+    EXPECT_GT(d->rawModel()->rowCount(), 23);
+
+    const auto raw = dir / "out.gsi";
+    shell.files = {raw.string()};
+    shell.reply("Gon|Meters");
+    d->dispatch(cmd::ExportRawLeica);
+    EXPECT_EQ(shell.asked.back(), "Leica Raw File to Write (gsi, save)");
+    EXPECT_EQ(shell.messages.back(), "Conversion done");
+    // 98.853 gons, to the second the raw grid keeps.
+    EXPECT_NE(slurp(raw).find(" 22...2+000000000988530"), std::string::npos);
+}
+
 } // namespace

@@ -28,13 +28,13 @@ TEST_F(ConvertCommands, FormatsListEveryConverterAndNamesTheMissingOnes) {
     EXPECT_EQ(r.code, 0);
     EXPECT_NE(r.out.find("Import Raw Data\tsdr\tSokkia/SDR\tSDR Raw File to Import\tsdr;raw\n"),
               std::string::npos);
-    EXPECT_NE(r.out.find("\tleica\tLeica\tLeica Raw File to Import\tgsi;raw;gre\tnot available "
-                         "yet\n"),
+    EXPECT_NE(r.out.find("\tquillan\tQuillan Archive\tQuillan Archive File to Open\tsc5\tnot "
+                         "available yet\n"),
               std::string::npos);
     EXPECT_EQ(runCli({"import", "nosuch", "a", "-o", at("b")}).code, 2);
-    const auto leica = runCli({"import", "leica", "a", "-o", at("b")});
-    EXPECT_EQ(leica.code, 1);
-    EXPECT_EQ(leica.err, "Error: Leica is not available yet\n");
+    const auto quillan = runCli({"import", "quillan", "a", "-o", at("b")});
+    EXPECT_EQ(quillan.code, 1);
+    EXPECT_EQ(quillan.err, "Error: Quillan Archive is not available yet\n");
 }
 
 TEST_F(ConvertCommands, SdrImportEndsWithItsSummaryAndFillsTheCoordinateFile) {

@@ -1,5 +1,7 @@
 // The registry drives the menus, the command line and the file dialogs:
 // names must be unique per kind and every built converter callable.
+#include "convert/gsi_import.h"
+#include "convert/gsi_point_export.h"
 #include "convert/registry.h"
 
 #include <gtest/gtest.h>
@@ -45,7 +47,9 @@ TEST(Registry, FindsByNameInAnyCaseAndGivesDialogFilters) {
         EXPECT_EQ(dialogFilter(*entry), c.filter);
     }
     EXPECT_EQ(findFormat(FormatKind::RawExport, "text"), nullptr);
-    EXPECT_FALSE(findFormat(FormatKind::RawImport, "leica")->built);
+    EXPECT_FALSE(findFormat(FormatKind::RawImport, "quillan")->built);
+    EXPECT_EQ(findFormat(FormatKind::RawImport, "gsi")->import, importGsi);
+    EXPECT_EQ(findFormat(FormatKind::PointExport, "gsi")->pointExport, exportGsiPoints);
 }
 
 } // namespace

@@ -1,0 +1,40 @@
+// Feeds arbitrary bytes to the GSI import (every coding, both orders),
+// the point import, and the import's output to the raw export and its
+// points to the point export: none may crash, hang or read out of bounds.
+#include "base/interaction.h"
+#include "convert/gsi_export.h"
+#include "convert/gsi_import.h"
+#include "convert/gsi_point_export.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <sstream>
+#include <string>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    using namespace tramline;
+    std::istringstream in(std::string(reinterpret_cast<const char *>(data), size));
+    convert::SourceLines lines;
+    convert::readSourceLines(in, lines);
+    for (auto coding : {convert::GsiCoding::WildSoft, convert::GsiCoding::Liscad,
+                        convert::GsiCoding::TenTwentyThirtyForty}) {
+        for (auto order : {convert::gsi::FaceOrder::BFFB, convert::gsi::FaceOrder::BFBF}) {
+            convert::GsiImportOptions options;
+            options.coding = coding;
+            options.order = order;
+            options.withThirty = order == convert::gsi::FaceOrder::BFFB;
+            convert::ImportOutput out;
+            if (!convert::importGsiWith(lines, options, out))
+                continue;
+            std::vector<std::string> raw;
+            for (const auto &line : out.lines)
+                raw.push_back(line.substr(0, line.size() - 1));
+            ScriptedInteraction ui({"Gon|Feet"});
+            convert::ExportOutput exported;
+            convert::exportGsi(raw, {}, ui, exported);
+            convert::ExportOutput points;
+            convert::exportGsiPoints(out.points, {"gsi8", "m"}, ui, points);
+        }
+    }
+    return 0;
+}
