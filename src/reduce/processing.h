@@ -11,10 +11,19 @@
 #include "raw/reader.h"
 #include "reduce/process_options.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace tramline::reduce {
+
+/// Where a traverse failed to close: its known end and the misclosure
+/// (computed minus known), for the plan view.
+struct ClosureVector {
+    std::string point;
+    double north = 0.0, east = 0.0;
+    double errorNorth = 0.0, errorEast = 0.0;
+};
 
 struct ProcessResult {
     enum class Status {
@@ -29,6 +38,9 @@ struct ProcessResult {
     long pointsStored = 0;
     /// The report's lines about points that could not be written.
     std::vector<std::string> storeFailures;
+    /// The closure the run ended with (after an angle balance, the
+    /// balanced one); none without a closing point.
+    std::optional<ClosureVector> closure;
 };
 
 /// Runs the processing of `file` (which the store point checks may change)
