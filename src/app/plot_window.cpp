@@ -13,6 +13,7 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
+#include <QResizeEvent>
 #include <QSvgGenerator>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -63,6 +64,12 @@ void PlotView::wheelEvent(QWheelEvent *event) {
     scale(factor, factor);
     viewport()->update(); // the scale bar changes with the zoom
     event->accept();
+    emit zoomed();
+}
+
+void PlotView::resizeEvent(QResizeEvent *event) {
+    QGraphicsView::resizeEvent(event);
+    emit resized();
 }
 
 // The north arrow (top right) and the scale bar (bottom left) keep their
@@ -126,6 +133,12 @@ PlotWindow::PlotWindow(QPrinter *printer, QWidget *parent)
     layout->addWidget(m_view);
     layout->addLayout(buttons);
     connect(fitButton, &QPushButton::clicked, this, &PlotWindow::fit);
+    // A fitted plan stays fitted as the window is sized, until the user zooms.
+    connect(m_view, &PlotView::zoomed, this, [this] { m_following = false; });
+    connect(m_view, &PlotView::resized, this, [this] {
+        if (m_following)
+            fit();
+    });
     connect(exportButton, &QPushButton::clicked, this, &PlotWindow::exportRequested);
     connect(printButton, &QPushButton::clicked, this, &PlotWindow::print);
     connect(m_scene, &QGraphicsScene::selectionChanged, this, [this] {
@@ -203,6 +216,7 @@ void PlotWindow::fit() {
     m_scene->setSceneRect(bounds.adjusted(-10 * margin, -10 * margin, 10 * margin, 10 * margin));
     m_view->fitInView(bounds, Qt::KeepAspectRatio);
     m_view->viewport()->update();
+    m_following = true;
 }
 
 void PlotWindow::selectPoint(const QString &name) {

@@ -28,8 +28,14 @@ public:
     /// Scene units per pixel at the current zoom.
     double unitsPerPixel() const;
 
+signals:
+    /// The user zoomed: the view no longer follows the window's size.
+    void zoomed();
+    void resized();
+
 protected:
     void wheelEvent(QWheelEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void drawForeground(QPainter *painter, const QRectF &rect) override;
 
 private:
@@ -80,6 +86,7 @@ private:
     QPrinter *m_printer;
     double m_closureFactor = 1.0;
     bool m_selecting = false;
+    bool m_following = true; ///< fitted and not zoomed since: refit on resizing
 };
 
 } // namespace tramline::app
