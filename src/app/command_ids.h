@@ -134,6 +134,9 @@ enum : int {
     InsertRowAbove = 213,
     InsertRowBelow = 214,
     RefreshCoordinates = 32826,
+    Undo = 57643, ///< Edit > Undo
+    Redo = 57644, ///< Edit > Redo
+    Plot = 32880, ///< Display > Plot
 };
 
 } // namespace tramline::app::cmd

@@ -3,6 +3,7 @@
 // are not built yet say so.
 #include "app/coordinate_grid_model.h"
 #include "app/display_commands.h"
+#include "app/edit_history.h"
 #include "app/main_dialog.h"
 #include "app/qt_text.h"
 #include "app/raw_grid_model.h"
@@ -90,9 +91,74 @@ std::string yesNo(bool on) {
     return on ? tramline::tr("On") : tramline::tr("Off");
 }
 
+// Commands that change the grids by editing: each is one undoable step.
+bool isRecordedEdit(int id) {
+    static const int edits[] = {
+        cmd::ReplaceRaw,     cmd::ReplaceCrd,         cmd::Cut,           cmd::Paste,
+        cmd::DeleteRow,      cmd::ModifyMeasurements, cmd::AddPointToCrd, cmd::InsertRowAbove,
+        cmd::InsertRowBelow, cmd::ImportRawHalvren,   cmd::ImportRawTds,
+    };
+    return rowTypeOf(id) || std::find(std::begin(edits), std::end(edits), id) != std::end(edits);
+}
+
+// Commands after which the undo steps still fit what the grids show: they
+// only look, save or export. Any other command (opening, processing, an
+// import) changes the data in ways no step knows, and the history goes.
+bool keepsHistory(int id) {
+    if (displayChoice(id))
+        return true;
+    static const int keepers[] = {
+        cmd::SaveRaw,
+        cmd::SaveRawAs,
+        cmd::SaveCrd,
+        cmd::SaveCrdAs,
+        cmd::Settings,
+        cmd::PrintRaw,
+        cmd::PrintCoordinates,
+        cmd::PrinterSettings,
+        cmd::FindRaw,
+        cmd::FindCrd,
+        cmd::Copy,
+        cmd::Undo,
+        cmd::Redo,
+        cmd::Plot,
+        cmd::About,
+        cmd::RawGrid,
+        cmd::CoordinateGrid,
+        cmd::RefreshCoordinates,
+        cmd::ExportRawSokkia,
+        cmd::ExportPointsText,
+        cmd::Exit,
+    };
+    return std::find(std::begin(keepers), std::end(keepers), id) != std::end(keepers);
+}
+
 } // namespace
 
 void CKELMADlg::dispatch(int id) {
+    if (isRecordedEdit(id)) {
+        m_history->record(QString::number(id), [&] {
+            runCommand(id);
+            return true;
+        });
+    } else {
+        runCommand(id);
+        if (!keepsHistory(id) && isMenuCommand(id))
+            m_history->clear();
+    }
+    updateUndoActions();
+}
+
+void CKELMADlg::updateUndoActions() {
+    if (!m_history)
+        return;
+    for (QAction *a : actions(cmd::Undo))
+        a->setEnabled(m_history->stack().canUndo());
+    for (QAction *a : actions(cmd::Redo))
+        a->setEnabled(m_history->stack().canRedo());
+}
+
+void CKELMADlg::runCommand(int id) {
     if (const char *type = rowTypeOf(id)) {
         addRawRow(type);
         return;
@@ -170,6 +236,15 @@ void CKELMADlg::dispatch(int id) {
     case cmd::ModifyMeasurements:
         modifyMeasurements();
         return;
+    case cmd::Undo:
+        m_history->stack().undo();
+        return;
+    case cmd::Redo:
+        m_history->stack().redo();
+        return;
+    case cmd::Plot:
+        showPlot();
+        return;
     case cmd::VerticalAngle:
     case cmd::ZenithAngle:
     case cmd::ElevationDifference:
@@ -228,6 +303,7 @@ void CKELMADlg::dispatch(int id) {
         return;
     case cmd::CoordinateGrid:
         m_coordinateModified = true;
+        refreshPlot();
         return;
     case cmd::InsertRowAbove:
         insertRowNearCurrent(true);
@@ -245,8 +321,11 @@ void CKELMADlg::dispatch(int id) {
         processGpsCommand();
         return;
     default:
-        // The other menu entries wait for their features; ids of no
-        // entry (separators, 0) do nothing.
+        // Converters the registry has built run through the shared
+        // flows; the other menu entries wait for their features; ids of
+        // no entry (separators, 0) do nothing.
+        if (runConverter(id))
+            return;
         if (isMenuCommand(id))
             notAvailable(id);
         return;
@@ -748,14 +827,18 @@ void CKELMADlg::displayCommand(int id) {
     // the modes as they now are.
     checkDisplayModes(m_rawDocument.modes(), m_checks);
     applyCheckTable();
-    // The coordinate order shows when the grids are next filled; the
-    // others rewrote cells.
-    if (id == cmd::NorthingEasting || id == cmd::EastingNorthing)
-        return;
+    // Both grids show the change at once, each keeping its current cell.
     const QModelIndex current = m_rawGrid->currentIndex();
     refreshRawGrid();
     if (current.isValid() && current.row() < m_rawModel->rowCount())
         m_rawGrid->setCurrentIndex(m_rawModel->index(current.row(), current.column()));
+    if (choice->order) {
+        const QModelIndex point = m_coordinateGrid->currentIndex();
+        refreshCoordinateGrid();
+        if (point.isValid() && point.row() < m_coordinateModel->rowCount())
+            m_coordinateGrid->setCurrentIndex(
+                m_coordinateModel->index(point.row(), point.column()));
+    }
 }
 
 // --- processing ------------------------------------------------------------------------
@@ -769,6 +852,8 @@ void CKELMADlg::processCommand(reduce::AdjustMethod method) {
     reduce::ProcessOptions options = m_processOptions;
     options.method = method;
     options.workingFolder = m_folders.working;
+    // The report names the user's file, not the working copy it writes.
+    options.coordinateFileName = m_coordinateFileName;
     reduce::ProcessResult result =
         reduce::processRaw(file, m_rawDocument.fileName(), *m_workingFile, options, ui());
     if (result.rawChanged) {
@@ -780,6 +865,7 @@ void CKELMADlg::processCommand(reduce::AdjustMethod method) {
     }
     if (result.pointsStored > 0)
         m_coordinateModified = true;
+    m_lastClosure = result.closure;
     refreshCoordinateGrid();
     if (result.status == reduce::ProcessResult::Status::Failed && !result.error.empty())
         ui().message(result.error);
@@ -787,6 +873,11 @@ void CKELMADlg::processCommand(reduce::AdjustMethod method) {
         if (m_results)
             m_results->close();
         m_results = new ProcessResultsWindow(result.report, m_printer.get(), this);
+        connect(m_results, &ProcessResultsWindow::exportPdfRequested, this, [this] {
+            const std::string path = prompts().askFileName(tramline::tr("Export PDF"), "pdf", true);
+            if (!path.empty() && m_results && !m_results->exportCurrentTab(qstr(path)))
+                ui().message(format(tramline::tr("Can't open output file %s"), path.c_str()));
+        });
         m_results->show();
     }
 }
@@ -829,11 +920,7 @@ void CKELMADlg::processSettings() {
 // --- companions and help ---------------------------------------------------------------
 
 void CKELMADlg::startCompanion(const char *name) {
-#ifdef _WIN32
-    const std::string program = (m_folders.program / (std::string(name) + ".exe")).string();
-#else
-    const std::string program = (m_folders.program / name).string();
-#endif
+    const std::string program = companionPath(name).string();
     if (!QProcess::startDetached(qstr(program), {}))
         ui().message(format(tramline::tr("Error: unable to start %s"), program.c_str()));
 }

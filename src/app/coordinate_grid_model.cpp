@@ -4,6 +4,11 @@
 #include "crd/point_edit.h"
 #include "crd/point_find_replace.h"
 
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPointer>
+#include <QTimer>
+
 namespace tramline::app {
 
 using crd::PointField;
@@ -43,27 +48,41 @@ QVariant CoordinateGridModel::data(const QModelIndex &index, int role) const {
 }
 
 bool CoordinateGridModel::setData(const QModelIndex &index, const QVariant &value, int role) {
-    if (!index.isValid() || role != Qt::EditRole ||
-        static_cast<size_t>(index.row()) >= m_points.size())
+    if (role != Qt::EditRole)
         return false;
-    if (cellText(index.row(), index.column()) == value.toString())
-        return false;
+    Status status;
+    bool changed = false;
+    auto write = [&] {
+        status = edit(index, value.toString());
+        changed = status.ok();
+        return changed;
+    };
+    recorded(write);
+    if (!status)
+        m_ui.message(status.message);
+    return changed;
+}
+
+Status CoordinateGridModel::edit(const QModelIndex &index, const QString &text) {
+    if (!index.isValid() || static_cast<size_t>(index.row()) >= m_points.size())
+        return Status::success();
+    if (cellText(index.row(), index.column()) == text)
+        return Status::success();
     const PointField field = fieldOf(index.column());
     crd::CrdPoint stored;
     const Status status = crd::editPointField(m_file, m_points[static_cast<size_t>(index.row())],
-                                              field, sstr(value.toString()), stored);
-    if (!status) {
-        m_ui.message(status.message);
-        return false;
-    }
-    emit pointsChanged();
+                                              field, sstr(text), stored);
+    if (!status)
+        return status;
     if (field == PointField::Name) {
         reload(m_order); // the point moved to its new name's place
-        return true;
+    } else {
+        m_points[static_cast<size_t>(index.row())] = stored;
+        emit dataChanged(this->index(index.row(), 0), this->index(index.row(), kColumns - 1));
     }
-    m_points[static_cast<size_t>(index.row())] = stored;
-    emit dataChanged(this->index(index.row(), 0), this->index(index.row(), kColumns - 1));
-    return true;
+    // Last, so that whoever listens reads the points as they now are.
+    emit pointsChanged();
+    return status;
 }
 
 Qt::ItemFlags CoordinateGridModel::flags(const QModelIndex &index) const {
@@ -144,6 +163,63 @@ long CoordinateGridModel::replace(const std::string &what, const std::string &wi
     if (count > 0)
         emit pointsChanged();
     return count;
+}
+
+CoordinateGridDelegate::CoordinateGridDelegate(CoordinateGridModel &model, Interaction &ui,
+                                               QObject *parent)
+    : QStyledItemDelegate(parent), m_model(model), m_ui(ui) {}
+
+QWidget *CoordinateGridDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                                              const QModelIndex &index) const {
+    m_editing = index;
+    return QStyledItemDelegate::createEditor(parent, option, index);
+}
+
+bool CoordinateGridDelegate::take(QWidget *editor) {
+    auto *line = qobject_cast<QLineEdit *>(editor);
+    if (!line || !m_editing.isValid())
+        return true;
+    Status status;
+    auto write = [&] {
+        status = m_model.edit(m_editing, line->text());
+        return status.ok();
+    };
+    m_model.recorded(write);
+    if (status)
+        return true;
+    // The message box takes the focus for a while; the editor must not
+    // take that for the user leaving the cell.
+    m_complaining = true;
+    m_ui.message(status.message);
+    m_complaining = false;
+    QPointer<QLineEdit> keep(line);
+    line->setFocus(Qt::OtherFocusReason);
+    QTimer::singleShot(0, line, [keep] {
+        if (keep) {
+            keep->activateWindow();
+            keep->setFocus(Qt::OtherFocusReason);
+        }
+    });
+    return false;
+}
+
+bool CoordinateGridDelegate::eventFilter(QObject *object, QEvent *event) {
+    auto *editor = qobject_cast<QWidget *>(object);
+    if (!editor)
+        return QStyledItemDelegate::eventFilter(object, event);
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        const bool leaves = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Tab ||
+                            key == Qt::Key_Backtab;
+        if (leaves && !take(editor))
+            return true;
+    } else if (event->type() == QEvent::FocusOut) {
+        if (m_complaining)
+            return true;
+        if (!take(editor))
+            return true;
+    }
+    return QStyledItemDelegate::eventFilter(object, event);
 }
 
 } // namespace tramline::app

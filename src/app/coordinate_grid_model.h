@@ -5,10 +5,13 @@
 #pragma once
 
 #include "base/interaction.h"
+#include "base/status.h"
 #include "crd/coordinate_file.h"
 #include "crd/point_fields.h"
 
 #include <QAbstractTableModel>
+#include <QStyledItemDelegate>
+#include <functional>
 #include <optional>
 
 namespace tramline::app {
@@ -27,6 +30,18 @@ public:
     Qt::ItemFlags flags(const QModelIndex &index) const override;
     QVariant headerData(int section, Qt::Orientation orientation,
                         int role = Qt::DisplayRole) const override;
+
+    /// Writes a cell from typed text without saying anything: the status
+    /// carries the message of a refused text ("Error: %s is not a number").
+    Status edit(const QModelIndex &index, const QString &text);
+    /// Runs every cell edit through `recorder` (the undo history).
+    void setRecorder(std::function<bool(const std::function<bool()> &)> recorder) {
+        m_recorder = std::move(recorder);
+    }
+    /// Runs a write through the recorder, when there is one.
+    bool recorded(const std::function<bool()> &write) {
+        return m_recorder ? m_recorder(write) : write();
+    }
 
     /// Reads the points again, with the coordinate columns in `order`.
     void reload(crd::CoordinateOrder order);
@@ -59,6 +74,31 @@ private:
     Interaction &m_ui;
     std::vector<crd::CrdPoint> m_points;
     crd::CoordinateOrder m_order = crd::CoordinateOrder::NorthingEasting;
+    std::function<bool(const std::function<bool()> &)> m_recorder;
+};
+
+/// The coordinate grid's editor: a text the file refuses is not taken and
+/// the editor stays open on it, focus and all, with the message shown, so
+/// that the surveyor corrects it where it was typed.
+class CoordinateGridDelegate : public QStyledItemDelegate {
+    Q_OBJECT
+public:
+    CoordinateGridDelegate(CoordinateGridModel &model, Interaction &ui, QObject *parent = nullptr);
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const override;
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private:
+    /// True when the editor's text went in (or needs not); otherwise says
+    /// why and gives the editor its focus back.
+    bool take(QWidget *editor);
+
+    CoordinateGridModel &m_model;
+    Interaction &m_ui;
+    mutable QPersistentModelIndex m_editing;
+    bool m_complaining = false;
 };
 
 } // namespace tramline::app

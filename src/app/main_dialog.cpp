@@ -5,6 +5,7 @@
 #include "app/command_line.h"
 #include "app/coordinate_grid_model.h"
 #include "app/display_commands.h"
+#include "app/edit_history.h"
 #include "app/language.h"
 #include "app/qt_interaction.h"
 #include "app/qt_text.h"
@@ -19,9 +20,11 @@
 #include <QActionGroup>
 #include <QCloseEvent>
 #include <QFontMetrics>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QMenuBar>
 #include <QPrinter>
+#include <QScreen>
 #include <QTableView>
 
 #include <array>
@@ -98,7 +101,7 @@ CKELMADlg::CKELMADlg(ShellOptions options, QWidget *parent) : QMainWindow(parent
     readSettings(options);
     createGrids();
     createMenus();
-    resize(1000, 700);
+    placeWindow();
 
     if (!createWorkingFile()) {
         ui().message(format(tramline::tr("Error: failed to create %s.\nExiting."),
@@ -118,6 +121,26 @@ CKELMADlg::~CKELMADlg() {
 }
 
 // --- start-up ------------------------------------------------------------------
+
+// Where the window was last time, when that is still on a screen;
+// otherwise two thirds of the screen, in its middle, so that both grids
+// show a good number of rows.
+void CKELMADlg::placeWindow() {
+    const WindowPlace &place = m_settings.window;
+    const QRect saved(place.x, place.y, place.width, place.height);
+    if (place.valid()) {
+        for (const QScreen *screen : QGuiApplication::screens())
+            if (screen->availableGeometry().intersects(saved)) {
+                setGeometry(saved);
+                return;
+            }
+    }
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    const QRect available = screen ? screen->availableGeometry() : QRect(0, 0, 1500, 1050);
+    const QSize size(available.width() * 2 / 3, available.height() * 2 / 3);
+    resize(size);
+    move(available.center() - QPoint(size.width() / 2, size.height() / 2));
+}
 
 void CKELMADlg::setUpFolders(const ShellOptions &options) {
     m_folders =
@@ -182,6 +205,28 @@ void CKELMADlg::createGrids() {
     m_coordinateGrid = makeGrid(m_client, kCoordinateGridId);
     m_coordinateModel = new CoordinateGridModel(*m_workingFile, ui(), m_coordinateGrid);
     m_coordinateGrid->setModel(m_coordinateModel);
+    m_coordinateGrid->setItemDelegate(
+        new CoordinateGridDelegate(*m_coordinateModel, ui(), m_coordinateGrid));
+
+    m_history = new EditHistory(m_rawDocument, *m_workingFile, this);
+    const auto recorder = [this](const std::function<bool()> &edit) {
+        return m_history->record(QStringLiteral("edit"), edit);
+    };
+    m_rawModel->setRecorder(recorder);
+    m_coordinateModel->setRecorder(recorder);
+    connect(m_history, &EditHistory::rowsRestored, this, [this] {
+        const QModelIndex current = m_rawGrid->currentIndex();
+        refreshRawGrid();
+        if (current.isValid() && current.row() < m_rawModel->rowCount())
+            m_rawGrid->setCurrentIndex(m_rawModel->index(current.row(), current.column()));
+        updateTitle();
+    });
+    connect(m_history, &EditHistory::pointsRestored, this, [this] {
+        m_coordinateModified = true;
+        refreshCoordinateGrid();
+    });
+    connect(&m_history->stack(), &QUndoStack::indexChanged, this, &CKELMADlg::updateUndoActions);
+    connect(&m_history->stack(), &QUndoStack::cleanChanged, this, &CKELMADlg::updateUndoActions);
     connect(m_coordinateModel, &CoordinateGridModel::pointsChanged, this,
             [this] { dispatch(kCoordinateGridId); });
 
@@ -207,6 +252,7 @@ void CKELMADlg::createMenus() {
                                       : menuBar()->addMenu(qtr(parts[i].c_str()));
                 created->setObjectName(qstr(parts[i]));
                 connect(created, &QMenu::aboutToShow, this, &CKELMADlg::applyCheckTable);
+                created->setToolTipsVisible(true); // the reasons of disabled entries
                 it = menus.emplace(key, created).first;
             }
             menu = it->second;
@@ -239,10 +285,17 @@ void CKELMADlg::createMenus() {
         {cmd::FindRaw, QKeySequence::Find}, {cmd::ReplaceRaw, QKeySequence::Replace},
         {cmd::Cut, QKeySequence::Cut},      {cmd::Copy, QKeySequence::Copy},
         {cmd::Paste, QKeySequence::Paste},  {cmd::Exit, QKeySequence::Quit},
+        {cmd::Undo, QKeySequence::Undo},
     };
     for (const auto &[id, keys] : shortcuts)
         if (QAction *a = actions(id).value(0))
             a->setShortcut(keys);
+    // Both habits of redoing: Ctrl+Shift+Z and Ctrl+Y.
+    if (QAction *redo = actions(cmd::Redo).value(0))
+        redo->setShortcuts(
+            {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)});
+    updateUndoActions();
+    applyAvailability();
 
     // Commands without a menu entry, reached by keys: a row of the current
     // row's type above or below it, and re-reading the coordinate file.
@@ -368,6 +421,7 @@ void CKELMADlg::refreshCoordinateGrid() {
     m_coordinateGrid->setColumnWidth(0, 90);
     for (int c = 1; c < 4; ++c)
         m_coordinateGrid->setColumnWidth(c, 130);
+    refreshPlot();
 }
 
 void CKELMADlg::applyCheckTable() {
@@ -418,6 +472,9 @@ bool CKELMADlg::exitProgram() {
     m_settings.angleDisplay = modes.angle;
     m_settings.coordinateOrder = modes.order;
     m_settings.tmpdir = withSeparator(m_folders.working);
+    const QRect frame = normalGeometry();
+    if (frame.isValid())
+        m_settings.window = {frame.x(), frame.y(), frame.width(), frame.height()};
     writeSettingsFile(m_folders.settings / kSettingsFileName,
                       m_settings); // a failure is no reason to stay
     m_closed = true;

@@ -7,12 +7,14 @@
 
 #include "app/localization_window.h"
 #include "app/menu_table.h"
+#include "app/plot_window.h"
 #include "app/report_windows.h"
 #include "app/shell_folders.h"
 #include "app/shell_settings.h"
 #include "crd/point_fields.h"
 #include "raw/document.h"
 #include "reduce/process_options.h"
+#include "reduce/processing.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -25,6 +27,9 @@ class QTableView;
 
 namespace tramline {
 class Interaction;
+namespace convert {
+struct FormatEntry;
+}
 namespace crd {
 class CoordinateFile;
 class WorkingCopy;
@@ -34,6 +39,7 @@ class WorkingCopy;
 namespace tramline::app {
 
 class CoordinateGridModel;
+class EditHistory;
 class QtInteraction;
 class RawGridModel;
 class ShellPrompts;
@@ -98,11 +104,16 @@ public:
     const MenuCheckTable &checkTable() const { return m_checks; }
     const std::string &coordinateFileName() const { return m_coordinateFileName; }
     bool coordinateModified() const { return m_coordinateModified; }
+    /// Why a menu entry cannot run here (its feature is not built, its
+    /// companion program is missing); empty when it can.
+    std::string unavailableReason(int id) const;
     /// The menu entries of a command id (two for 32841).
     QList<QAction *> actions(int id) const;
     ProcessResultsWindow *processResultsWindow() const { return m_results; }
     TextWindow *textWindow() const { return m_textWindow; }
     LocalizationWindow *localizationWindow() const { return m_localizationWindow; }
+    EditHistory &history() const { return *m_history; }
+    PlotWindow *plotWindow() const { return m_plot; }
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -117,6 +128,7 @@ private:
     void readSettings(const ShellOptions &options);
     void createGrids();
     void createMenus();
+    void placeWindow();
     bool createWorkingFile();
     void processCommandLine(const std::string &commandLine);
 
@@ -132,6 +144,7 @@ private:
     void selectRawCell(size_t row, size_t cellColumn);
 
     // commands (commands.cpp)
+    void runCommand(int id);
     void notAvailable(int id);
     bool confirmRawSave();
     bool confirmCoordinateSave();
@@ -169,7 +182,21 @@ private:
     void importTextPoints();
     void exportTextPoints();
     void startCompanion(const char *name);
+    // availability and the registry's converters (command_availability.cpp)
+    static const convert::FormatEntry *converterOf(int id);
+    std::filesystem::path companionPath(const char *name) const;
+    void applyAvailability();
+    bool runConverter(int id);
+    void importPoints(const convert::FormatEntry &entry);
+    void exportPoints(const convert::FormatEntry &entry);
     void about();
+    /// Runs a command that edits a grid as one undoable step.
+    void recordEdit(int id);
+    void updateUndoActions();
+    // the plan view (plot_commands.cpp)
+    void showPlot();
+    void refreshPlot();
+    PlotData plotDataNow() const;
 
     std::unique_ptr<QtInteraction> m_ownUi;
     Interaction *m_ui = nullptr;
@@ -199,6 +226,9 @@ private:
     QPointer<ProcessResultsWindow> m_results;
     QPointer<TextWindow> m_textWindow;
     QPointer<LocalizationWindow> m_localizationWindow;
+    QPointer<PlotWindow> m_plot;
+    std::optional<reduce::ClosureVector> m_lastClosure; ///< of the last Process, for the plot
+    EditHistory *m_history = nullptr;
     geodesy::LocalizationSettings m_localizationSettings;
 
     bool m_startupFailed = false;

@@ -54,6 +54,18 @@ QVariant RawGridModel::data(const QModelIndex &index, int role) const {
     const size_t cell = cellColumn(index.row(), index.column()) - 1;
     if (role == Qt::DisplayRole || role == Qt::EditRole)
         return cell < row.cells.size() ? qstr(row.cells[cell]) : QString();
+    if (role == Qt::TextAlignmentRole) {
+        // Numbers line up on their decimal points; names and notes read
+        // from the left.
+        if (cell >= row.cells.size() || isTextRow(index.row()))
+            return {};
+        bool number = false;
+        const QString text = qstr(row.cells[cell]).trimmed();
+        text.toDouble(&number);
+        number = number && text.contains(QLatin1Char('.')); // not a point name
+        return QVariant::fromValue(number ? Qt::AlignRight | Qt::AlignVCenter
+                                          : Qt::AlignLeft | Qt::AlignVCenter);
+    }
     if (role == Qt::ToolTipRole) {
         const auto captions = m_document.captions(row.type);
         return cell < captions.size() ? qtr(captions[cell].c_str()) : QVariant();
@@ -64,6 +76,12 @@ QVariant RawGridModel::data(const QModelIndex &index, int role) const {
 bool RawGridModel::setData(const QModelIndex &index, const QVariant &value, int role) {
     if (!index.isValid() || role != Qt::EditRole)
         return false;
+    if (m_recorder)
+        return m_recorder([&] { return write(index, value); });
+    return write(index, value);
+}
+
+bool RawGridModel::write(const QModelIndex &index, const QVariant &value) {
     const size_t row = static_cast<size_t>(index.row());
     const std::string text = sstr(value.toString());
     if (index.column() == 0) {

@@ -8,6 +8,7 @@
 
 #include <QAbstractTableModel>
 #include <QStyledItemDelegate>
+#include <functional>
 
 namespace tramline::app {
 
@@ -46,12 +47,20 @@ public:
     /// that spans the cell columns.
     bool isTextRow(int row) const;
 
+    /// Runs every cell edit through `recorder` (the undo history).
+    void setRecorder(std::function<bool(const std::function<bool()> &)> recorder) {
+        m_recorder = std::move(recorder);
+    }
+
 signals:
     /// A row changed its type: its captions and its span may differ.
     void rowTypeChanged(int row);
 
 private:
+    bool write(const QModelIndex &index, const QVariant &value);
+
     raw::RawDocument &m_document;
+    std::function<bool(const std::function<bool()> &)> m_recorder;
     int m_currentRow = -1;
     bool m_eastingFirst = false;
 };

@@ -4,6 +4,7 @@
 #include "app/qt_text.h"
 
 #include <QDialogButtonBox>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QPainter>
 #include <QPlainTextEdit>
@@ -64,6 +65,24 @@ QDialogButtonBox *buttonRow(QDialog *dialog, QPrinter *printer,
 
 } // namespace
 
+bool writePdf(QWidget *shown, const QString &path) {
+    QPrinter pdf(QPrinter::HighResolution);
+    pdf.setOutputFormat(QPrinter::PdfFormat);
+    pdf.setOutputFileName(path);
+    if (auto *text = qobject_cast<QPlainTextEdit *>(shown)) {
+        text->print(&pdf);
+    } else if (auto *plot = qobject_cast<QSvgWidget *>(shown)) {
+        QPainter painter;
+        if (!painter.begin(&pdf))
+            return false;
+        plot->renderer()->render(&painter);
+        painter.end();
+    } else {
+        return false;
+    }
+    return QFileInfo(path).size() > 0;
+}
+
 TextWindow::TextWindow(const QString &title, const QString &text, QPrinter *printer,
                        QWidget *parent)
     : QDialog(parent) {
@@ -87,6 +106,9 @@ ProcessResultsWindow::ProcessResultsWindow(const Report &report, QPrinter *print
     setAttribute(Qt::WA_DeleteOnClose);
     auto *layout = new QVBoxLayout(this);
     m_tabs = new QTabWidget(this);
+    // Every tab's title whole; scroll buttons when they do not all fit.
+    m_tabs->setElideMode(Qt::ElideNone);
+    m_tabs->setUsesScrollButtons(true);
     const std::string plot = adjust::plotTabTitle();
     for (const auto &tab : report.tabs()) {
         QWidget *view = tab.title == plot ? static_cast<QWidget *>(plotView(qstr(tab.text), m_tabs))
@@ -94,8 +116,17 @@ ProcessResultsWindow::ProcessResultsWindow(const Report &report, QPrinter *print
         m_tabs->addTab(view, qstr(tab.title));
     }
     layout->addWidget(m_tabs);
-    layout->addWidget(buttonRow(this, printer, [this] { return m_tabs->currentWidget(); }));
-    resize(820, 600);
+    QDialogButtonBox *buttons =
+        buttonRow(this, printer, [this] { return m_tabs->currentWidget(); });
+    QPushButton *pdf = buttons->addButton(qtr("Export PDF..."), QDialogButtonBox::ActionRole);
+    pdf->setObjectName(QStringLiteral("exportPdf"));
+    connect(pdf, &QPushButton::clicked, this, &ProcessResultsWindow::exportPdfRequested);
+    layout->addWidget(buttons);
+    resize(960, 680);
+}
+
+bool ProcessResultsWindow::exportCurrentTab(const QString &path) const {
+    return writePdf(m_tabs->currentWidget(), path);
 }
 
 QString ProcessResultsWindow::tabText(const QString &title) const {

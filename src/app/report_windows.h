@@ -13,6 +13,9 @@ class QTabWidget;
 
 namespace tramline::app {
 
+/// Writes a report view (text or picture) to a PDF file.
+bool writePdf(QWidget *shown, const QString &path);
+
 /// One text in a fixed-width font, read-only, with Print and Close.
 /// Printing goes to `printer` (the program's, set up by File > Print >
 /// Printer Settings) after the print dialog.
@@ -39,6 +42,12 @@ public:
     /// The text of the tab with this (translated) title (the SVG text of a
     /// picture); empty when none.
     QString tabText(const QString &title) const;
+    /// Writes the tab shown to a PDF file. False when it could not.
+    bool exportCurrentTab(const QString &path) const;
+
+signals:
+    /// Export PDF was pressed: the shell asks for the file.
+    void exportPdfRequested();
 
 private:
     QTabWidget *m_tabs;

@@ -46,6 +46,20 @@ void applySettingsLine(std::string_view line, ShellSettings &settings) {
     } else if (key == "lang_mode") {
         if (const auto n = parseInteger(value))
             settings.language = *n == 1 ? LanguageMode::System : LanguageMode::English;
+    } else if (key == "window") {
+        const auto parts = split(value, ',');
+        if (parts.size() != 4)
+            return;
+        int numbers[4];
+        for (size_t i = 0; i < 4; ++i) {
+            const auto n = parseInteger(trim(parts[i]));
+            if (!n)
+                return;
+            numbers[i] = static_cast<int>(*n);
+        }
+        const WindowPlace place{numbers[0], numbers[1], numbers[2], numbers[3]};
+        if (place.valid())
+            settings.window = place;
     }
 }
 
@@ -67,6 +81,9 @@ std::string settingsText(const ShellSettings &settings) {
     appendFormat(out, "ne_order=%d\n",
                  settings.coordinateOrder == raw::CoordinateOrder::EastingNorthing ? 1 : 0);
     appendFormat(out, "lang_mode=%d\n", settings.language == LanguageMode::System ? 1 : 0);
+    if (settings.window.valid())
+        appendFormat(out, "window=%d,%d,%d,%d\n", settings.window.x, settings.window.y,
+                     settings.window.width, settings.window.height);
     return out;
 }
 

@@ -17,6 +17,13 @@ inline constexpr const char *kSettingsFileName = "tramline.ini";
 /// Which language the program shows: English, or the system's.
 enum class LanguageMode : int { English, System };
 
+/// Where the main window was when the program last ended (the frame's
+/// normal geometry); width 0: never saved.
+struct WindowPlace {
+    int x = 0, y = 0, width = 0, height = 0;
+    bool valid() const { return width > 0 && height > 0; }
+};
+
 /// The settings as the program uses them. In the file they are integers:
 /// `ang_display_mode` 1 ddd.mmss and 0 gons, `ne_order` 0 northing first
 /// and 1 easting first, `lang_mode` 0 English and 1 the system's language.
@@ -25,6 +32,7 @@ struct ShellSettings {
     AngleUnit angleDisplay = AngleUnit::DegreesMinutesSeconds;
     raw::CoordinateOrder coordinateOrder = raw::CoordinateOrder::NorthingEasting;
     LanguageMode language = LanguageMode::English;
+    WindowPlace window; ///< `window` in the file: "x,y,width,height"
 };
 
 /// Applies one line (or one piece of an overlong line): split at the first
@@ -40,7 +48,7 @@ void applySettingsLine(std::string_view line, ShellSettings &settings);
 bool readSettingsFile(const std::filesystem::path &path, ShellSettings &settings);
 
 /// The file's text, always in the same order: tmpdir, ang_display_mode,
-/// ne_order, lang_mode.
+/// ne_order, lang_mode, and the window's place once it has one.
 std::string settingsText(const ShellSettings &settings);
 
 /// Writes the file whole or not at all. False when it cannot be written.

@@ -1,8 +1,9 @@
 // The Display commands over an open document: observation cells rewritten
-// from one form to another. Every value is converted from its cell's text
-// (four decimals for angles and elevation differences, three for
-// distances), so each conversion uses the row's other values as they stand
-// at that moment; repeated switching may move the last place by rounding.
+// from one form to another. A row remembers its cells as they were before
+// the first change touched it (RowOrigin), and every change converts from
+// those texts in full precision: only the shown text is rounded, so going
+// back to the first modes gives back the first texts byte for byte, and
+// looking never moves a value a later Process computes with.
 #include "base/format.h"
 #include "base/text.h"
 #include "raw/angle_math.h"
@@ -36,10 +37,13 @@ struct Shot {
     std::optional<double> slope;
 };
 
-Shot readShot(const RawRow &row, VerticalMode vertical, DistanceMode distance, AngleUnit unit) {
+Shot readShot(const RowOrigin &origin) {
+    const VerticalMode vertical = origin.vertical;
+    const DistanceMode distance = origin.distance;
+    const AngleUnit unit = origin.angle;
     Shot shot;
-    const auto v = number(row.cells[kVerticalCell]);
-    const auto d = number(row.cells[kDistanceCell]);
+    const auto v = number(origin.cells[kVerticalCell]);
+    const auto d = number(origin.cells[kDistanceCell]);
     if (v) {
         switch (vertical) {
         case VerticalMode::VerticalAngle:
@@ -76,6 +80,66 @@ bool isAngleRecordRow(const std::string &type) {
     return type == "BK" || type == "AZ";
 }
 
+// The row's origin, taken now if no display change has touched it yet.
+const RowOrigin &originOf(RawRow &row, const DisplayModes &modes, AngleUnit unit) {
+    if (!row.origin)
+        row.origin = RowOrigin{row.cells, modes.verticalMode(), modes.distanceMode(), unit};
+    return *row.origin;
+}
+
+// "None" shows vertical angles.
+VerticalMode shownAs(VerticalMode mode) {
+    return mode == VerticalMode::None ? VerticalMode::VerticalAngle : mode;
+}
+
+std::string angleText(const std::string &text, AngleUnit from, AngleUnit to) {
+    const auto v = number(text);
+    if (from == to || !v)
+        return text;
+    return formatAngle(angleToDegrees(*v, from), to);
+}
+
+// The vertical cell in mode `to` and unit `unit`; empty when the origin
+// cannot give it (an elevation difference without its distance).
+std::string verticalText(const RowOrigin &origin, VerticalMode to, AngleUnit unit) {
+    const std::string &text = origin.cells[kVerticalCell];
+    if (shownAs(origin.vertical) == shownAs(to) &&
+        (to == VerticalMode::ElevationDifference || origin.angle == unit))
+        return text;
+    if (!number(text))
+        return text; // text that is no number stays as the user typed it
+    const Shot shot = readShot(origin);
+    if (!shot.verticalAngle)
+        return {};
+    switch (to) {
+    case VerticalMode::VerticalAngle:
+    case VerticalMode::None:
+        return formatAngle(*shot.verticalAngle, unit);
+    case VerticalMode::Zenith:
+        return formatAngle(90.0 - *shot.verticalAngle, unit);
+    case VerticalMode::ElevationDifference:
+        if (shot.slope)
+            return format("%.4f", *shot.slope * std::sin(radians(*shot.verticalAngle)));
+        break;
+    }
+    return {};
+}
+
+// The distance cell in mode `to`; nullopt when the origin has no slope
+// distance to give (a horizontal distance straight up or down).
+std::optional<std::string> distanceText(const RowOrigin &origin, DistanceMode to) {
+    const std::string &text = origin.cells[kDistanceCell];
+    if (origin.distance == to || !number(text))
+        return text;
+    const Shot shot = readShot(origin);
+    if (!shot.slope)
+        return std::nullopt;
+    const double va = radians(shot.verticalAngle.value_or(0.0));
+    const double value =
+        to == DistanceMode::Slope ? *shot.slope : std::fabs(*shot.slope * std::cos(va));
+    return format("%.3f", value);
+}
+
 bool isGonsNote(const RawRow &row) {
     if (!row.type.empty() || row.cells.empty())
         return false;
@@ -90,36 +154,19 @@ void RawDocument::resetCorruptVerticalMode() {
 
 int RawDocument::changeVerticalMode(VerticalMode mode) {
     resetCorruptVerticalMode();
-    const VerticalMode from = m_modes.verticalMode();
-    const DistanceMode distance = m_modes.distanceMode();
+    const DisplayModes before = m_modes;
     m_modes.vertical = DisplayModes::isVerticalMode(mode) ? mode : VerticalMode::Zenith;
     const VerticalMode to = m_modes.verticalMode();
-    const AngleUnit unit = m_units.angle;
     int count = 0;
     for (RawRow &row : m_rows) {
-        if (!isObservationType(row.type) || row.cells.size() < 7 ||
-            row.cells[kVerticalCell].empty())
+        if (!isObservationType(row.type) || row.cells.size() < 7)
             continue;
-        const Shot shot = readShot(row, from, distance, unit);
-        std::string text;
-        if (shot.verticalAngle) {
-            switch (to) {
-            case VerticalMode::VerticalAngle:
-            case VerticalMode::None:
-                text = formatAngle(*shot.verticalAngle, unit);
-                break;
-            case VerticalMode::Zenith:
-                text = formatAngle(90.0 - *shot.verticalAngle, unit);
-                break;
-            case VerticalMode::ElevationDifference:
-                if (shot.slope)
-                    text = format("%.4f", *shot.slope * std::sin(radians(*shot.verticalAngle)));
-                break;
-            }
-        } else if (!number(row.cells[kVerticalCell])) {
-            continue; // text that is no number stays as the user typed it
-        }
-        row.cells[kVerticalCell] = text;
+        // A value an earlier change could not give is still in the origin.
+        const auto &first = row.origin ? row.origin->cells : row.cells;
+        if (!number(first[kVerticalCell]))
+            continue; // empty, or text that is no number: stays as typed
+        const RowOrigin &origin = originOf(row, before, m_units.angle);
+        row.cells[kVerticalCell] = verticalText(origin, to, m_units.angle);
         ++count;
     }
     return count;
@@ -127,23 +174,21 @@ int RawDocument::changeVerticalMode(VerticalMode mode) {
 
 int RawDocument::changeDistanceMode(DistanceMode mode) {
     resetCorruptVerticalMode();
-    const DistanceMode from = m_modes.distanceMode();
+    const DisplayModes before = m_modes;
     m_modes.distance = mode == DistanceMode::Horizontal ? mode : DistanceMode::Slope;
     const DistanceMode to = m_modes.distanceMode();
-    const VerticalMode vertical = m_modes.verticalMode();
-    const AngleUnit unit = m_units.angle;
     int count = 0;
     for (RawRow &row : m_rows) {
-        if (!isObservationType(row.type) || row.cells.size() < 7 ||
-            !number(row.cells[kDistanceCell]))
+        if (!isObservationType(row.type) || row.cells.size() < 7)
             continue;
-        const Shot shot = readShot(row, vertical, from, unit);
-        if (!shot.slope)
-            continue; // a horizontal distance straight up or down has no slope
-        const double va = radians(shot.verticalAngle.value_or(0.0));
-        const double value =
-            to == DistanceMode::Slope ? *shot.slope : std::fabs(*shot.slope * std::cos(va));
-        row.cells[kDistanceCell] = format("%.3f", value);
+        const auto &first = row.origin ? row.origin->cells : row.cells;
+        if (!number(first[kDistanceCell]))
+            continue;
+        const RowOrigin &origin = originOf(row, before, m_units.angle);
+        const auto text = distanceText(origin, to);
+        if (!text)
+            continue;
+        row.cells[kDistanceCell] = *text;
         ++count;
     }
     return count;
@@ -151,40 +196,43 @@ int RawDocument::changeDistanceMode(DistanceMode mode) {
 
 int RawDocument::changeAngleMode(AngleUnit unit) {
     resetCorruptVerticalMode();
+    const DisplayModes before = m_modes;
     m_modes.angle = unit == AngleUnit::Gons ? unit : AngleUnit::DegreesMinutesSeconds;
     const AngleUnit from = m_units.angle;
     const AngleUnit to = m_modes.angle;
     if (from == to)
         return 0;
-    auto convert = [&](std::string &cell) {
-        const auto v = number(cell);
-        if (!v)
-            return 0;
-        cell = formatAngle(angleToDegrees(*v, from), to);
-        return 1;
-    };
-    const bool verticalIsAngle = m_modes.verticalMode() != VerticalMode::ElevationDifference;
+    const VerticalMode vertical = m_modes.verticalMode();
     int count = 0;
     for (RawRow &row : m_rows) {
+        auto convert = [&](size_t cell) {
+            if (!number(row.cells[cell]))
+                return 0;
+            const RowOrigin &origin = originOf(row, before, from);
+            row.cells[cell] = cell == kVerticalCell && isObservationType(row.type)
+                                  ? verticalText(origin, vertical, to)
+                                  : angleText(origin.cells[cell], origin.angle, to);
+            return 1;
+        };
         if (isObservationType(row.type) && row.cells.size() >= 7) {
-            count += convert(row.cells[kHorizontalCell]);
-            if (verticalIsAngle)
-                count += convert(row.cells[kVerticalCell]);
+            count += convert(kHorizontalCell);
+            if (vertical != VerticalMode::ElevationDifference)
+                count += convert(kVerticalCell);
         } else if (row.type == "BK") {
             for (size_t c = 2; c < row.cells.size() && c < 4; ++c)
-                count += convert(row.cells[c]);
+                count += convert(c);
         } else if (isAngleRecordRow(row.type) && row.cells.size() >= 3) {
-            count += convert(row.cells[2]);
+            count += convert(2);
         }
     }
-    markAngleUnit(to);
+    markAngleUnit(to, before, from);
     return count;
 }
 
 // Makes the rows declare the angle unit their cells now hold: the AU value
 // of every mode record, or, in a file without one, a "--UNITS GONS" note at
 // the top (removed again when the angles go back to ddd.mmss).
-void RawDocument::markAngleUnit(AngleUnit unit) {
+void RawDocument::markAngleUnit(AngleUnit unit, const DisplayModes &before, AngleUnit from) {
     m_units.angle = unit;
     const char digit = unit == AngleUnit::Gons ? '1' : '0';
     bool modeRecord = false;
@@ -192,7 +240,11 @@ void RawDocument::markAngleUnit(AngleUnit unit) {
         if (row.type != "DS" || row.cells.empty() || !row.cells[0].starts_with("MO,"))
             continue;
         modeRecord = true;
+        const RowOrigin &origin = originOf(row, before, from);
         std::string &text = row.cells[0];
+        text = origin.cells[0];
+        if (origin.angle == unit)
+            continue; // the record as it was read
         const size_t au = text.find(",AU");
         if (au == std::string::npos)
             text += unit == AngleUnit::Gons ? ",AU1" : ",AU0";
@@ -203,7 +255,20 @@ void RawDocument::markAngleUnit(AngleUnit unit) {
     }
     std::erase_if(m_rows, isGonsNote);
     if (!modeRecord && unit == AngleUnit::Gons)
-        m_rows.insert(m_rows.begin(), RawRow{"", {"UNITS GONS"}});
+        m_rows.insert(m_rows.begin(), RawRow{"", {"UNITS GONS"}, std::nullopt});
+}
+
+void RawDocument::restoreRows(std::vector<RawRow> rows, const DisplayModes &shownIn,
+                              AngleUnit unit) {
+    const DisplayModes now = m_modes;
+    m_rows = std::move(rows);
+    m_modes = shownIn;
+    m_units.angle = unit;
+    changeVerticalMode(now.verticalMode());
+    changeDistanceMode(now.distanceMode());
+    changeAngleMode(now.angle);
+    m_modes = now;
+    m_modified = true;
 }
 
 bool RawDocument::records(RawFile &file) const {

@@ -399,6 +399,7 @@ bool RawDocument::setCell(size_t row, size_t column, const std::string &text) {
     if (r.cells.size() < width)
         r.cells.resize(width);
     r.cells[column - 1] = text;
+    r.origin.reset();
     m_modified = true;
     return true;
 }
@@ -414,6 +415,7 @@ bool RawDocument::setRowType(size_t row, const std::string &type) {
     RawRow &r = m_rows[row];
     r.type = type;
     r.cells.resize(captions(type).size());
+    r.origin.reset();
     if (type == "DO")
         r.cells[0] = "Data On/Off";
     m_modified = true;
@@ -495,6 +497,7 @@ int RawDocument::modifyMeasurements(ModifyField field, double delta,
             break;
         }
         }
+        row.origin.reset();
         ++count;
     }
     if (count > 0)
@@ -545,6 +548,7 @@ int RawDocument::replace(const std::string &what, const std::string &with, Repla
             }
             long hits = 0;
             text = replaceAll(text, what, with, hits);
+            m_rows[r].origin.reset();
             count += static_cast<int>(hits);
             m_modified = true;
         }

@@ -40,9 +40,23 @@ const std::vector<std::string> &rowTypes();
 /// The angle kinds offered in an observation's "Code" column, in order.
 const std::vector<std::string> &angleCodes();
 
+/// A row's cells as they were before the first display change touched
+/// them, with the modes they were in. Every later change converts from
+/// these, so looking at the data in other forms never rounds it twice, and
+/// coming back to these modes gives back these texts exactly.
+struct RowOrigin {
+    std::vector<std::string> cells;
+    VerticalMode vertical = VerticalMode::Zenith;
+    DistanceMode distance = DistanceMode::Slope;
+    AngleUnit angle = AngleUnit::DegreesMinutesSeconds;
+};
+
 struct RawRow {
     std::string type;               ///< one of rowTypes(), or "" for a note
     std::vector<std::string> cells; ///< the cells after the Type column
+    /// Set by display changes; any edit of the row drops it (the typed
+    /// text is then the record).
+    std::optional<RowOrigin> origin;
 };
 
 /// Cell indexes of an observation row.
@@ -146,6 +160,11 @@ public:
     /// Nothing is rewritten; grids show the order when next filled.
     void setCoordinateOrder(CoordinateOrder order) { m_modes.order = order; }
 
+    /// Puts back rows saved earlier (undo), with the modes they were shown
+    /// in; they are converted to the modes of now. Marks the document
+    /// modified.
+    void restoreRows(std::vector<RawRow> rows, const DisplayModes &shownIn, AngleUnit unit);
+
     /// The rows read back as records, as processing and exports take them.
     bool records(RawFile &file) const;
 
@@ -181,7 +200,7 @@ public:
 private:
     RawRow rowFromNode(const RawNode &node) const;
     void resetCorruptVerticalMode();
-    void markAngleUnit(AngleUnit unit);
+    void markAngleUnit(AngleUnit unit, const DisplayModes &before, AngleUnit from);
     std::vector<RawRow> rowsFromFile(const RawFile &file, RawFlavour flavour) const;
 
     std::vector<RawRow> m_rows;

@@ -130,12 +130,18 @@ std::string angleBalanceText(double reference, double measured, const raw::RawFi
     const double error = angularError(reference, measured);
     const int n = static_cast<int>(sides.size());
     const double correction = correctionPerAngle(error, n);
+    // A gon file's report speaks gons throughout, as its corrected angles do.
+    const AngleUnit unit = file.units.angle;
+    auto angle = [unit](double degreesValue) {
+        if (unit != AngleUnit::Gons)
+            return signedDms(degreesValue);
+        return format("%.4f", degreesToGons(degreesValue));
+    };
     std::string t;
-    appendFormat(t, "\n%s: %s  %s: %s\n", tr("Reference Closing Azimuth"),
-                 formatDms(reference, 4).c_str(), tr("Measured Closing Azimuth"),
-                 formatDms(measured, 4).c_str());
-    t += format(tr("Angular Error: %s for %d traverse sides"), signedDms(error).c_str(), n) + "\n";
-    appendFormat(t, "%s: %s\n", tr("Adjusting Each Angle"), signedDms(correction).c_str());
+    appendFormat(t, "\n%s: %s  %s: %s\n", tr("Reference Closing Azimuth"), angle(reference).c_str(),
+                 tr("Measured Closing Azimuth"), angle(measured).c_str());
+    t += format(tr("Angular Error: %s for %d traverse sides"), angle(error).c_str(), n) + "\n";
+    appendFormat(t, "%s: %s\n", tr("Adjusting Each Angle"), angle(correction).c_str());
     t += correctedAngles(file, sides, correction);
     t += findBadAngleText(sides, badAngle);
     return t;

@@ -52,6 +52,9 @@ struct ProcessOptions {
     std::optional<double> referenceAzimuth;                ///< angle balance reference, ddd.mmss
 
     std::filesystem::path workingFolder; ///< the temporary files go here
+    /// The coordinate file the report names (the user's file, not the
+    /// working copy processing writes to); empty: the written file's path.
+    std::string coordinateFileName;
 };
 
 } // namespace tramline::reduce

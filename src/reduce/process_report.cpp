@@ -15,6 +15,14 @@ PassCounts countsOf(const PassResult &p) {
     return {p.traverseLines, p.sideshotTraverses, p.sideshotCount, p.storePoints};
 }
 
+std::string unitsLine(LinearUnit linear, AngleUnit angle) {
+    const char *length = linear == LinearUnit::Metres         ? tr("Metres")
+                         : linear == LinearUnit::UsSurveyFeet ? tr("US Survey Feet")
+                                                              : tr("International Feet");
+    const char *angles = angle == AngleUnit::Gons ? tr("Gons") : tr("Degrees (ddd.mmss)");
+    return format(tr("Units: %s, %s"), length, angles) + "\n";
+}
+
 std::string reportHeader(const std::string &rawFileName, const std::string &coordinateFileName,
                          const ProcessOptions &options,
                          const std::optional<SdrHorizontalAdjustment> &sdrH,

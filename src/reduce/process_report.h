@@ -25,6 +25,10 @@ std::string reportHeader(const std::string &rawFileName, const std::string &coor
                          const std::optional<SdrHorizontalAdjustment> &horizontal,
                          const std::optional<SdrVerticalAdjustment> &vertical);
 
+/// "Units: Metres, Degrees (ddd.mmss)": what the report's lengths and
+/// angles are in.
+std::string unitsLine(LinearUnit linear, AngleUnit angle);
+
 /// The summary after the listing: "Traverse Lines  : %d" and its siblings.
 std::string passSummary(const PassCounts &counts);
 

@@ -47,10 +47,10 @@ public:
             fail(format(tr("%s: this command is not available yet."), tr(m_method.name)));
         else if (checks() && traversePoints() && openWarnings()) {
             askSdrAdjustments(m_file, m_ui, m_sdrH, m_sdrV);
-            m_result.report.append(tr("Report Header"),
-                                   reportHeader(m_rawName,
-                                                m_crd.isOpen() ? m_crd.path().string() : "NONE",
-                                                m_opt, m_sdrH, m_sdrV));
+            m_result.report.append(
+                tr("Report Header"),
+                reportHeader(m_rawName, coordinateName(), m_opt, m_sdrH, m_sdrV) +
+                    unitsLine(m_file.units.linear, m_file.units.angle));
             if (directReverse()) {
                 for (const auto &w : raw::validateRaw(*m_work, m_opt.heights))
                     m_warnings.push_back(w);
@@ -163,6 +163,12 @@ private:
         return m_opt.closingPoint.name.empty() ? m_traverse.end : m_opt.closingPoint.name;
     }
 
+    std::string coordinateName() const {
+        if (!m_opt.coordinateFileName.empty())
+            return m_opt.coordinateFileName;
+        return m_crd.isOpen() ? m_crd.path().string() : "NONE";
+    }
+
     ClosureNames names() const { return {m_traverse.start, closingName(), m_traverse.end}; }
 
     bool runPass(PassInput in, PassResult &out) {
@@ -185,6 +191,11 @@ private:
     bool closure(const PassResult &pass) {
         m_closure = closeTraverse(pass, m_traverse, m_closingLine, m_opt.closingPoint,
                                   closingName(), m_crd);
+        if (m_closure.ok) {
+            const TraversePoint &end = m_closure.knownEnd;
+            m_result.closure = ClosureVector{end.name, end.north, end.east, m_closure.closure.north,
+                                             m_closure.closure.east};
+        }
         return m_closure.ok || fail(m_closure.error);
     }
 
@@ -233,6 +244,7 @@ private:
         }
         const Closure c = computeClosure(*pass.closingEnd, *known, pass.sides);
         m_result.figures.closures.push_back({tr("Closure Results"), c});
+        m_result.closure = ClosureVector{known->name, known->north, known->east, c.north, c.east};
         m_result.report.append(tr("Closure Results"),
                                closureText(tr("Closure Results"), c, names(), m_counts));
     }

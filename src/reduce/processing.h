@@ -12,10 +12,19 @@
 #include "reduce/process_figures.h"
 #include "reduce/process_options.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace tramline::reduce {
+
+/// Where a traverse failed to close: its known end and the misclosure
+/// (computed minus known), for the plan view.
+struct ClosureVector {
+    std::string point;
+    double north = 0.0, east = 0.0;
+    double errorNorth = 0.0, errorEast = 0.0;
+};
 
 struct ProcessResult {
     enum class Status {
@@ -31,6 +40,9 @@ struct ProcessResult {
     /// The report's lines about points that could not be written.
     std::vector<std::string> storeFailures;
     ProcessFigures figures;
+    /// The closure the run ended with (after an angle balance, the
+    /// balanced one); none without a closing point.
+    std::optional<ClosureVector> closure;
 };
 
 /// Runs the processing of `file` (which the store point checks may change)

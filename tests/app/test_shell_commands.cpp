@@ -144,18 +144,20 @@ TEST_F(ShellCommandTest, DisplayModesOverALoadedFile) {
     EXPECT_EQ(d->rawDocument().text(), slurp(example()));
 }
 
-// The coordinate order changes the setting and the marks; the grids show
-// it when they are next filled.
+// The coordinate order changes the setting and the marks, and both grids
+// show it at once.
 TEST_F(ShellCommandTest, CoordinateOrder) {
     auto d = startWithExample();
+    setCurrent(*d, 4, 1);
     d->dispatch(cmd::EastingNorthing);
     EXPECT_TRUE(d->checkTable().checked(cmd::EastingNorthing));
     EXPECT_FALSE(d->checkTable().checked(cmd::NorthingEasting));
-    EXPECT_EQ(d->coordinateModel()->headerData(1, Qt::Horizontal).toString(), "Northing");
-    shell.reply("1|5000|6000||");
-    d->dispatch(cmd::AddPointToCrd); // adding a point fills the grid again
     EXPECT_EQ(d->coordinateModel()->headerData(1, Qt::Horizontal).toString(), "Easting");
-    d->openRawFile(example().string()); // and the raw grid's store points
+    EXPECT_EQ(header(*d, 2), "Easting"); // the raw grid's store points too
+    shell.reply("1|5000|6000||");
+    d->dispatch(cmd::AddPointToCrd);
+    EXPECT_EQ(d->coordinateModel()->headerData(1, Qt::Horizontal).toString(), "Easting");
+    d->openRawFile(example().string());
     setCurrent(*d, 4, 1);
     EXPECT_EQ(header(*d, 2), "Easting");
     EXPECT_EQ(cell(*d, 4, 2), "5000.0000");

@@ -179,4 +179,74 @@ TEST_F(DisplayModesTest, AngleModeLeavesElevationDifferences) {
     EXPECT_EQ(vertical(doc, 1), "96.6667");
 }
 
+// Looking never wears the record down: any walk through the display modes
+// that ends where it started gives back the text byte for byte, however
+// many conversions lie between (a single rounding per shown value).
+TEST_F(DisplayModesTest, EveryWalkThroughTheModesAndBackKeepsTheText) {
+    const std::string text = "MO,AD0,UN1,SF1.00000000,EC0,EO0\n"
+                             "BK,OP1,BP2,BS320.0326,BC0.0000\n"
+                             "AZ,OP1,FP2,BS45.0000\n"
+                             "SS,OP1,FP101,AR345.4539,ZE90.0027,SD85.824,--\n"
+                             "TR,OP1,FP2,AR64.3327,ZE89.2452,SD453.567,--\n"
+                             "SS,OP2,FP3,AR10.0000,ZE,SD12.345,--\n"
+                             "SS,OP2,FP4,AR10.0000,ZE87.1234,SD,--\n"
+                             "SS,OP2,FP5,AR10.0000,ZEabc,SD9.876,--\n";
+    enum Step { VA, ZE, ED, NO, HD, SD, GON, DMS };
+    const std::vector<std::vector<Step>> walks = {
+        {HD, SD},
+        {GON, DMS},
+        {ED, ZE},
+        {NO, ZE},
+        {ED, HD, GON, VA, SD, DMS, ZE},
+        {HD, ED, HD, SD, HD, SD, ZE},
+        {GON, ED, DMS, GON, HD, VA, NO, ZE, SD, DMS},
+    };
+    for (size_t w = 0; w < walks.size(); ++w) {
+        RawDocument doc = openText(text);
+        const std::string first = doc.text();
+        for (int round = 0; round < 3; ++round) {
+            for (Step step : walks[w]) {
+                switch (step) {
+                case VA:
+                    doc.changeVerticalMode(VM::VerticalAngle);
+                    break;
+                case ZE:
+                    doc.changeVerticalMode(VM::Zenith);
+                    break;
+                case ED:
+                    doc.changeVerticalMode(VM::ElevationDifference);
+                    break;
+                case NO:
+                    doc.changeVerticalMode(VM::None);
+                    break;
+                case HD:
+                    doc.changeDistanceMode(DM::Horizontal);
+                    break;
+                case SD:
+                    doc.changeDistanceMode(DM::Slope);
+                    break;
+                case GON:
+                    doc.changeAngleMode(AngleUnit::Gons);
+                    break;
+                case DMS:
+                    doc.changeAngleMode(AngleUnit::DegreesMinutesSeconds);
+                    break;
+                }
+            }
+        }
+        EXPECT_EQ(doc.text(), first) << "walk " << w;
+        EXPECT_FALSE(doc.modified()) << "walk " << w;
+    }
+}
+
+// An edit makes the typed text the record: later changes convert from it,
+// not from what the row held before.
+TEST_F(DisplayModesTest, AnEditedCellIsConvertedFromTheTypedText) {
+    RawDocument doc = openText("SS,OP1,FP2,AR10.0000,ZE87.0000,SD100.000,--\n");
+    doc.changeDistanceMode(DM::Horizontal);
+    doc.setCell(0, 1 + kDistanceCell, "50.000");
+    doc.changeDistanceMode(DM::Slope);
+    EXPECT_EQ(distance(doc), "50.069");
+}
+
 } // namespace

@@ -67,6 +67,31 @@ std::string loop(bool bearings) {
 // The loops processed: the closure before the balance shows the
 // rotation, the one after it none, and the balanced closing direction
 // matches the reference.
+// A gon file's tab speaks gons throughout, a ddd.mmss file's ddd.mmss.
+TEST(AngleBalance, TheTabSpeaksTheFilesAngleUnit) {
+    struct Case {
+        AngleUnit unit;
+        const char *azimuths, *error;
+    };
+    const Case cases[] = {
+        {AngleUnit::DegreesMinutesSeconds,
+         "Reference Closing Azimuth: 90.0000  "
+         "Measured Closing Azimuth: 90.0020",
+         "Angular Error: -0.0020 for 0 traverse sides"},
+        {AngleUnit::Gons,
+         "Reference Closing Azimuth: 100.0000  "
+         "Measured Closing Azimuth: 100.0062",
+         "Angular Error: -0.0062 for 0 traverse sides"},
+    };
+    for (const auto &c : cases) {
+        raw::RawFile file;
+        file.units.angle = c.unit;
+        const std::string t = angleBalanceText(90.0, 90.0 + 2 * kTenSeconds, file, {}, {});
+        EXPECT_NE(t.find(c.azimuths), std::string::npos) << t;
+        EXPECT_NE(t.find(c.error), std::string::npos) << t;
+    }
+}
+
 TEST(AngleBalance, AzimuthAndBearingLoopsCloseAfterTheBalance) {
     for (const bool bearings : {false, true}) {
         test::ProcessRun run;

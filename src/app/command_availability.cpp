@@ -1,0 +1,228 @@
+// Which menu entries can run here and now, and why the others cannot: an
+// entry whose feature is missing is shown disabled with the reason as its
+// tool tip. Converters come from the registry, so an entry enables itself
+// once its converter is built; companion programs must be installed.
+#include "app/main_dialog.h"
+#include "app/shell_prompts.h"
+#include "base/format.h"
+#include "base/translation.h"
+#include "convert/import_flow.h"
+#include "convert/registry.h"
+#include "convert/source_lines.h"
+#include "crd/coordinate_file.h"
+#include "reduce/adjust_methods.h"
+
+#include <QAction>
+#include <QFileInfo>
+#include <algorithm>
+#include <fstream>
+
+namespace tramline::app {
+
+namespace {
+
+// The ids that the command switch carries out itself.
+bool handledBySwitch(int id) {
+    static const int handled[] = {
+        cmd::NewRaw,
+        cmd::OpenRaw,
+        cmd::SaveRaw,
+        cmd::SaveRawAs,
+        cmd::NewCrd,
+        cmd::OpenCrd,
+        cmd::SaveCrd,
+        cmd::SaveCrdAs,
+        cmd::Settings,
+        cmd::PrintRaw,
+        cmd::PrintCoordinates,
+        cmd::PrinterSettings,
+        cmd::Exit,
+        cmd::FindRaw,
+        cmd::FindCrd,
+        cmd::ReplaceRaw,
+        cmd::ReplaceCrd,
+        cmd::Cut,
+        cmd::Copy,
+        cmd::Paste,
+        cmd::DeleteRow,
+        cmd::ModifyMeasurements,
+        cmd::Undo,
+        cmd::Redo,
+        cmd::Plot,
+        cmd::AddPointToCrd,
+        cmd::ProcessSettings,
+        cmd::ImportRawHalvren,
+        cmd::ImportRawTds,
+        cmd::ImportPointsText,
+        cmd::ExportPointsText,
+        cmd::About,
+        cmd::GpsLocalizationReport,
+        cmd::ProcessGps,
+        cmd::VerticalAngle,
+        cmd::ZenithAngle,
+        cmd::ElevationDifference,
+        cmd::VerticalNone,
+        cmd::SlopeDistance,
+        cmd::HorizontalDistance,
+        cmd::AnglesDms,
+        cmd::AnglesGons,
+        cmd::NorthingEasting,
+        cmd::EastingNorthing,
+        cmd::AddTraverse,
+        cmd::AddSideShot,
+        cmd::AddBackSight,
+        cmd::AddInstrumentHeight,
+        cmd::AddElevation,
+        cmd::AddGps,
+        cmd::AddTraverseName,
+        cmd::AddNote,
+        cmd::AddDataOnOff,
+        cmd::AddPointToRaw,
+        cmd::AddReferenceAzimuth,
+        cmd::AddControlError,
+        cmd::AddSetupError,
+        cmd::AddMeasurementError,
+    };
+    return std::find(std::begin(handled), std::end(handled), id) != std::end(handled);
+}
+
+const char *menuPathOf(int id) {
+    for (const auto &c : menuCommands())
+        if (c.id == id)
+            return c.path;
+    return nullptr;
+}
+
+} // namespace
+
+const convert::FormatEntry *CKELMADlg::converterOf(int id) {
+    const char *path = menuPathOf(id);
+    if (!path)
+        return nullptr;
+    const auto parts = menuPath(path);
+    if (parts.size() != 3 || parts[0] != "Tools")
+        return nullptr;
+    using convert::FormatKind;
+    const std::pair<const char *, FormatKind> kinds[] = {
+        {"Import Raw Data", FormatKind::RawImport},
+        {"Export Raw Data", FormatKind::RawExport},
+        {"Import Point Data", FormatKind::PointImport},
+        {"Export Point Data", FormatKind::PointExport},
+    };
+    for (const auto &[name, kind] : kinds)
+        if (parts[1] == name)
+            return convert::findFormatByMenu(kind, parts[2]);
+    return nullptr;
+}
+
+std::filesystem::path CKELMADlg::companionPath(const char *name) const {
+#ifdef _WIN32
+    return m_folders.program / (std::string(name) + ".exe");
+#else
+    return m_folders.program / name;
+#endif
+}
+
+std::string CKELMADlg::unavailableReason(int id) const {
+    if (id == cmd::ImageTramline || id == cmd::TransferQuillan) {
+        const auto program = companionPath(id == cmd::ImageTramline ? "imagery" : "quilcom");
+        if (QFileInfo(QString::fromStdString(program.string())).isExecutable())
+            return {};
+        return format(tramline::tr("The companion program %s is not installed on this computer."),
+                      program.filename().string().c_str());
+    }
+    if (const auto *method = reduce::adjustMethodByMenuCommand(id))
+        return method->built ? std::string() : tramline::tr("This command is not available yet.");
+    if (handledBySwitch(id))
+        return {};
+    if (const auto *entry = converterOf(id)) {
+        const bool runs = entry->built && (entry->import || entry->exporter || entry->pointImport ||
+                                           entry->pointExport);
+        return runs ? std::string() : tramline::tr("This converter is not available yet.");
+    }
+    return tramline::tr("This command is not available yet.");
+}
+
+void CKELMADlg::applyAvailability() {
+    for (const auto &[id, action] : m_actions) {
+        const std::string reason = unavailableReason(id);
+        if (reason.empty())
+            continue;
+        action->setEnabled(false);
+        action->setToolTip(QString::fromStdString(reason));
+    }
+}
+
+bool CKELMADlg::runConverter(int id) {
+    const convert::FormatEntry *entry = converterOf(id);
+    if (!entry || !entry->built)
+        return false;
+    if (entry->import) {
+        importRawFormat(entry->menuName);
+        return true;
+    }
+    if (entry->exporter) {
+        exportRawFormat(entry->menuName);
+        return true;
+    }
+    if (entry->pointImport) {
+        importPoints(*entry);
+        return true;
+    }
+    if (entry->pointExport) {
+        exportPoints(*entry);
+        return true;
+    }
+    return false;
+}
+
+void CKELMADlg::importPoints(const convert::FormatEntry &entry) {
+    const std::string source =
+        prompts().askFileName(tramline::tr(entry.dialogTitle), entry.extensions, false);
+    if (source.empty())
+        return;
+    std::ifstream in(source, std::ios::binary);
+    convert::SourceLines lines;
+    if (!in || !convert::readSourceLines(in, lines)) {
+        ui().message(format(tramline::tr("Error: unable to open %s"), source.c_str()));
+        return;
+    }
+    convert::ImportOutput out;
+    if (const Status s = entry.pointImport(lines, ui(), out); !s) {
+        if (!s.message.empty())
+            ui().message(s.message);
+        return;
+    }
+    std::string report = out.report;
+    if (convert::writeImportedPoints(*m_workingFile, out.points, report) > 0)
+        m_coordinateModified = true;
+    refreshCoordinateGrid();
+    if (!report.empty())
+        ui().message(report.starts_with('\n') ? report.substr(1) : report);
+}
+
+void CKELMADlg::exportPoints(const convert::FormatEntry &entry) {
+    const std::string destination =
+        prompts().askFileName(tramline::tr(entry.dialogTitle), entry.extensions, true);
+    if (destination.empty())
+        return;
+    std::vector<crd::CrdPoint> points;
+    crd::readAllPoints(*m_workingFile, points);
+    convert::ExportOutput out;
+    if (const Status s = entry.pointExport(points, {}, ui(), out); !s) {
+        if (!s.message.empty())
+            ui().message(s.message);
+        return;
+    }
+    std::ofstream file(destination, std::ios::binary | std::ios::trunc);
+    if (!(file << out.bytes)) {
+        ui().message(out.writeError.empty()
+                         ? format(tramline::tr("Can't open output file %s"), destination.c_str())
+                         : out.writeError);
+        return;
+    }
+    if (!out.completion.empty())
+        ui().message(out.completion);
+}
+
+} // namespace tramline::app
