@@ -2,6 +2,8 @@
 
 #include "base/text.h"
 #include "base/translation.h"
+#include "convert/geodimeter_import.h"
+#include "convert/geodimeter_points.h"
 #include "convert/sdr_export.h"
 #include "convert/sdr_import.h"
 
@@ -18,7 +20,8 @@ const FormatEntry kFormats[] = {
      nullptr, true},
     {K::RawImport, "quillan", "Quillan Archive", "Quillan Archive File to Open", "sc5"},
     {K::RawImport, "leica", "Leica", "Leica Raw File to Import", "gsi;raw;gre"},
-    {K::RawImport, "geodimeter", "Geodimeter", "Geodimeter Raw File to Import", "obs;raw"},
+    {K::RawImport, "geodimeter", "Geodimeter", trNoop("Geodimeter Raw File to Import"), "obs;raw",
+     importGeodimeter, nullptr, true},
     {K::RawImport, "nikon", "Nikon", "Nikon Raw File to Import", "trn;raw"},
     {K::RawImport, "smi", "SMI", "SMI Raw File to Import", "raw"},
     {K::RawImport, "tds", "TDS", "TDS Raw File to Import", "rw5;raw"},
@@ -39,7 +42,8 @@ const FormatEntry kFormats[] = {
 
     {K::PointImport, "text", "Text/ASCII File", trNoop("Text/ASCII File To Import"),
      "txt;asc;dat;csv;xyz;*", nullptr, nullptr, true},
-    {K::PointImport, "geodimeter", "Geodimeter", "Select Geodimeter File", "obs;raw"},
+    {K::PointImport, "geodimeter", "Geodimeter", trNoop("Select Geodimeter File"), "obs;raw",
+     nullptr, nullptr, true, importGeodimeterPoints},
     {K::PointImport, "nlsmmh360", "NLS MMH360", "Select NLS MMH360 File", "txt;360"},
     {K::PointImport, "sdr", "Sokkia/SDR", "Select Sokkia File", "sdr;raw"},
     {K::PointImport, "cr5", "TDS CR5", "CR5 File to Read", "cr5"},
@@ -53,6 +57,8 @@ const FormatEntry kFormats[] = {
     {K::PointExport, "sdms", "SDMS", "SDMS Point File to Write", "ctl"},
     {K::PointExport, "sdr", "Sokkia/SDR", "SDR Point File to Write", "sdr;raw"},
     {K::PointExport, "topobase", "Topobase", "Topobase Point File to Write", "ro"},
+    {K::PointExport, "geodimeter", "Geodimeter", trNoop("Geodimeter File To Write"), "obs;raw",
+     nullptr, nullptr, true, nullptr, exportGeodimeterPoints},
 };
 
 } // namespace

@@ -1,0 +1,51 @@
+#include "convert/point_flow.h"
+
+#include "base/atomic_save.h"
+#include "base/format.h"
+#include "base/translation.h"
+#include "crd/coordinate_file.h"
+
+#include <fstream>
+
+namespace tramline::convert {
+
+Status runPointImport(PointImportFunction import, const std::filesystem::path &source,
+                      crd::CoordinateFile &file, Interaction &ui, ImportSummary &summary) {
+    SourceLines lines;
+    std::ifstream in(source, std::ios::binary);
+    std::error_code ec;
+    if (!in || std::filesystem::is_directory(source, ec) || !readSourceLines(in, lines)) {
+        ui.message(tr("Error: unable to read file"));
+        return Status::failure(StatusCode::Io, tr("Error: unable to read file"));
+    }
+    ImportOutput out;
+    if (Status status = import(lines, ui, out); !status) {
+        ui.message(status.message);
+        return status;
+    }
+    summary.records = out.records;
+    summary.skipped = out.skipped;
+    summary.report = out.report;
+    summary.pointsStored = writeImportedPoints(file, out.points, summary.report);
+    summary.pointsRefused = long(out.points.size()) - summary.pointsStored;
+    ui.message(format(tr("Read in %ld points."), summary.pointsStored));
+    return Status::success();
+}
+
+Status runPointExport(PointExportFunction exporter, crd::CoordinateFile &file,
+                      const std::filesystem::path &destination, const PointExportOptions &options,
+                      Interaction &ui, ExportOutput &out) {
+    std::vector<crd::CrdPoint> points;
+    readAllPoints(file, points);
+    if (Status made = exporter(points, options, ui, out); !made)
+        return made;
+    if (!saveTextAtomically(destination, out.bytes)) {
+        ui.message(out.writeError);
+        return Status::failure(StatusCode::Io, out.writeError);
+    }
+    if (!out.completion.empty())
+        ui.message(out.completion);
+    return Status::success();
+}
+
+} // namespace tramline::convert
