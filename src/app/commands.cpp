@@ -206,6 +206,18 @@ void CKELMADlg::dispatch(int id) {
     case cmd::ExportPointsText:
         exportTextPoints();
         return;
+    case cmd::ImportRawGeodimeter:
+        importRawFormat("Geodimeter");
+        return;
+    case cmd::ExportRawTrimbleJxl:
+        exportRawFormat("Trimble JXL");
+        return;
+    case cmd::ImportPointsGeodimeter:
+        importRegistryPoints("Geodimeter");
+        return;
+    case cmd::ExportPointsGeodimeter:
+        exportRegistryPoints("Geodimeter");
+        return;
     case cmd::ImageTramline:
         startCompanion("imagery");
         return;

@@ -168,6 +168,8 @@ private:
     void exportRawFormat(const char *menuName);
     void importTextPoints();
     void exportTextPoints();
+    void importRegistryPoints(const char *menuName);
+    void exportRegistryPoints(const char *menuName);
     void startCompanion(const char *name);
     void about();
 

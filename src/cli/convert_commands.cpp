@@ -6,8 +6,11 @@
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
+#include "cli/ipc_progress.h"
 #include "convert/export_flow.h"
+#include "convert/geodimeter_options.h"
 #include "convert/import_flow.h"
+#include "convert/point_flow.h"
 #include "convert/registry.h"
 #include "convert/text_points_flow.h"
 #include "crd/coordinate_file.h"
@@ -55,6 +58,7 @@ void addFormats(CLI::App &app, CommandContext &ctx) {
 
 struct ImportOptions {
     std::string format, file, output, crd, backsight = "sideshots", layout;
+    bool stripDecimal = false, infoCodes = false;
 };
 
 void addImport(CLI::App &app, CommandContext &ctx) {
@@ -69,6 +73,9 @@ void addImport(CLI::App &app, CommandContext &ctx) {
         ->check(CLI::IsMember({"sideshots", "notes"}, CLI::ignore_case));
     cmd->add_option("--format", o->layout, "Layout of a file without header: sdr33 or sdr2x")
         ->check(CLI::IsMember({"sdr33", "sdr2x"}, CLI::ignore_case));
+    cmd->add_flag("--strip-decimal", o->stripDecimal,
+                  "Geodimeter: strip the decimal point from point codes");
+    cmd->add_flag("--info-codes", o->infoCodes, "Geodimeter: use info codes in point descriptions");
     cmd->callback([&ctx, o] {
         const auto *entry = builtFormat(FormatKind::RawImport, o->format, ctx);
         if (!entry)
@@ -80,9 +87,10 @@ void addImport(CLI::App &app, CommandContext &ctx) {
             ui.answers[tr("File Format")] =
                 equalsIgnoreCase(o->layout, "sdr2x") ? tr("All Others") : tr("SDR-33");
         ui.hints[tr("File Format")] = "--format sdr33|sdr2x";
+        convert::GeodimeterOptionsAnswered answered(ui, {o->stripDecimal, o->infoCodes});
         convert::ImportSummary summary;
         const Status status =
-            convert::runImport(entry->import, {o->file, o->output, o->crd}, ui, summary);
+            convert::runImport(entry->import, {o->file, o->output, o->crd}, answered, summary);
         if (!status) {
             if (status.code == StatusCode::Format || status.code == StatusCode::Cancelled)
                 ctx.err << status.message << '\n';
@@ -99,6 +107,7 @@ void addImport(CLI::App &app, CommandContext &ctx) {
 
 struct ExportOptions {
     std::string format, file, output, layout;
+    bool ipc = false;
 };
 
 void addExport(CLI::App &app, CommandContext &ctx) {
@@ -109,15 +118,25 @@ void addExport(CLI::App &app, CommandContext &ctx) {
     cmd->add_option("-o,--output", o->output, "File to write")->required();
     cmd->add_option("--format", o->layout, "sdr33 (default) or sdr2x")
         ->check(CLI::IsMember({"sdr33", "sdr2x"}, CLI::ignore_case));
+    cmd->add_flag("--ipc", o->ipc,
+                  "Write \"$IPC:\" progress lines for a controlling process (also "
+                  "TRAMLINE_IPC=1)");
     cmd->callback([&ctx, o] {
         const auto *entry = builtFormat(FormatKind::RawExport, o->format, ctx);
         if (!entry)
             return;
-        ConsoleInteraction ui(ctx.err);
+        ConsoleInteraction console(ctx.err);
+        IpcProgress ipc(console, ctx.out);
+        const bool withIpc = o->ipc || ipcRequestedByEnvironment();
+        Interaction &ui = withIpc ? static_cast<Interaction &>(ipc) : console;
         convert::ExportOptions options;
         options.format = o->layout.empty() ? "sdr33" : o->layout;
         convert::ExportOutput out;
-        if (!convert::runExport(entry->exporter, o->file, o->output, options, ui, out)) {
+        const bool ok =
+            bool(convert::runExport(entry->exporter, o->file, o->output, options, ui, out));
+        if (withIpc)
+            ipc.finish(ok ? kSuccess : kFailure);
+        if (!ok) {
             ctx.exitCode = kFailure;
             return;
         }
@@ -154,8 +173,26 @@ void addPoints(CLI::App &app, CommandContext &ctx) {
     in->add_option("--crd", i->crd, "Coordinate file (made when missing)")->required();
     in->add_option("--order", i->order, "Coordinate order, default \"P,N,E,Z,D\"");
     in->callback([&ctx, i] {
-        if (!builtFormat(FormatKind::PointImport, i->format, ctx))
+        const auto *entry = builtFormat(FormatKind::PointImport, i->format, ctx);
+        if (!entry)
             return;
+        if (entry->pointImport) {
+            ConsoleInteraction ui(ctx.err);
+            crd::CoordinateFile file(crd::CrdContext{&ui, {}, {}});
+            if (!openCoordinateFile(file, i->crd, true, ctx))
+                return;
+            convert::ImportSummary summary;
+            if (!convert::runPointImport(entry->pointImport, i->file, file, ui, summary)) {
+                ctx.exitCode = kFailure;
+                return;
+            }
+            if (!summary.report.empty())
+                ctx.out << summary.report.substr(1) << '\n';
+            ctx.out << convert::summaryLine(summary) << '\n';
+            if (summary.pointsRefused > 0)
+                ctx.exitCode = kFailure;
+            return;
+        }
         convert::PointColumns columns;
         if (Status s =
                 convert::parseCoordinateOrder(i->order.empty() ? "P,N,E,Z,D" : i->order, columns);
@@ -194,8 +231,22 @@ void addPoints(CLI::App &app, CommandContext &ctx) {
         ->check(CLI::Range(0, 12));
     out->add_option("--range", e->range, "Points to write, \"A-B\" (default all)");
     out->callback([&ctx, e] {
-        if (!builtFormat(FormatKind::PointExport, e->format, ctx))
+        const auto *entry = builtFormat(FormatKind::PointExport, e->format, ctx);
+        if (!entry)
             return;
+        if (entry->pointExport) {
+            ConsoleInteraction ui(ctx.err);
+            crd::CoordinateFile file(crd::CrdContext{&ui, {}, {}});
+            if (!openCoordinateFile(file, e->crd, false, ctx))
+                return;
+            convert::ExportOutput written;
+            if (!convert::runPointExport(entry->pointExport, file, e->output, {}, ui, written)) {
+                ctx.exitCode = kFailure;
+                return;
+            }
+            ctx.out << format(tr("Wrote %ld points"), written.records) << '\n';
+            return;
+        }
         convert::TextExportOptions options;
         if (!e->order.empty() && !convert::exportColumnsFrom(e->order, options.columns)) {
             ctx.err << format(tr("Error: unknown column order %s"), e->order.c_str()) << '\n';

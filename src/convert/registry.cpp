@@ -4,6 +4,7 @@
 #include "base/translation.h"
 #include "convert/geodimeter_import.h"
 #include "convert/geodimeter_points.h"
+#include "convert/jxl_export.h"
 #include "convert/sdr_export.h"
 #include "convert/sdr_import.h"
 
@@ -38,7 +39,8 @@ const FormatEntry kFormats[] = {
     {K::RawExport, "sdr", "Sokkia/SDR", trNoop("SDR Raw File to Write"), "sdr;raw", nullptr,
      exportSdr, true},
     {K::RawExport, "leica", "Leica", "Leica Raw File to Write", "gsi"},
-    {K::RawExport, "jxl", "Trimble JXL", "Trimble JXL File to Write", "jxl"},
+    {K::RawExport, "jxl", "Trimble JXL", trNoop("Trimble JXL File to Export"), "jxl", nullptr,
+     exportJxl, true},
 
     {K::PointImport, "text", "Text/ASCII File", trNoop("Text/ASCII File To Import"),
      "txt;asc;dat;csv;xyz;*", nullptr, nullptr, true},
