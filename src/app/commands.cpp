@@ -287,6 +287,18 @@ void CKELMADlg::runCommand(int id) {
     case cmd::ExportRawLeica:
         exportRawFormat("Leica");
         return;
+    case cmd::ImportRawGeodimeter:
+        importRawFormat("Geodimeter");
+        return;
+    case cmd::ExportRawTrimbleJxl:
+        exportRawFormat("Trimble JXL");
+        return;
+    case cmd::ImportPointsGeodimeter:
+        importRegistryPoints("Geodimeter");
+        return;
+    case cmd::ExportPointsGeodimeter:
+        exportRegistryPoints("Geodimeter");
+        return;
     case cmd::ImageTramline:
         startCompanion("imagery");
         return;

@@ -1,5 +1,6 @@
 // The menu's converters: Import Raw Data and Export Raw Data > Sokkia/SDR,
-// and the text entries of Import and Export Point Data. They run the same
+// Import Raw Data > Geodimeter, Export Raw Data > Trimble JXL, and the
+// text and Geodimeter entries of Import and Export Point Data. They run the same
 // core code as tramline-cli; titles and filters come from the registry.
 #include "app/coordinate_grid_model.h"
 #include "app/main_dialog.h"
@@ -9,7 +10,10 @@
 #include "base/text.h"
 #include "base/translation.h"
 #include "convert/export_flow.h"
+#include "convert/geodimeter_import.h"
+#include "convert/geodimeter_options.h"
 #include "convert/import_flow.h"
+#include "convert/point_flow.h"
 #include "convert/registry.h"
 #include "convert/text_points_flow.h"
 #include "crd/coordinate_file.h"
@@ -40,9 +44,20 @@ void CKELMADlg::importRawFormat(const char *menuName) {
     // records of an earlier one behind.
     const auto scratch = convert::scratchImportPath(m_folders.working);
     std::ofstream(scratch, std::ios::trunc).close();
+    // The Geodimeter options start from "readgeod.ini" and are kept there.
+    convert::GeodimeterOptions geodimeter;
+    if (entry->import == convert::importGeodimeter) {
+        const auto ini = m_folders.program / convert::kGeodimeterIni;
+        if (Status s = convert::loadGeodimeterOptions(ini, geodimeter); !s)
+            ui().message(s.message);
+        if (!convert::askGeodimeterOptions(ui(), geodimeter))
+            return;
+        convert::saveGeodimeterOptions(ini, geodimeter);
+    }
+    convert::GeodimeterOptionsAnswered answered(ui(), geodimeter);
     convert::ImportSummary summary;
     convert::ImportPaths paths{source, scratch, m_workingCrdPath, m_workingFile.get()};
-    if (!convert::runImport(entry->import, paths, ui(), summary))
+    if (!convert::runImport(entry->import, paths, answered, summary))
         return;
     if (summary.pointsStored > 0)
         m_coordinateModified = true;
@@ -88,6 +103,8 @@ void CKELMADlg::importTextPoints() {
     }
     convert::TextImportSummary summary;
     const Status s = convert::importTextPointsFile(source, *m_workingFile, columns, ui(), summary);
+    if (!s && s.code == StatusCode::Format)
+        ui().message(s.message);
     if (s && summary.pointsStored > 0)
         m_coordinateModified = true;
     if (!summary.report.empty())
@@ -128,6 +145,38 @@ void CKELMADlg::exportTextPoints() {
     long written = 0;
     convert::exportTextPointsFile(*m_workingFile, destination, options, fields[3].value, ui(),
                                   written);
+}
+
+void CKELMADlg::importRegistryPoints(const char *menuName) {
+    const auto *entry = convert::findFormatByMenu(FormatKind::PointImport, menuName);
+    if (!entry || !entry->pointImport)
+        return;
+    const std::string source =
+        prompts().askFileName(tramline::tr(entry->dialogTitle), entry->extensions, false);
+    if (source.empty())
+        return;
+    convert::ImportSummary summary;
+    const Status s =
+        convert::runPointImport(entry->pointImport, source, *m_workingFile, ui(), summary);
+    if (!s && s.code == StatusCode::Format)
+        ui().message(s.message);
+    if (s && summary.pointsStored > 0)
+        m_coordinateModified = true;
+    if (!summary.report.empty())
+        ui().message(summary.report.substr(1));
+    refreshCoordinateGrid();
+}
+
+void CKELMADlg::exportRegistryPoints(const char *menuName) {
+    const auto *entry = convert::findFormatByMenu(FormatKind::PointExport, menuName);
+    if (!entry || !entry->pointExport)
+        return;
+    const std::string destination =
+        prompts().askFileName(tramline::tr(entry->dialogTitle), entry->extensions, true);
+    if (destination.empty())
+        return;
+    convert::ExportOutput out;
+    convert::runPointExport(entry->pointExport, *m_workingFile, destination, {}, ui(), out);
 }
 
 } // namespace tramline::app

@@ -181,6 +181,8 @@ private:
     void exportRawFormat(const char *menuName);
     void importTextPoints();
     void exportTextPoints();
+    void importRegistryPoints(const char *menuName);
+    void exportRegistryPoints(const char *menuName);
     void startCompanion(const char *name);
     // availability and the registry's converters (command_availability.cpp)
     static const convert::FormatEntry *converterOf(int id);

@@ -6,7 +6,9 @@
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
+#include "cli/ipc_progress.h"
 #include "convert/export_flow.h"
+#include "convert/geodimeter_options.h"
 #include "convert/import_flow.h"
 #include "convert/point_flow.h"
 #include "convert/registry.h"
@@ -57,6 +59,7 @@ void addFormats(CLI::App &app, CommandContext &ctx) {
 struct ImportOptions {
     std::string format, file, output, crd, backsight = "sideshots", layout;
     std::string coding = "wildsoft", order = "bffb";
+    bool stripDecimal = false, infoCodes = false;
 };
 
 void addImport(CLI::App &app, CommandContext &ctx) {
@@ -75,6 +78,9 @@ void addImport(CLI::App &app, CommandContext &ctx) {
         ->check(CLI::IsMember({"wildsoft", "liscad", "10-20-30-40"}, CLI::ignore_case));
     cmd->add_option("--order", o->order, "GSI direct-reverse order: bffb or bfbf")
         ->check(CLI::IsMember({"bffb", "bfbf"}, CLI::ignore_case));
+    cmd->add_flag("--strip-decimal", o->stripDecimal,
+                  "Geodimeter: strip the decimal point from point codes");
+    cmd->add_flag("--info-codes", o->infoCodes, "Geodimeter: use info codes in point descriptions");
     cmd->callback([&ctx, o] {
         const auto *entry = builtFormat(FormatKind::RawImport, o->format, ctx);
         if (!entry)
@@ -92,9 +98,10 @@ void addImport(CLI::App &app, CommandContext &ctx) {
         ui.answers[tr("Leica Options")] = toUpper(o->order) + "|" + coding;
         ui.answers[tr("Leica 10-20-30-40 Format")] =
             std::string("10-20-30-40|") + tr("Angle Right");
+        convert::GeodimeterOptionsAnswered answered(ui, {o->stripDecimal, o->infoCodes});
         convert::ImportSummary summary;
         const Status status =
-            convert::runImport(entry->import, {o->file, o->output, o->crd}, ui, summary);
+            convert::runImport(entry->import, {o->file, o->output, o->crd}, answered, summary);
         if (!status) {
             if (status.code == StatusCode::Format || status.code == StatusCode::Cancelled)
                 ctx.err << status.message << '\n';
@@ -111,6 +118,7 @@ void addImport(CLI::App &app, CommandContext &ctx) {
 
 struct ExportOptions {
     std::string format, file, output, layout, angle = "dms", distance = "m";
+    bool ipc = false;
 };
 
 void addExport(CLI::App &app, CommandContext &ctx) {
@@ -121,10 +129,12 @@ void addExport(CLI::App &app, CommandContext &ctx) {
     cmd->add_option("-o,--output", o->output, "File to write")->required();
     cmd->add_option("--format", o->layout, "sdr33 (default) or sdr2x")
         ->check(CLI::IsMember({"sdr33", "sdr2x"}, CLI::ignore_case));
-    cmd->add_option("--angle", o->angle, "GSI angle unit: dms (default) or gon")
-        ->check(CLI::IsMember({"dms", "gon"}, CLI::ignore_case));
-    cmd->add_option("--distance", o->distance, "GSI distance unit: m (default) or ft")
-        ->check(CLI::IsMember({"m", "ft"}, CLI::ignore_case));
+    cmd->add_flag("--ipc", o->ipc,
+                  "Write \"$IPC:\" progress lines for a controlling process (also "
+                  "TRAMLINE_IPC=1)");
+        console.answers[tr("Raw File Units")] =
+            std::string(equalsIgnoreCase(o->angle, "gon") ? tr("Gon") : tr("Deg/Min/Sec")) + "|" +
+            (equalsIgnoreCase(o->distance, "ft") ? tr("Feet") : tr("Meters"));
     cmd->callback([&ctx, o] {
         const auto *entry = builtFormat(FormatKind::RawExport, o->format, ctx);
         if (!entry)
@@ -133,10 +143,18 @@ void addExport(CLI::App &app, CommandContext &ctx) {
         ui.answers[tr("Raw File Units")] =
             std::string(equalsIgnoreCase(o->angle, "gon") ? tr("Gon") : tr("Deg/Min/Sec")) + "|" +
             (equalsIgnoreCase(o->distance, "ft") ? tr("Feet") : tr("Meters"));
+        ConsoleInteraction console(ctx.err);
+        IpcProgress ipc(console, ctx.out);
+        const bool withIpc = o->ipc || ipcRequestedByEnvironment();
+        Interaction &ui = withIpc ? static_cast<Interaction &>(ipc) : console;
         convert::ExportOptions options;
         options.format = o->layout.empty() ? "sdr33" : o->layout;
         convert::ExportOutput out;
-        if (!convert::runExport(entry->exporter, o->file, o->output, options, ui, out)) {
+        const bool ok =
+            bool(convert::runExport(entry->exporter, o->file, o->output, options, ui, out));
+        if (withIpc)
+            ipc.finish(ok ? kSuccess : kFailure);
+        if (!ok) {
             ctx.exitCode = kFailure;
             return;
         }
@@ -171,7 +189,11 @@ void importPoints(const convert::FormatEntry &entry, const PointOptions &options
     if (!openCoordinateFile(file, options.crd, true, ctx))
         return;
     convert::ImportSummary summary;
-    if (!convert::runPointImport(entry.pointImport, options.file, file, ui, summary)) {
+    if (const Status status =
+            convert::runPointImport(entry.pointImport, options.file, file, ui, summary);
+        !status) {
+        if (status.code == StatusCode::Format || status.code == StatusCode::Cancelled)
+            ctx.err << status.message << '\n';
         ctx.exitCode = kFailure;
         return;
     }

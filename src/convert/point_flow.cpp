@@ -1,6 +1,7 @@
 #include "convert/point_flow.h"
 
 #include "base/atomic_save.h"
+#include "base/format.h"
 #include "base/translation.h"
 #include "convert/import_flow.h"
 #include "crd/coordinate_file.h"
@@ -15,8 +16,8 @@ Status runPointImport(PointImportFunction import, const std::filesystem::path &s
     std::ifstream in(source, std::ios::binary);
     std::error_code ec;
     if (!in || std::filesystem::is_directory(source, ec) || !readSourceLines(in, lines)) {
-        ui.message(tr("Error: unable to read raw file"));
-        return Status::failure(StatusCode::Io, tr("Error: unable to read raw file"));
+        ui.message(tr("Error: unable to read file"));
+        return Status::failure(StatusCode::Io, tr("Error: unable to read file"));
     }
     ImportOutput out;
     if (Status s = import(lines, ui, out); !s)
@@ -26,8 +27,10 @@ Status runPointImport(PointImportFunction import, const std::filesystem::path &s
     summary.report = out.report;
     summary.pointsStored = writeImportedPoints(file, out.points, summary.report);
     summary.pointsRefused = long(out.points.size()) - summary.pointsStored;
-    if (!out.completion.empty())
-        ui.message(out.completion);
+    // A format with its own closing word says it; else the count.
+    ui.message(!out.completion.empty()
+                   ? out.completion
+                   : format(tr("Read in %ld points."), summary.pointsStored));
     return Status::success();
 }
 

@@ -1,7 +1,6 @@
-// The flows of the point imports and exports that sit behind the registry's
-// function types: read the foreign file into the coordinate file, or write
-// the coordinate file's points to a foreign file, with the messages of
-// both.
+// The flow of the point imports and exports of the registry: a foreign
+// point file into the open coordinate file, and the coordinate file's
+// points out to a foreign file, saved atomically.
 #pragma once
 
 #include "base/interaction.h"
@@ -14,9 +13,10 @@
 namespace tramline::convert {
 
 /// Reads `source` with `import` and stores its points in `file` (open for
-/// update). "Error: unable to read raw file" when the source cannot be
-/// read; the converter's failure as it is; its completion message on
-/// success. `summary` tells what was stored.
+/// update). "Error: unable to read file" when the source cannot be read;
+/// the converter's failure as it is (the caller shows it); on success the
+/// converter's completion message, or "Read in %ld points." when it has
+/// none. `summary` tells what was stored.
 Status runPointImport(PointImportFunction import, const std::filesystem::path &source,
                       crd::CoordinateFile &file, Interaction &ui, ImportSummary &summary);
 

@@ -5,6 +5,9 @@
 #include "convert/gsi_export.h"
 #include "convert/gsi_import.h"
 #include "convert/gsi_point_export.h"
+#include "convert/geodimeter_import.h"
+#include "convert/geodimeter_points.h"
+#include "convert/jxl_export.h"
 #include "convert/sdr_export.h"
 #include "convert/sdr_import.h"
 
@@ -22,7 +25,8 @@ const FormatEntry kFormats[] = {
     {K::RawImport, "quillan", "Quillan Archive", "Quillan Archive File to Open", "sc5"},
     {K::RawImport, "gsi", "Leica", trNoop("Leica Raw File to Import"), "gsi;raw;gre", importGsi,
      nullptr, true},
-    {K::RawImport, "geodimeter", "Geodimeter", "Geodimeter Raw File to Import", "obs;raw"},
+    {K::RawImport, "geodimeter", "Geodimeter", trNoop("Geodimeter Raw File to Import"), "obs;raw",
+     importGeodimeter, nullptr, true},
     {K::RawImport, "nikon", "Nikon", "Nikon Raw File to Import", "trn;raw"},
     {K::RawImport, "smi", "SMI", "SMI Raw File to Import", "raw"},
     {K::RawImport, "tds", "TDS", "TDS Raw File to Import", "rw5;raw"},
@@ -40,11 +44,13 @@ const FormatEntry kFormats[] = {
      exportSdr, true},
     {K::RawExport, "gsi", "Leica", trNoop("Leica Raw File to Write"), "gsi", nullptr, exportGsi,
      true},
-    {K::RawExport, "jxl", "Trimble JXL", "Trimble JXL File to Write", "jxl"},
+    {K::RawExport, "jxl", "Trimble JXL", trNoop("Trimble JXL File to Export"), "jxl", nullptr,
+     exportJxl, true},
 
     {K::PointImport, "text", "Text/ASCII File", trNoop("Text/ASCII File To Import"),
      "txt;asc;dat;csv;xyz;*", nullptr, nullptr, true},
-    {K::PointImport, "geodimeter", "Geodimeter", "Select Geodimeter File", "obs;raw"},
+    {K::PointImport, "geodimeter", "Geodimeter", trNoop("Select Geodimeter File"), "obs;raw",
+     nullptr, nullptr, true, importGeodimeterPoints},
     {K::PointImport, "nlsmmh360", "NLS MMH360", "Select NLS MMH360 File", "txt;360"},
     {K::PointImport, "sdr", "Sokkia/SDR", "Select Sokkia File", "sdr;raw"},
     {K::PointImport, "cr5", "TDS CR5", "CR5 File to Read", "cr5"},
@@ -66,6 +72,8 @@ const FormatEntry kFormats[] = {
     {K::PointExport, "topobase", "Topobase", "Topobase Point File to Write", "ro"},
     {K::PointExport, "gsi", "Leica", trNoop("Leica File To Write"), "gsi;raw", nullptr, nullptr,
      true, nullptr, exportGsiPoints},
+    {K::PointExport, "geodimeter", "Geodimeter", trNoop("Geodimeter File To Write"), "obs;raw",
+     nullptr, nullptr, true, nullptr, exportGeodimeterPoints},
 };
 
 } // namespace

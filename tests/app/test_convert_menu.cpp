@@ -84,4 +84,45 @@ TEST_F(ConvertMenuTest, LeicaEntriesRunTheGsiConverters) {
     EXPECT_NE(slurp(raw).find(" 22...2+000000000988530"), std::string::npos);
 }
 
+TEST_F(ConvertMenuTest, GeodimeterAndJxlThroughTheMenus) {
+    const auto samples = std::filesystem::path(TRAMLINE_SAMPLES_DIR) / "geodimeter";
+    if (!std::filesystem::exists(samples))
+        GTEST_SKIP() << "field samples not found at " << samples;
+    auto d = start();
+    const auto ini = d->folders().program / "readgeod.ini";
+    std::filesystem::remove(ini);
+    shell.files = {(samples / "ullo.job").string()};
+    shell.reply("Yes|No");
+    d->dispatch(cmd::ImportRawGeodimeter);
+    EXPECT_EQ(shell.asked.at(0), "Geodimeter Raw File to Import (obs;raw)");
+    EXPECT_EQ(slurp(ini), "is_strip=1\nis_info=0\n"); // the answers are kept
+    std::filesystem::remove(ini);
+    EXPECT_NE(std::find(shell.messages.begin(), shell.messages.end(), "Done."),
+              shell.messages.end());
+    EXPECT_NE(shell.messages.back().find("50 observations"), std::string::npos)
+        << shell.messages.back();
+    EXPECT_EQ(d->rawModel()->rowCount(), 60); // job, mode, 8 backsights, 50 shots
+
+    const auto jxl = dir / "out.jxl";
+    shell.files = {jxl.string()};
+    d->dispatch(cmd::ExportRawTrimbleJxl);
+    EXPECT_EQ(shell.asked.back(), "Trimble JXL File to Export (jxl, save)");
+    EXPECT_EQ(shell.messages.back(), "Conversion Complete");
+    EXPECT_TRUE(slurp(jxl).starts_with("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<JOBFile"));
+
+    shell.files = {(samples / "ullo.are").string()};
+    d->dispatch(cmd::ImportPointsGeodimeter);
+    EXPECT_EQ(shell.asked.back(), "Select Geodimeter File (obs;raw)");
+    EXPECT_EQ(shell.messages.back(), "Read in 4 points.");
+    EXPECT_EQ(d->coordinateModel()->rowCount(), 4);
+
+    const auto obs = dir / "out.obs";
+    shell.files = {obs.string()};
+    d->dispatch(cmd::ExportPointsGeodimeter);
+    EXPECT_EQ(shell.asked.back(), "Geodimeter File To Write (obs;raw, save)");
+    EXPECT_EQ(shell.messages.back(), "Done");
+    EXPECT_NE(slurp(obs).find("5=GP1\n4=\n37=12273.89000\n38=-23779.46000\n39=0.00000\n"),
+              std::string::npos);
+}
+
 } // namespace

@@ -188,4 +188,39 @@ TEST_F(ConvertCommands, TextPointsInAndOut) {
     EXPECT_EQ(r.err, "Error: unable to read file\n");
 }
 
+TEST_F(ConvertCommands, GeodimeterInAndOutAndJxlWithProgressLines) {
+    if (!std::filesystem::exists(kSamples))
+        GTEST_SKIP() << "field samples not found at " << kSamples;
+    spit(dir / "a.obs", "2=S\n5=A\n4=12.5\n61=OAK\n7=10\n8=90\n9=5\n37=100\n38=200\n39=3\n");
+    const auto imported = runCli({"import", "geodimeter", at("a.obs"), "-o", at("a.rw5"), "--crd",
+                                  at("a.crd"), "--strip-decimal", "--info-codes"});
+    EXPECT_EQ(imported.code, 0) << imported.err;
+    EXPECT_EQ(imported.out, "Read 10 records: 1 observations, 1 points stored, 0 lines skipped\n");
+    EXPECT_NE(slurp(dir / "a.rw5").find("SS,OPS,FPA,AR10.0000,ZE90.0000,SD5.0000,--125 OAK\n"),
+              std::string::npos);
+
+    const auto exported =
+        runCli({"points", "export", "geodimeter", at("a.crd"), "-o", at("p.obs")});
+    EXPECT_EQ(exported.code, 0) << exported.err;
+    EXPECT_EQ(slurp(dir / "p.obs"), "5=A\n4=125 OAK\n37=100.00000\n38=200.00000\n39=3.00000\n");
+    const auto read = runCli({"points", "import", "geodimeter", at("p.obs"), "--crd", at("b.crd")});
+    EXPECT_EQ(read.code, 0) << read.err;
+    EXPECT_EQ(read.err, "Read in 1 points.\n");
+
+    const auto jxl = runCli({"export", "jxl", at("a.rw5"), "-o", at("a.jxl"), "--ipc"});
+    EXPECT_EQ(jxl.code, 0) << jxl.err;
+    EXPECT_TRUE(jxl.out.starts_with("$IPC: SETLEN 5 SETTXT Create temporary Trimble JXL file...\n"
+                                    "$IPC: SETPOS 0\n$IPC: SETPOS 5\n"))
+        << jxl.out;
+    EXPECT_NE(jxl.out.find("$IPC: RETCDE 0\n"), std::string::npos);
+    EXPECT_TRUE(slurp(dir / "a.jxl").ends_with("</Environment>\n</JOBFile>\n"));
+    const auto plain = runCli({"export", "jxl", at("a.rw5"), "-o", at("b.jxl")});
+    EXPECT_EQ(plain.out.find("$IPC"), std::string::npos);
+
+    const auto missing = runCli({"export", "jxl", at("none.rw5"), "-o", at("c.jxl"), "--ipc"});
+    EXPECT_EQ(missing.code, 1);
+    EXPECT_NE(missing.out.find("$IPC: RETCDE 1\n"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(dir / "c.jxl"));
+}
+
 } // namespace

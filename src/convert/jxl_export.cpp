@@ -1,0 +1,539 @@
+// The raw records are walked in file order; each becomes the records of
+// the field book that it gives cause for, numbered from 1.
+//
+// Decisions of ours where the format leaves room:
+// - a set-up is written at its first shot (or at the next set-up, or at
+//   the end) so that the heights after its backsight line count: an
+//   InstrumentRecord before the first one, then a StationRecord with the
+//   instrument height in force and a BackBearingRecord; a shot from a new
+//   occupied point without a backsight gives a StationRecord alone;
+// - a TargetRecord is written before a shot whenever the target height
+//   changed (and before the first shot);
+// - a shot whose distance is empty or zero is an angle-only observation;
+//   BD and BR shots are backsight observations; FR and BR are face 2;
+// - direct/reverse sets form rounds: the first set line opens the rounds
+//   and round 1, a BD after an FR or BR starts the next round, and the
+//   first line of another kind ends the round and the rounds;
+// - the first MO record's unit drives the display settings and the
+//   UnitsRecord; a job with GPS positions gets the UTM form of the
+//   coordinate system, in the zone of its first position; others the
+//   scale-only form;
+// - values are written as the schema takes them: angles in decimal
+//   degrees (RW5 angles are ddd.mmss), distances, heights and coordinates
+//   in metres.
+#include "convert/jxl_export.h"
+
+#include "base/angles.h"
+#include "base/format.h"
+#include "base/text.h"
+#include "base/translation.h"
+#include "convert/jxl_environment.h"
+#include "convert/jxl_writer.h"
+#include "raw/classify.h"
+
+#include <cmath>
+#include <ctime>
+
+namespace tramline::convert {
+
+namespace {
+
+double numberOr(std::string_view text, double fallback) {
+    double value = 0.0;
+    return parseNumber(trim(text), value) && std::isfinite(value) ? value : fallback;
+}
+
+// A note's value after `key`, up to the next blank.
+std::string valueAfter(std::string_view note, std::string_view key) {
+    const auto at = note.find(key);
+    if (at == std::string_view::npos)
+        return {};
+    std::string_view rest = trimLeft(note.substr(at + key.size()));
+    return std::string(rest.substr(0, rest.find_first_of(" \t,")));
+}
+
+class JxlExport {
+public:
+    JxlExport(const std::vector<std::string> &lines, const std::string &stamp, Interaction &ui)
+        : m_lines(lines), m_out(stamp), m_ui(ui) {}
+
+    bool run(ExportOutput &result);
+
+private:
+    double metres(double value) const {
+        switch (m_unit) {
+        case LinearUnit::InternationalFeet:
+            return value * 0.3048;
+        case LinearUnit::UsSurveyFeet:
+            return value * 1200.0 / 3937.0;
+        case LinearUnit::Metres:
+            break;
+        }
+        return value;
+    }
+    void scanHead();
+    void record(std::string_view line, ExportOutput &result);
+    void note(std::string_view text);
+    void units();
+    void atmosphere(std::string_view text);
+    void equipment(std::string_view text);
+    void antenna(std::string_view text);
+    void setup(const std::string &station, bool fresh = false);
+    void backBearing(const raw::RawFields &f);
+    void flushBacksight() {
+        if (!m_pendingBacksight)
+            return;
+        m_pendingBacksight = false;
+        setup(m_backsight[0], true);
+        backBearing(m_backsight);
+    }
+    void target();
+    void observation(std::string_view line, const raw::RawFields &f);
+    void rounds(std::string_view type);
+    void endRounds();
+    void keyedIn(const raw::RawFields &f);
+    void gps(const raw::RawFields &f);
+    void reference(const raw::RawFields &f);
+
+    const std::vector<std::string> &m_lines;
+    JxlWriter m_out;
+    Interaction &m_ui;
+
+    std::string m_job;
+    LinearUnit m_unit = LinearUnit::Metres;
+    bool m_unitsWritten = false;
+    JxlGrid m_grid;
+    unsigned m_instrument = 0, m_station = 0, m_backBearing = 0, m_target = 0, m_atmosphere = 0;
+    unsigned m_reference = 0, m_antenna = 0;
+    std::string m_stationName, m_baseName;
+    double m_hi = 0.0, m_hr = 0.0, m_writtenHr = -1e300;
+    raw::RawFields m_backsight; // a BK line not written yet
+    bool m_pendingBacksight = false;
+    int m_round = 0;           // 0: not in rounds
+    std::string m_lastSetType; // the set line before
+};
+
+void JxlExport::scanHead() {
+    raw::RawFields f;
+    bool modeSeen = false;
+    for (const auto &line : m_lines) {
+        const int kind = raw::ClassifyRawLine(line, raw::JobRecords::Recognised, f);
+        if (kind == raw::kJob && m_job.empty())
+            m_job = f[0];
+        else if (kind == raw::kMode && !modeSeen) {
+            modeSeen = true;
+            const int un = int(numberOr(f[1], 1));
+            m_unit = un == 0   ? LinearUnit::InternationalFeet
+                     : un == 2 ? LinearUnit::UsSurveyFeet
+                               : LinearUnit::Metres;
+        } else if (kind == raw::kGps && m_grid.zone == 0) {
+            m_grid = utmZoneOf(unpackDms(numberOr(f[1], 0)), unpackDms(numberOr(f[2], 0)));
+        }
+    }
+}
+
+bool JxlExport::run(ExportOutput &result) {
+    scanHead();
+    m_out.bytes().reserve(m_lines.size() * 160 + 4096);
+    m_out.begin(m_job);
+    m_out.open("FieldBook");
+    const long total = long(m_lines.size());
+    const std::string creating = tr("Create temporary Trimble JXL file...");
+    m_ui.progress(0, total, creating);
+    for (long i = 0; i < total; ++i) {
+        if ((i & 1023) == 0) {
+            m_ui.progress(i, total, creating);
+            if (!m_ui.idle())
+                return false;
+        }
+        record(m_lines[std::size_t(i)], result);
+    }
+    endRounds();
+    flushBacksight();
+    m_out.close("FieldBook");
+    writeJxlEnvironment(m_out, m_unit, m_grid);
+    m_out.end();
+    m_ui.progress(total, total, creating);
+    m_ui.progress(0, 1, tr("Searching raw data in Trimble JXL file..."));
+    if (m_out.bytes().rfind("</FieldBook>") == std::string::npos)
+        return false;
+    m_ui.progress(1, 1, tr("Searching raw data in Trimble JXL file..."));
+    result.bytes = std::move(m_out.bytes());
+    return true;
+}
+
+void JxlExport::record(std::string_view line, ExportOutput &result) {
+    raw::RawFields f;
+    const int kind = raw::ClassifyRawLine(line, raw::JobRecords::Recognised, f);
+    if (kind != raw::kObservation)
+        endRounds();
+    ++result.records;
+    switch (kind) {
+    case raw::kNote:
+        note(f[0]);
+        break;
+    case raw::kMode:
+        units();
+        break;
+    case raw::kHeightsHi:
+        m_hi = numberOr(f[0], 0.0);
+        break;
+    case raw::kHeightsHiHr:
+        m_hi = numberOr(f[0], 0.0);
+        m_hr = numberOr(f[1], 0.0);
+        break;
+    case raw::kHeightsHr:
+        m_hr = numberOr(f[0], 0.0);
+        break;
+    case raw::kBacksight:
+        flushBacksight();
+        m_backsight = f;
+        m_pendingBacksight = true;
+        break;
+    case raw::kStorePoint:
+        keyedIn(f);
+        break;
+    case raw::kObservation:
+        observation(line, f);
+        break;
+    case raw::kGps:
+        gps(f);
+        break;
+    case raw::kBasePointNote:
+    case raw::kBasePointSr:
+        reference(f);
+        break;
+    case raw::kOccupy:
+        flushBacksight();
+        break;
+    case raw::kJob:
+        break;
+    default:
+        --result.records;
+        ++result.skipped[trNoop("record without a JobXML record")];
+        break;
+    }
+}
+
+void JxlExport::note(std::string_view text) {
+    if (text.find("Temperature = ") != std::string_view::npos ||
+        text.find("Pressure = ") != std::string_view::npos)
+        return atmosphere(text);
+    if (text.starts_with("Equipment:"))
+        return equipment(text.substr(10));
+    if (text.starts_with("Antenna Type:"))
+        return antenna(text.substr(13));
+    m_out.record("NoteRecord");
+    m_out.open("Notes");
+    m_out.text("Note", text);
+    m_out.close("Notes");
+    m_out.close("NoteRecord");
+}
+
+void JxlExport::units() {
+    if (m_unitsWritten)
+        return;
+    m_unitsWritten = true;
+    m_out.record("UnitsRecord");
+    writeJxlDisplaySettings(m_out, m_unit);
+    m_out.close("UnitsRecord");
+}
+
+void JxlExport::atmosphere(std::string_view text) {
+    const std::string upper = toUpper(text);
+    const std::string pressureText = valueAfter(text, "Pressure = ");
+    const std::string temperatureText = valueAfter(text, "Temperature = ");
+    const std::string ppmText = valueAfter(text, "PPM = ");
+    double pressure = numberOr(pressureText, 0.0);
+    // Pressure in millibars: inches or millimetres of mercury are turned.
+    if (upper.find("INHG") != std::string::npos || upper.find("INGH") != std::string::npos)
+        pressure *= 33.8638866667;
+    else if (upper.find("MMHG") != std::string::npos || upper.find("MMGH") != std::string::npos)
+        pressure *= 1.33322368421;
+    double temperature = numberOr(temperatureText, 0.0);
+    if (m_unit != LinearUnit::Metres)
+        temperature = (temperature - 32.0) * 5.0 / 9.0;
+    m_atmosphere = m_out.record("AtmosphereRecord");
+    if (pressureText.empty())
+        m_out.empty("Pressure");
+    else
+        m_out.number("Pressure", pressure, 8);
+    if (temperatureText.empty())
+        m_out.empty("Temperature");
+    else
+        m_out.number("Temperature", temperature, 8);
+    if (ppmText.empty())
+        m_out.empty("PPM");
+    else
+        m_out.number("PPM", numberOr(ppmText, 0.0), 8);
+    m_out.raw("ApplyEarthCurvatureCorrection", "true");
+    m_out.raw("ApplyRefractionCorrection", "true");
+    m_out.raw("RefractionCoefficient", "0.142");
+    m_out.raw("PressureInputMethod", "KeyedIn");
+    m_out.close("AtmosphereRecord");
+}
+
+void JxlExport::equipment(std::string_view text) {
+    // "--Equipment: type, serial, firmware" as far as given.
+    const auto parts = split(trim(text), ',');
+    m_out.record("GPSEquipmentRecord");
+    m_out.text("ReceiverType", parts.size() > 0 ? trim(parts[0]) : "");
+    m_out.text("ReceiverSerialNumber", parts.size() > 1 ? trim(parts[1]) : "");
+    m_out.text("ReceiverFirmwareVersion", parts.size() > 2 ? trim(parts[2]) : "");
+    m_out.close("GPSEquipmentRecord");
+}
+
+void JxlExport::antenna(std::string_view text) {
+    const auto parts = split(trim(text), ',');
+    m_antenna = m_out.record("AntennaRecord");
+    m_out.text("AntennaType", parts.size() > 0 ? trim(parts[0]) : "");
+    m_out.text("AntennaSerialNumber", parts.size() > 1 ? trim(parts[1]) : "");
+    m_out.raw("AntennaNumber", "0");
+    m_out.raw("AntennaMethod", "1");
+    m_out.raw("AntennaTapeAdjustment", "0.000000");
+    m_out.raw("AntennaHorizontalOffset", "0.000000");
+    m_out.raw("AntennaVerticalOffset", "0.000000");
+    m_out.close("AntennaRecord");
+}
+
+void JxlExport::setup(const std::string &station, bool fresh) {
+    if (!fresh && m_station != 0 && station == m_stationName)
+        return;
+    if (m_instrument == 0) {
+        m_instrument = m_out.record("InstrumentRecord");
+        m_out.raw("Type", "Unknown");
+        m_out.empty("RefractiveIndex");
+        m_out.empty("CarrierWavelength");
+        m_out.raw("EDMMeasurementMode", "Fine");
+        m_out.raw("SetHorizontalCircleMode", "DoNothing");
+        m_out.raw("Servo", "NoServo");
+        m_out.empty("AnglesOnlyRate");
+        m_out.raw("TurnToZero", "false");
+        m_out.raw("AverageMeasurements", "1");
+        m_out.empty("HorizontalAnglePrecision");
+        m_out.empty("VerticalAnglePrecision");
+        m_out.empty("EDMPrecision");
+        m_out.empty("EDMppm");
+        m_out.raw("InstrumentPrecisionsSource", "UserEntered");
+        m_out.raw("CenteringError", "0");
+        m_out.close("InstrumentRecord");
+    }
+    m_stationName = station;
+    m_backBearing = 0;
+    m_station = m_out.record("StationRecord");
+    m_out.text("StationName", station);
+    m_out.number("TheodoliteHeight", metres(m_hi), 8);
+    m_out.open("RawTheodoliteHeight");
+    m_out.raw("MeasurementMethod", "TrueHeight");
+    m_out.number("MeasuredHeight", metres(m_hi), 8);
+    m_out.raw("HorizontalOffset", "0");
+    m_out.raw("VerticalOffset", "0");
+    m_out.close("RawTheodoliteHeight");
+    m_out.id("InstrumentID", m_instrument);
+    if (m_atmosphere)
+        m_out.id("AtmosphereID", m_atmosphere);
+    else
+        m_out.empty("AtmosphereID");
+    m_out.raw("NumberOfBacksightMeasurements", "1");
+    m_out.raw("NumberOfBacksightPoints", "1");
+    m_out.raw("ScaleFactor", "1");
+    m_out.raw("ScaleType", "Fixed");
+    m_out.empty("ScaleFactorStandardError");
+    m_out.raw("StationType", "StationSetup");
+    m_out.close("StationRecord");
+}
+
+void JxlExport::backBearing(const raw::RawFields &f) {
+    m_backBearing = m_out.record("BackBearingRecord");
+    m_out.id("StationRecordID", m_station);
+    m_out.text("Station", f[0]);
+    m_out.text("BackSight", f[1]);
+    if (trim(f[3]).empty())
+        m_out.empty("Face1HorizontalCircle");
+    else
+        m_out.number("Face1HorizontalCircle", unpackDms(numberOr(f[3], 0.0)), 10);
+    m_out.empty("Face2HorizontalCircle");
+    m_out.number("OrientationCorrection", 0.0, 10);
+    m_out.empty("OrientationCorrectionStandardError");
+    m_out.close("BackBearingRecord");
+}
+
+void JxlExport::target() {
+    m_writtenHr = m_hr;
+    m_target = m_out.record("TargetRecord");
+    m_out.raw("PrismType", "CustomPrism");
+    m_out.raw("PrismConstant", "0.000");
+    m_out.number("TargetHeight", metres(m_hr), 8);
+    m_out.open("RawTargetHeight");
+    m_out.raw("MeasurementMethod", "TrueHeight");
+    m_out.number("MeasuredHeight", metres(m_hr), 8);
+    m_out.raw("HorizontalOffset", "0");
+    m_out.raw("VerticalOffset", "0");
+    m_out.close("RawTargetHeight");
+    m_out.close("TargetRecord");
+}
+
+void JxlExport::rounds(std::string_view type) {
+    if (m_round == 0) {
+        m_out.record("StartRoundsRecord", true);
+        m_round = 1;
+        m_out.record("StartRoundRecord");
+        appendFormat(m_out.bytes(), "<Round>%d</Round>\n", m_round);
+        m_out.close("StartRoundRecord");
+    } else if (type == "BD" && (m_lastSetType == "FR" || m_lastSetType == "BR")) {
+        m_out.record("EndRoundRecord", true);
+        ++m_round;
+        m_out.record("StartRoundRecord");
+        appendFormat(m_out.bytes(), "<Round>%d</Round>\n", m_round);
+        m_out.close("StartRoundRecord");
+    }
+    m_lastSetType = std::string(type);
+}
+
+void JxlExport::endRounds() {
+    if (m_round == 0)
+        return;
+    m_out.record("EndRoundRecord", true);
+    m_out.record("EndRoundsRecord", true);
+    m_round = 0;
+    m_lastSetType.clear();
+}
+
+void JxlExport::observation(std::string_view line, const raw::RawFields &f) {
+    const std::string &type = f[0];
+    const bool set = type == "BD" || type == "BR" || type == "FD" || type == "FR";
+    if (!set)
+        endRounds();
+    flushBacksight();
+    setup(f[1]);
+    if (set)
+        rounds(type);
+    if (m_target == 0 || m_hr != m_writtenHr)
+        target();
+    // The codes of the angle, vertical and distance fields.
+    std::vector<std::string_view> parts;
+    splitAtMost(line, ',', 7, parts);
+    const std::string_view vCode = parts.size() > 4 ? parts[4].substr(0, 2) : "ZE";
+    const std::string_view dCode = parts.size() > 5 ? parts[5].substr(0, 2) : "SD";
+    std::string_view hz = f[3];
+    if (!hz.empty() && (hz.front() == 'N' || hz.front() == 'S'))
+        hz = hz.substr(1, hz.size() - 2); // a bearing: its angle only
+    const double horizontal = unpackDms(numberOr(hz, 0.0));
+    const double v = numberOr(f[4], 0.0);
+    double distance = numberOr(f[5], 0.0);
+    double zenith = vCode == "VA" ? 90.0 - unpackDms(v) : unpackDms(v);
+    if (vCode == "CE") { // an elevation difference: the zenith from it
+        const double across =
+            dCode == "HD" ? distance : std::sqrt(std::max(0.0, distance * distance - v * v));
+        zenith = 90.0 - degrees(std::atan2(v, across));
+    }
+    if (dCode == "HD" && distance != 0.0) {
+        const double s = std::sin(radians(zenith));
+        distance = s != 0.0 ? distance / s : distance;
+    }
+    const bool angleOnly = trim(f[5]).empty() || distance == 0.0;
+    const bool face2 = type == "FR" || type == "BR";
+
+    m_out.record("PointRecord");
+    m_out.text("Name", f[2]);
+    m_out.text("Code", f[6]);
+    m_out.raw("Method", angleOnly ? "AngleOnly" : "DirectReading");
+    m_out.raw("SurveyMethod", "Fix");
+    m_out.raw("Classification", type == "BD" || type == "BR" ? "BackSight" : "Normal");
+    m_out.raw("Deleted", "false");
+    m_out.open("Circle");
+    m_out.number("HorizontalCircle", horizontal, 10);
+    m_out.number("VerticalCircle", zenith, 10);
+    if (angleOnly)
+        m_out.empty("EDMDistance");
+    else
+        m_out.number("EDMDistance", metres(distance), 8);
+    m_out.raw("Face", face2 ? "Face2" : "Face1");
+    m_out.empty("HorizontalCircleStandardError");
+    m_out.empty("VerticalCircleStandardError");
+    m_out.empty("EDMDistanceStandardError");
+    m_out.close("Circle");
+    m_out.id("StationID", m_station);
+    if (m_backBearing)
+        m_out.id("BackBearingID", m_backBearing);
+    else
+        m_out.empty("BackBearingID");
+    m_out.id("TargetID", m_target);
+    m_out.close("PointRecord");
+}
+
+void JxlExport::keyedIn(const raw::RawFields &f) {
+    m_out.record("PointRecord");
+    m_out.text("Name", f[0]);
+    m_out.text("Code", f[4]);
+    m_out.raw("Method", "CopiedPoint");
+    m_out.raw("SurveyMethod", "KeyedIn");
+    m_out.raw("Classification", "Control");
+    m_out.raw("Deleted", "false");
+    m_out.open("Grid");
+    m_out.number("North", metres(numberOr(f[1], 0.0)), 8);
+    m_out.number("East", metres(numberOr(f[2], 0.0)), 8);
+    if (trim(f[3]).empty())
+        m_out.empty("Elevation");
+    else
+        m_out.number("Elevation", metres(numberOr(f[3], 0.0)), 8);
+    m_out.close("Grid");
+    m_out.close("PointRecord");
+}
+
+void JxlExport::gps(const raw::RawFields &f) {
+    m_out.record("PointRecord");
+    m_out.text("Name", f[0]);
+    m_out.text("Code", f[4]);
+    m_out.raw("Method", "GpsRTKControlPoint");
+    m_out.raw("SurveyMethod", "RTK");
+    m_out.raw("Classification", "Normal");
+    m_out.raw("Deleted", "false");
+    m_out.open("WGS84");
+    m_out.number("Latitude", unpackDms(numberOr(f[1], 0.0)), 14);
+    m_out.number("Longitude", unpackDms(numberOr(f[2], 0.0)), 14);
+    m_out.number("Height", metres(numberOr(f[3], 0.0)), 8);
+    m_out.close("WGS84");
+    if (m_reference) {
+        m_out.id("ReferenceRecordID", m_reference);
+        m_out.text("RTK_Base", m_baseName);
+    }
+    if (m_antenna)
+        m_out.id("AntennaID", m_antenna);
+    m_out.close("PointRecord");
+}
+
+void JxlExport::reference(const raw::RawFields &f) {
+    m_baseName = f[0];
+    m_reference = m_out.record("ReferenceRecord");
+    m_out.text("PointName", f[0]);
+    if (m_antenna)
+        m_out.id("AntennaID", m_antenna);
+    else
+        m_out.empty("AntennaID");
+    m_out.close("ReferenceRecord");
+}
+
+} // namespace
+
+Status exportJxlAt(const std::vector<std::string> &rawLines, const std::string &timeStamp,
+                   Interaction &ui, ExportOutput &out) {
+    out.writeError =
+        std::string(tr("Error: cannot create Trimble JXL file.")) + "\n" + tr("Conversion Error");
+    JxlExport exporter(rawLines, timeStamp, ui);
+    if (!exporter.run(out)) {
+        out.bytes.clear();
+        const std::string message = tr("Conversion Error");
+        ui.message(message);
+        return Status::failure(StatusCode::Cancelled, message);
+    }
+    out.completion = tr("Conversion Complete");
+    return Status::success();
+}
+
+Status exportJxl(const std::vector<std::string> &rawLines, const ExportOptions &, Interaction &ui,
+                 ExportOutput &out) {
+    return exportJxlAt(rawLines, jxlTimeStamp(std::time(nullptr)), ui, out);
+}
+
+} // namespace tramline::convert
