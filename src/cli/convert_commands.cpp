@@ -132,18 +132,18 @@ void addExport(CLI::App &app, CommandContext &ctx) {
     cmd->add_flag("--ipc", o->ipc,
                   "Write \"$IPC:\" progress lines for a controlling process (also "
                   "TRAMLINE_IPC=1)");
-        console.answers[tr("Raw File Units")] =
-            std::string(equalsIgnoreCase(o->angle, "gon") ? tr("Gon") : tr("Deg/Min/Sec")) + "|" +
-            (equalsIgnoreCase(o->distance, "ft") ? tr("Feet") : tr("Meters"));
+    cmd->add_option("--angle", o->angle, "GSI angle unit: dms (default) or gon")
+        ->check(CLI::IsMember({"dms", "gon"}, CLI::ignore_case));
+    cmd->add_option("--distance", o->distance, "GSI distance unit: m (default) or ft")
+        ->check(CLI::IsMember({"m", "ft"}, CLI::ignore_case));
     cmd->callback([&ctx, o] {
         const auto *entry = builtFormat(FormatKind::RawExport, o->format, ctx);
         if (!entry)
             return;
-        ConsoleInteraction ui(ctx.err);
-        ui.answers[tr("Raw File Units")] =
+        ConsoleInteraction console(ctx.err);
+        console.answers[tr("Raw File Units")] =
             std::string(equalsIgnoreCase(o->angle, "gon") ? tr("Gon") : tr("Deg/Min/Sec")) + "|" +
             (equalsIgnoreCase(o->distance, "ft") ? tr("Feet") : tr("Meters"));
-        ConsoleInteraction console(ctx.err);
         IpcProgress ipc(console, ctx.out);
         const bool withIpc = o->ipc || ipcRequestedByEnvironment();
         Interaction &ui = withIpc ? static_cast<Interaction &>(ipc) : console;

@@ -107,7 +107,7 @@ private:
             handleStorePoint(node, line);
             break;
         case RecordType::Observation:
-            handleShot(node.observation, line);
+            handleShot(node, line);
             break;
         case RecordType::Elevation: {
             double z;
@@ -333,7 +333,8 @@ private:
         return false;
     }
 
-    void handleShot(const raw::Observation &o, long line) {
+    void handleShot(const RawNode &node, long line) {
+        const raw::Observation &o = node.observation;
         if (!m_open) {
             stop(format(tr("No coordinate stored for Occupied Point %s\non line# %ld"),
                         o.occupied.c_str(), line),
