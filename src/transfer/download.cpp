@@ -4,7 +4,7 @@
 #include "base/text.h"
 #include "base/translation.h"
 #include "convert/registry.h"
-#include "transfer/port.h"
+#include "transfer/open_port.h"
 
 #include <fstream>
 #include <system_error>
@@ -29,11 +29,6 @@ const InstrumentDownload kInstruments[] = {
      "sdr"},
 };
 
-Status fail(Interaction &ui, StatusCode code, const std::string &text) {
-    ui.message(text);
-    return Status::failure(code, text);
-}
-
 // The capture handed to the converter: Sokkia replaces the named file.
 Status placeCapture(const DownloadRequest &request, Interaction &ui, DownloadOutcome &outcome) {
     if (request.instrument != Instrument::Sokkia || request.namedFile.empty())
@@ -45,8 +40,9 @@ Status placeCapture(const DownloadRequest &request, Interaction &ui, DownloadOut
         std::filesystem::copy_file(outcome.capture, request.namedFile,
                                    std::filesystem::copy_options::overwrite_existing, ec);
         if (ec)
-            return fail(ui, StatusCode::Io,
-                        format(tr("Error: failed to open %s"), request.namedFile.string().c_str()));
+            return transferFailure(
+                ui, StatusCode::Io,
+                format(tr("Error: failed to open %s"), request.namedFile.string().c_str()));
     }
     outcome.capture = request.namedFile;
     return Status::success();
@@ -89,20 +85,18 @@ const InstrumentDownload *findInstrumentDownload(std::string_view id) {
 
 Status runDownload(const DownloadRequest &request, Interaction &ui, DownloadOutcome &outcome) {
     const InstrumentDownload &info = instrumentDownload(request.instrument);
-    std::unique_ptr<SerialPort> port = SerialPort::open(request.device, request.line);
+    Status opened;
+    std::unique_ptr<SerialPort> port = openTransferPort(request.device, request.line, ui, opened);
     if (!port)
-        return fail(ui, StatusCode::InvalidInput, tr("Error: Null port"));
-    if (port->status() < 0)
-        return fail(ui, StatusCode::Io,
-                    format(tr("Failed to open the port. Status = %d"), port->status()));
-    port->setIdleHook([&ui] { return ui.idle(); });
+        return opened;
     ui.progress(0, 0, tr(info.waitingText));
 
     outcome.capture = request.captureFolder / info.captureName;
     std::ofstream capture(outcome.capture, std::ios::binary | std::ios::trunc);
     if (!capture)
-        return fail(ui, StatusCode::Io,
-                    format(tr("Error: unable to write %s"), outcome.capture.string().c_str()));
+        return transferFailure(
+            ui, StatusCode::Io,
+            format(tr("Error: unable to write %s"), outcome.capture.string().c_str()));
 
     outcome.received = receiveLoop(*port, capture, [&](long lines) {
         ui.progress(lines, 0,
@@ -114,17 +108,19 @@ Status runDownload(const DownloadRequest &request, Interaction &ui, DownloadOutc
     const ReceiveResult &r = outcome.received;
 
     if (r.writeFailed)
-        return fail(ui, StatusCode::Io,
-                    format(tr("Error: unable to write %s"), outcome.capture.string().c_str()));
+        return transferFailure(
+            ui, StatusCode::Io,
+            format(tr("Error: unable to write %s"), outcome.capture.string().c_str()));
     if (r.status == kCancelled)
-        return fail(ui, StatusCode::Cancelled, tr("Function cancelled at user request"));
+        return transferFailure(ui, StatusCode::Cancelled, tr("Function cancelled at user request"));
     if (r.bytesRead == 0)
-        return fail(ui, StatusCode::Io, tr(info.timeoutText));
+        return transferFailure(ui, StatusCode::Io, tr(info.timeoutText));
     if (r.status != kTimedOut)
-        return fail(ui, StatusCode::Io,
-                    format(tr("Error: the line failed after %ld bytes (status %d); the data "
-                              "received is kept in %s"),
-                           r.bytesRead, r.status, outcome.capture.string().c_str()));
+        return transferFailure(
+            ui, StatusCode::Io,
+            format(tr("Error: the line failed after %ld bytes (status %d); the data "
+                      "received is kept in %s"),
+                   r.bytesRead, r.status, outcome.capture.string().c_str()));
     ui.message(tr("File received"));
     if (Status placed = placeCapture(request, ui, outcome); !placed)
         return placed;

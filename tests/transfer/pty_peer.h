@@ -32,6 +32,11 @@ public:
         ::tcgetattr(m_slave, &t);
         ::cfmakeraw(&t);
         ::tcsetattr(m_slave, TCSANOW, &t);
+        // The master raw too: a canonical master drops what overflows its
+        // line, so a peer that stops reading would never fill the line.
+        ::tcgetattr(m_master, &t);
+        ::cfmakeraw(&t);
+        ::tcsetattr(m_master, TCSANOW, &t);
     }
     ~PtyPeer() {
         join();
