@@ -90,10 +90,14 @@ TEST(FramedUpload, FieldsFollowTheRules) {
 
     const std::pair<double, const char *> digits[] = {
         {1234567.890, "+234567890"}, // leading 1 dropped: the text is 11 long
-        {234567.890, "+234567890"},  {-12.5, "-000012500"},       {0.0, "+000000000"},
-        {12345678.9, "+345678900"},  {999999.9996, "+000000000"}, // rounds up to 1000000.000, then
-                                                                  // cut
-        {0.0004, "+000000000"},      {-0.0006, "-000000001"},
+        {234567.890, "+234567890"},
+        {-12.5, "-000012500"},
+        {0.0, "+000000000"},
+        {12345678.9, "+345678900"},
+        {999999.9996, "+000000000"}, // rounds up to 1000000.000, then
+                                     // cut
+        {0.0004, "+000000000"},
+        {-0.0006, "-000000001"},
     };
     for (const auto &[value, expected] : digits)
         EXPECT_EQ(coordinateDigits(value), expected) << value;
