@@ -91,7 +91,8 @@ Status runDownload(const DownloadRequest &request, Interaction &ui, DownloadOutc
         return opened;
     ui.progress(0, 0, tr(info.waitingText));
 
-    outcome.capture = request.captureFolder / info.captureName;
+    outcome.capture = request.capturePath.empty() ? request.captureFolder / info.captureName
+                                                  : request.capturePath;
     std::ofstream capture(outcome.capture, std::ios::binary | std::ios::trunc);
     if (!capture)
         return transferFailure(

@@ -41,6 +41,8 @@ struct DownloadRequest {
     std::string device; ///< the port to open (a device path or "COM1".."COM4")
     LineSettings line;
     std::filesystem::path captureFolder; ///< the program's folder
+    /// Where the capture goes instead of its name in `captureFolder`.
+    std::filesystem::path capturePath;
     /// Sokkia: the file named in the dialog, replaced by the capture; empty:
     /// the capture keeps its name.
     std::filesystem::path namedFile;

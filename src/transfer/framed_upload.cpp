@@ -44,7 +44,11 @@ int xorChecksum(std::string_view payload) {
 }
 
 std::string frameOf(std::string_view payload) {
-    return format("%c%.*s%03d%c", 2, int(payload.size()), payload.data(), xorChecksum(payload), 3);
+    std::string frame(1, '\x02');
+    frame += payload;
+    frame += format("%03d", xorChecksum(payload));
+    frame += '\x03';
+    return frame;
 }
 
 std::string headerPayload(const std::filesystem::path &coordinateFile, long pointCount) {
@@ -53,6 +57,8 @@ std::string headerPayload(const std::filesystem::path &coordinateFile, long poin
 }
 
 std::string coordinateDigits(double value) {
+    if (!std::isfinite(value))
+        value = 0.0; // a damaged record must not widen the field
     std::string text = format("%.3f", std::fabs(value));
     if (text.size() > 10)
         text.erase(0, text.size() - 10);

@@ -2,11 +2,11 @@
 // by byte with pauses come out as a direct import of the same file would;
 // the time-out rules, control bytes, cancel, a hang-up and a capture that
 // cannot be written.
+#include "../support/test_support.h"
 #include "convert/import_flow.h"
 #include "convert/registry.h"
 #include "crd/coordinate_file.h"
 #include "pty_peer.h"
-#include "support/test_support.h"
 #include "transfer/download.h"
 
 #include <algorithm>

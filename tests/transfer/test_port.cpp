@@ -1,8 +1,8 @@
 // The port object against a pseudo-terminal peer: line settings and their
 // status codes, writes with each terminator, reads of bytes and lines with
 // their deadlines, cancel, a port that is missing, busy or hung up.
+#include "../support/test_support.h"
 #include "pty_peer.h"
-#include "support/test_support.h"
 #include "transfer/port.h"
 #include "transfer/port_list.h"
 #include "transfer/port_settings.h"

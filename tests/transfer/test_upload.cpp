@@ -2,13 +2,14 @@
 // frame's checksum and sequence digit are checked here independently of
 // the sender's code; a receiver that stops taking frames, noise from the
 // instrument, and the line-by-line uploads.
+#include "../support/test_support.h"
 #include "base/format.h"
 #include "convert/sdr_import.h"
 #include "convert/source_lines.h"
 #include "crd/coordinate_file.h"
 #include "pty_peer.h"
-#include "support/test_support.h"
 #include "transfer/framed_upload.h"
+#include "transfer/nikon.h"
 #include "transfer/point_upload.h"
 #include "transfer/raw_upload.h"
 
@@ -275,6 +276,29 @@ TEST_F(UploadTest, RawSdrFileGoesOutLineByLine) {
     EXPECT_EQ(received, "00NMSDR33\r\n10NMJOB\r\n08KI1\r\n");
     EXPECT_EQ(ui.messages.back(), "Upload completed successfully");
     EXPECT_EQ(ui.lastProgress, 3);
+}
+
+} // namespace
+} // namespace tramline::test
+
+namespace tramline::test {
+namespace {
+
+TEST_F(UploadTest, NikonPointFileAndTheMissingLibrary) {
+    std::vector<crd::CrdPoint> points(2);
+    points[0].set(2.5, 1.25, -3.0, "7", "IP");
+    points[1].set(0.0, 1e6, 0.0, "A1");
+    EXPECT_EQ(
+        transfer::nikonPointLines(points),
+        "7,1.25000000,2.50000000,-3.00000000,IP\nA1,1000000.00000000,0.00000000,0.00000000,\n");
+    ScriptedInteraction ui;
+    EXPECT_TRUE(transfer::writeNikonPointFile(dir / "nikon.txt", points, ui).ok());
+    EXPECT_EQ(slurp(dir / "nikon.txt"), transfer::nikonPointLines(points));
+    EXPECT_FALSE(transfer::writeNikonPointFile(dir / "no" / "nikon.txt", points, ui).ok());
+    EXPECT_EQ(ui.messages.back(), "Error: failed to write " + (dir / "no" / "nikon.txt").string());
+    EXPECT_EQ(transfer::runNikonTransfer({}, ui).code, StatusCode::NotSupported);
+    EXPECT_EQ(transfer::nikonUnitLetter("Intl Feet"), 'M');
+    EXPECT_EQ(transfer::nikonModels().size(), 12u);
 }
 
 } // namespace
