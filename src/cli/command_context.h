@@ -24,5 +24,6 @@ void addGeoCommands(CLI::App &app, CommandContext &context);
 void addLocalizeCommands(CLI::App &app, CommandContext &context);
 void addLsqCommands(CLI::App &app, CommandContext &context);
 void addConvertCommands(CLI::App &app, CommandContext &context);
+void addTransferCommands(CLI::App &app, CommandContext &context);
 
 } // namespace tramline::cli

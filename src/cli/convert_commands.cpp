@@ -1,7 +1,9 @@
 // tramline-cli formats, import, export and points: the converters from the
 // command line. Each import ends with a summary line: records read,
 // observations, points stored, lines skipped and why.
+#include "base/atomic_save.h"
 #include "base/format.h"
+#include "base/point_names.h"
 #include "base/text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
@@ -143,6 +145,28 @@ bool openCoordinateFile(crd::CoordinateFile &file, const std::string &path, bool
     return ok;
 }
 
+// A point export of the registry: the points in range, written whole.
+void exportPointsWith(const convert::FormatEntry &entry, const PointOptions &o,
+                      CommandContext &ctx) {
+    ConsoleInteraction ui(ctx.err);
+    crd::CoordinateFile file(crd::CrdContext{&ui, {}, {}});
+    if (!openCoordinateFile(file, o.crd, false, ctx))
+        return;
+    std::vector<crd::CrdPoint> points, chosen;
+    crd::readAllPoints(file, points);
+    PointList range;
+    range.parse(o.range);
+    for (auto &point : points)
+        if (o.range.empty() || range.contains(point.name))
+            chosen.push_back(std::move(point));
+    convert::ExportOutput out;
+    if (!entry.pointExport(chosen, {}, ui, out) || !saveTextAtomically(o.output, out.bytes)) {
+        ctx.exitCode = kFailure;
+        return;
+    }
+    ctx.out << format(tr("Wrote %ld points"), out.records) << '\n';
+}
+
 void addPoints(CLI::App &app, CommandContext &ctx) {
     auto *points = app.add_subcommand("points", "Import Point Data and Export Point Data");
     points->require_subcommand(1);
@@ -194,8 +218,13 @@ void addPoints(CLI::App &app, CommandContext &ctx) {
         ->check(CLI::Range(0, 12));
     out->add_option("--range", e->range, "Points to write, \"A-B\" (default all)");
     out->callback([&ctx, e] {
-        if (!builtFormat(FormatKind::PointExport, e->format, ctx))
+        const auto *entry = builtFormat(FormatKind::PointExport, e->format, ctx);
+        if (!entry)
             return;
+        if (entry->pointExport) {
+            exportPointsWith(*entry, *e, ctx);
+            return;
+        }
         convert::TextExportOptions options;
         if (!e->order.empty() && !convert::exportColumnsFrom(e->order, options.columns)) {
             ctx.err << format(tr("Error: unknown column order %s"), e->order.c_str()) << '\n';
