@@ -24,6 +24,7 @@ int run(const std::vector<std::string> &args, std::ostream &out, std::ostream &e
     addLocalizeCommands(app, context);
     addLsqCommands(app, context);
     addConvertCommands(app, context);
+    addTransferCommands(app, context);
 
     std::vector<std::string> reversed(args.rbegin(), args.rend());
     return runGuarded(

@@ -28,5 +28,6 @@ void addConvertCommands(CLI::App &app, CommandContext &context);
 void addGeoConvertCommands(CLI::App &geoApp, CommandContext &context);
 /// "crd transform", added under the "crd" command.
 void addCrdTransformCommand(CLI::App &crdApp, CommandContext &context);
+void addTransferCommands(CLI::App &app, CommandContext &context);
 
 } // namespace tramline::cli

@@ -1,7 +1,9 @@
 // tramline-cli formats, import, export and points: the converters from the
 // command line. Each import ends with a summary line: records read,
 // observations, points stored, lines skipped and why.
+#include "base/atomic_save.h"
 #include "base/format.h"
+#include "base/point_names.h"
 #include "base/text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"

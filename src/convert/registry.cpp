@@ -10,6 +10,7 @@
 #include "convert/jxl_export.h"
 #include "convert/sdr_export.h"
 #include "convert/sdr_import.h"
+#include "convert/sdr_point_export.h"
 
 namespace tramline::convert {
 
@@ -68,7 +69,8 @@ const FormatEntry kFormats[] = {
     {K::PointExport, "gformat", "G-Format", "G-Format File to Write", "txt"},
     {K::PointExport, "nlsmmh360", "NLS MMH360", "NLS MMH360 Point File to Write", "txt;360"},
     {K::PointExport, "sdms", "SDMS", "SDMS Point File to Write", "ctl"},
-    {K::PointExport, "sdr", "Sokkia/SDR", "SDR Point File to Write", "sdr;raw"},
+    {K::PointExport, "sdr", "Sokkia/SDR", trNoop("SDR Point File to Write"), "sdr;raw", nullptr,
+     nullptr, true, nullptr, exportSdrPoints},
     {K::PointExport, "topobase", "Topobase", "Topobase Point File to Write", "ro"},
     {K::PointExport, "gsi", "Leica", trNoop("Leica File To Write"), "gsi;raw", nullptr, nullptr,
      true, nullptr, exportGsiPoints},
