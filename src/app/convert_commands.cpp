@@ -103,8 +103,6 @@ void CKELMADlg::importTextPoints() {
     }
     convert::TextImportSummary summary;
     const Status s = convert::importTextPointsFile(source, *m_workingFile, columns, ui(), summary);
-    if (!s && s.code == StatusCode::Format)
-        ui().message(s.message);
     if (s && summary.pointsStored > 0)
         m_coordinateModified = true;
     if (!summary.report.empty())
@@ -158,8 +156,6 @@ void CKELMADlg::importRegistryPoints(const char *menuName) {
     convert::ImportSummary summary;
     const Status s =
         convert::runPointImport(entry->pointImport, source, *m_workingFile, ui(), summary);
-    if (!s && s.code == StatusCode::Format)
-        ui().message(s.message);
     if (s && summary.pointsStored > 0)
         m_coordinateModified = true;
     if (!summary.report.empty())

@@ -191,11 +191,7 @@ void importPoints(const convert::FormatEntry &entry, const PointOptions &options
     if (!openCoordinateFile(file, options.crd, true, ctx))
         return;
     convert::ImportSummary summary;
-    if (const Status status =
-            convert::runPointImport(entry.pointImport, options.file, file, ui, summary);
-        !status) {
-        if (status.code == StatusCode::Format || status.code == StatusCode::Cancelled)
-            ctx.err << status.message << '\n';
+    if (!convert::runPointImport(entry.pointImport, options.file, file, ui, summary)) {
         ctx.exitCode = kFailure;
         return;
     }

@@ -20,17 +20,19 @@ Status runPointImport(PointImportFunction import, const std::filesystem::path &s
         return Status::failure(StatusCode::Io, tr("Error: unable to read file"));
     }
     ImportOutput out;
-    if (Status s = import(lines, ui, out); !s)
+    if (Status s = import(lines, ui, out); !s) {
+        if (s.code != StatusCode::Cancelled)
+            ui.message(s.message);
         return s;
+    }
     summary.records = out.records;
     summary.skipped = out.skipped;
     summary.report = out.report;
     summary.pointsStored = writeImportedPoints(file, out.points, summary.report);
     summary.pointsRefused = long(out.points.size()) - summary.pointsStored;
     // A format with its own closing word says it; else the count.
-    ui.message(!out.completion.empty()
-                   ? out.completion
-                   : format(tr("Read in %ld points."), summary.pointsStored));
+    ui.message(!out.completion.empty() ? out.completion
+                                       : format(tr("Read in %ld points."), summary.pointsStored));
     return Status::success();
 }
 

@@ -14,7 +14,7 @@ namespace tramline::convert {
 
 /// Reads `source` with `import` and stores its points in `file` (open for
 /// update). "Error: unable to read file" when the source cannot be read;
-/// the converter's failure as it is (the caller shows it); on success the
+/// the converter's failure is shown (unless cancelled) and returned; on success the
 /// converter's completion message, or "Read in %ld points." when it has
 /// none. `summary` tells what was stored.
 Status runPointImport(PointImportFunction import, const std::filesystem::path &source,

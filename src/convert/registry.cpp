@@ -2,11 +2,11 @@
 
 #include "base/text.h"
 #include "base/translation.h"
+#include "convert/geodimeter_import.h"
+#include "convert/geodimeter_points.h"
 #include "convert/gsi_export.h"
 #include "convert/gsi_import.h"
 #include "convert/gsi_point_export.h"
-#include "convert/geodimeter_import.h"
-#include "convert/geodimeter_points.h"
 #include "convert/jxl_export.h"
 #include "convert/sdr_export.h"
 #include "convert/sdr_import.h"

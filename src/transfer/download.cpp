@@ -23,7 +23,7 @@ const InstrumentDownload kInstruments[] = {
     {Instrument::Smi, "smi", "SMI", "download.smi", trNoop("Port Open. Waiting for SMI."),
      trNoop("Error: timeout waiting for SMI"), false, "smi"},
     {Instrument::Leica, "leica", "Leica", "download.wld", trNoop("Port Open. Waiting for Leica."),
-     trNoop("Error: timeout waiting for Leica"), false, "leica"},
+     trNoop("Error: timeout waiting for Leica"), false, "gsi"},
     {Instrument::Sokkia, "sdr", "Sokkia", "download.sdr",
      trNoop("Port Open. Waiting for Sokkia ..."), trNoop("Error: timeout waiting for Sokkia"), true,
      "sdr"},
