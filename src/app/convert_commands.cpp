@@ -78,7 +78,8 @@ void CKELMADlg::exportRawFormat(const char *menuName) {
     if (destination.empty())
         return;
     std::vector<std::string> lines;
-    for (std::string_view line : split(m_rawDocument.text(), '\n'))
+    const std::string text = m_rawDocument.text();
+    for (std::string_view line : split(text, '\n'))
         if (line.size() >= 3)
             lines.emplace_back(trimRight(line));
     convert::ExportOutput out;

@@ -115,7 +115,15 @@ CKELMADlg::CKELMADlg(ShellOptions options, QWidget *parent) : QMainWindow(parent
 }
 
 CKELMADlg::~CKELMADlg() {
-    // The models refer to the document and the file; they go first.
+    // The undo history refers to the document and the file, and its stack
+    // signals this window while it empties; it goes first, unheard.
+    if (m_history) {
+        m_history->stack().disconnect(this);
+        m_history->disconnect(this);
+        delete m_history;
+        m_history = nullptr;
+    }
+    // The models refer to the document and the file; they go next.
     delete m_rawGrid;
     delete m_coordinateGrid;
 }
