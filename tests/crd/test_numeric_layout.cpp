@@ -84,14 +84,15 @@ TEST_F(NumericLayout, RecordRules) {
         bool warned;
     };
     const std::string d32(32, 'x');
+    const std::string x30(30, 'x');
+    const std::string accented = x30 + std::string("\xC3\xA9");
     const Case cases[] = {
-        {0, 0, 0, "origin", 1e-6, "origin", 0.0, false}, // not an empty slot
-        {5, 6, 98765432.1, "", 0.0, "", 0.0, false},     // no elevation
-        {0, 0, 98765432.1, "", 1e-6, "", 0.0, false},    // both: still a point
-        {0, 1, 1e-6, "", 1e-6, "", 1e-6, false},         // 1e-6 is real off the origin
-        {1, 2, 3, d32, 3, d32.substr(0, 31), 3, true},   // cut with a warning
-        {1, 2, 3, std::string(30, 'x') + "\xC3\xA9", 3, std::string(30, 'x'), 3,
-         true},                                               // never inside a character
+        {0, 0, 0, "origin", 1e-6, "origin", 0.0, false},      // not an empty slot
+        {5, 6, 98765432.1, "", 0.0, "", 0.0, false},          // no elevation
+        {0, 0, 98765432.1, "", 1e-6, "", 0.0, false},         // both: still a point
+        {0, 1, 1e-6, "", 1e-6, "", 1e-6, false},              // 1e-6 is real off the origin
+        {1, 2, 3, d32, 3, d32.substr(0, 31), 3, true},        // cut with a warning
+        {1, 2, 3, accented, 3, x30, 3, true},                 // never inside a character
         {1, 2, 3, "tab\tbell\a", 3, "tab\tbell\a", 3, false}, // control characters kept
         {1, 2, 3, std::string("cut\0here", 8), 3, "cut", 3, false},
     };
