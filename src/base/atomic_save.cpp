@@ -76,24 +76,27 @@ bool mayReplace(const std::filesystem::path &path, std::string *error) {
     return true;
 }
 
-// The common end of every atomic write: `fill` writes the content into a
-// temporary file beside the file `target` names (through its links), which
-// is flushed, given its permissions (the old file's, else `mode`) and
-// renamed over it. Any failure removes the temporary and leaves the file
-// alone.
-bool replaceThrough(const std::filesystem::path &target, mode_t mode,
-                    const std::function<bool(int fd)> &fill, std::string *error) {
-    const std::filesystem::path path = followLinks(target);
+// The temporary file beside the file `target` names (through its links),
+// opened for writing; -1 when the file may not be replaced or no temporary
+// can be made.
+int openTemporary(const std::filesystem::path &target, std::filesystem::path &path,
+                  std::string &temporary, std::string *error) {
+    path = followLinks(target);
     if (!mayReplace(path, error))
-        return false;
+        return -1;
     const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
-    std::string pattern = (folder / ("." + path.filename().string() + ".XXXXXX")).string();
-    const int fd = ::mkstemp(pattern.data());
-    if (fd < 0) {
+    temporary = (folder / ("." + path.filename().string() + ".XXXXXX")).string();
+    const int fd = ::mkstemp(temporary.data());
+    if (fd < 0)
         setError(error, std::strerror(errno));
-        return false;
-    }
-    bool ok = fill(fd);
+    return fd;
+}
+
+// The temporary is flushed, given its permissions (the old file's, else
+// `mode`) and renamed over the file; when `ok` is false or a step fails it
+// is removed and the file is left alone.
+bool finishTemporary(int fd, bool ok, const std::filesystem::path &path,
+                     const std::string &temporary, mode_t mode, std::string *error) {
     int savedErrno = errno;
     if (ok && ::fsync(fd) != 0) {
         ok = false;
@@ -106,15 +109,28 @@ bool replaceThrough(const std::filesystem::path &target, mode_t mode,
         ok = false;
         savedErrno = errno;
     }
-    if (ok && ::rename(pattern.c_str(), path.c_str()) != 0) {
+    if (ok && ::rename(temporary.c_str(), path.c_str()) != 0) {
         ok = false;
         savedErrno = errno;
     }
     if (!ok) {
-        ::unlink(pattern.c_str());
+        ::unlink(temporary.c_str());
         setError(error, std::strerror(savedErrno));
     }
     return ok;
+}
+
+// The common end of every atomic write: `fill` writes the content into the
+// temporary file, which then replaces the file.
+bool replaceThrough(const std::filesystem::path &target, mode_t mode,
+                    const std::function<bool(int fd)> &fill, std::string *error) {
+    std::filesystem::path path;
+    std::string temporary;
+    const int fd = openTemporary(target, path, temporary, error);
+    if (fd < 0)
+        return false;
+    const bool ok = fill(fd);
+    return finishTemporary(fd, ok, path, temporary, mode, error);
 }
 
 } // namespace
@@ -135,8 +151,10 @@ bool saveAtomically(const std::filesystem::path &path,
 
 bool saveTextAtomically(const std::filesystem::path &path, const std::string &text,
                         std::string *error) {
-    return saveAtomically(
-        path, [&](std::ostream &out) { return static_cast<bool>(out << text); }, error);
+    // The text is written as it stands: a copy through a string stream
+    // would double the memory of a large export and cost its copying.
+    return replaceThrough(
+        path, newFileMode(), [&](int fd) { return writeAll(fd, text.data(), text.size()); }, error);
 }
 
 bool copyAtomically(const std::filesystem::path &from, const std::filesystem::path &to,
@@ -170,6 +188,43 @@ bool copyAtomically(const std::filesystem::path &from, const std::filesystem::pa
         error);
     ::close(in);
     return ok;
+}
+
+AtomicFileWriter::~AtomicFileWriter() {
+    if (m_fd >= 0)
+        finishTemporary(m_fd, false, m_path, m_temporary, 0, nullptr);
+}
+
+bool AtomicFileWriter::write(std::string_view bytes) {
+    if (m_failed)
+        return false;
+    if (m_fd < 0) {
+        m_fd = openTemporary(m_target, m_path, m_temporary, &m_error);
+        if (m_fd < 0) {
+            m_failed = true;
+            return false;
+        }
+    }
+    if (!writeAll(m_fd, bytes.data(), bytes.size())) {
+        m_error = std::strerror(errno);
+        m_failed = true;
+    }
+    return !m_failed;
+}
+
+bool AtomicFileWriter::commit(std::string *error) {
+    if (m_fd < 0 && !m_failed)
+        write({}); // an empty file is still a file
+    if (m_failed) {
+        setError(error, m_error);
+        if (m_fd >= 0)
+            finishTemporary(m_fd, false, m_path, m_temporary, 0, nullptr);
+        m_fd = -1;
+        return false;
+    }
+    const int fd = m_fd;
+    m_fd = -1;
+    return finishTemporary(fd, true, m_path, m_temporary, newFileMode(), error);
 }
 
 } // namespace tramline

@@ -7,6 +7,7 @@
 #include <functional>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 namespace tramline {
 
@@ -28,5 +29,29 @@ bool saveTextAtomically(const std::filesystem::path &path, const std::string &te
 /// read in pieces, so a large file is never held in memory.
 bool copyAtomically(const std::filesystem::path &from, const std::filesystem::path &to,
                     std::string *error = nullptr);
+
+/// A file written in pieces that takes its place whole, for output too
+/// large to hold in memory: the pieces go to a temporary file beside it
+/// (made at the first write), commit() puts it in place. Without a commit,
+/// or after a failed write, the temporary is removed and the file is left
+/// as it was.
+class AtomicFileWriter {
+public:
+    explicit AtomicFileWriter(std::filesystem::path target) : m_target(std::move(target)) {}
+    ~AtomicFileWriter();
+    AtomicFileWriter(const AtomicFileWriter &) = delete;
+    AtomicFileWriter &operator=(const AtomicFileWriter &) = delete;
+
+    /// Appends bytes; false once anything has failed.
+    bool write(std::string_view bytes);
+    /// Flushes and renames the temporary over the file.
+    bool commit(std::string *error = nullptr);
+
+private:
+    std::filesystem::path m_target, m_path;
+    std::string m_temporary, m_error;
+    int m_fd = -1;
+    bool m_failed = false;
+};
 
 } // namespace tramline

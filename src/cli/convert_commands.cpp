@@ -152,6 +152,8 @@ void addExport(CLI::App &app, CommandContext &ctx) {
         convert::ExportOptions options;
         options.format = o->layout.empty() ? "sdr33" : o->layout;
         convert::ExportOutput out;
+        if (entry->readError)
+            out.readError = tr(entry->readError);
         const bool ok =
             bool(convert::runExport(entry->exporter, o->file, o->output, options, ui, out));
         if (withIpc)

@@ -17,18 +17,19 @@ Status runExport(ExportFunction exporter, const std::filesystem::path &rawFile,
     {
         std::ifstream in(rawFile, std::ios::binary);
         std::error_code ec;
+        const std::string readError =
+            out.readError.empty() ? tr("Error: unable to read raw file") : out.readError;
         if (!in || std::filesystem::is_directory(rawFile, ec)) {
-            ui.message(tr("Error: unable to read raw file"));
-            return Status::failure(StatusCode::Io, tr("Error: unable to read raw file"));
+            ui.message(readError);
+            return Status::failure(StatusCode::Io, readError);
         }
         LineReader reader(in, raw::kRawLineBuffer);
         for (std::string line; reader.next(line);)
             if (line.size() >= 3)
                 lines.push_back(line);
         if (reader.failed()) {
-            ui.message(tr("Error: unable to read raw file"));
-            return Status::failure(StatusCode::Io, tr("Error: unable to read raw file"),
-                                   reader.lineNumber());
+            ui.message(readError);
+            return Status::failure(StatusCode::Io, readError, reader.lineNumber());
         }
     }
     return runExport(exporter, lines, destination, options, ui, out);
@@ -37,9 +38,15 @@ Status runExport(ExportFunction exporter, const std::filesystem::path &rawFile,
 Status runExport(ExportFunction exporter, const std::vector<std::string> &lines,
                  const std::filesystem::path &destination, const ExportOptions &options,
                  Interaction &ui, ExportOutput &out) {
-    if (Status made = exporter(lines, options, ui, out); !made)
+    // Pieces an exporter hands on go straight to the file; the file takes
+    // the destination's place only when the export is complete.
+    AtomicFileWriter file(destination);
+    out.sink = [&file](std::string_view bytes) { return file.write(bytes); };
+    Status made = exporter(lines, options, ui, out);
+    out.sink = nullptr;
+    if (!made)
         return made;
-    if (!saveTextAtomically(destination, out.bytes)) {
+    if (!file.write(out.bytes) || !file.commit()) {
         // A write error may name the file ("... gsi file %s").
         const std::string message =
             out.writeError.find("%s") != std::string::npos

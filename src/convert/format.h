@@ -14,6 +14,7 @@
 #include "convert/source_lines.h"
 #include "crd/crd_point.h"
 
+#include <functional>
 #include <map>
 #include <span>
 #include <string>
@@ -51,9 +52,15 @@ struct ExportOptions {
 
 /// What an export produced, before anything is written.
 struct ExportOutput {
-    std::string bytes;                   ///< the foreign file
-    std::string completion;              ///< shown when the file has been written
-    std::string writeError;              ///< shown when the file cannot be written
+    std::string bytes;      ///< the foreign file
+    std::string completion; ///< shown when the file has been written
+    std::string writeError; ///< shown when the file cannot be written
+    /// Shown when the RW5 file cannot be read; empty: the frame's message.
+    std::string readError;
+    /// Set by the export flow: an exporter of large output may hand its
+    /// bytes on in pieces (false: they could not be written) instead of
+    /// holding the whole file in `bytes`.
+    std::function<bool(std::string_view)> sink;
     long records = 0;                    ///< records written
     std::map<std::string, long> skipped; ///< RW5 lines left out, by reason
 };

@@ -13,6 +13,10 @@
 //   base points are), not a code-1 block, so that the file read back
 //   stores the point instead of moving the set-up;
 // - the code-22 block holds the job's date and time;
+// - a GPS position is a code-80 block (point, latitude, longitude, height
+//   as signed decimals in words 42-45, the description in word 71), its
+//   quality note "--SDEV: ..." a code-81 block (three standard deviations
+//   and the PDOP), so that both read back as they were;
 // - values are written in the file's own units; the unit code only says
 //   which they are. Angles left are turned into angles right, horizontal
 //   distances into slope distances with the zenith angle.
@@ -25,6 +29,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 namespace tramline::convert {
 
@@ -105,6 +110,10 @@ private:
     void measurement(std::string_view name, double hz, double ze, double sd, double e, double n,
                      double z, std::string_view description);
     void shot(const Fields &f);
+    static std::string decimalWord(int index, double value, int decimals) {
+        return format("%02d....%c", index, value < 0 ? '-' : '+') +
+               padded(format("%.*f", decimals, std::fabs(value))) + ' ';
+    }
 
     char m_angleCode, m_distanceCode;
     ExportOutput &m_out;
@@ -160,7 +169,13 @@ void GsiWriter::shot(const Fields &f) {
 void GsiWriter::record(std::string_view line) {
     if (line.starts_with("--")) {
         const std::string_view text = line.substr(2);
-        if (text.starts_with("Personnel:"))
+        double sn = 0.0, se = 0.0, sz = 0.0, pdop = 0.0;
+        if (text.starts_with("SDEV:") &&
+            std::sscanf(std::string(text).c_str(), "SDEV: %lf,%lf,%lf PDOP: %lf", &sn, &se, &sz,
+                        &pdop) == 4)
+            code(81, {decimalWord(42, sn, 3), decimalWord(43, se, 3), decimalWord(44, sz, 3),
+                      decimalWord(45, pdop, 1)});
+        else if (text.starts_with("Personnel:"))
             code(21, {textWord(42, trim(text.substr(10)))});
         else if (text.starts_with("Job Name:"))
             code(20, {textWord(42, trim(text.substr(9)))});
@@ -204,7 +219,15 @@ void GsiWriter::record(std::string_view line) {
         f.number("E ", e);
         f.number("EL", z);
         measurement(trim(f.get("PN")), 0.0, 0.0, 0.0, e, n, z, f.note);
-    } else if (f.type == "GPS" || f.type == "BP") {
+    } else if (f.type == "GPS") {
+        double lat = 0.0, lon = 0.0, z = 0.0;
+        f.number("LA", lat);
+        f.number("LN", lon);
+        f.number("EL", z);
+        code(80,
+             {textWord(42, trim(f.get("PN"))), decimalWord(43, lat, 10), decimalWord(44, lon, 10),
+              decimalWord(45, z, 4), format("71....+") + padded(f.note) + ' '});
+    } else if (f.type == "BP") {
         double lat = 0.0, lon = 0.0, z = 0.0;
         f.number("LA", lat);
         f.number("LN", lon);

@@ -23,6 +23,17 @@
 //   1 to 63 write "--Code %d" with their words, higher ones are skipped;
 // - Liscad: a single reading to a point that is a station of the file is
 //   a traverse shot (TR); the first distance word writes the units note;
+//   a single reading to a station occupied before (not the backsight of
+//   the set-up) or to the point a code-4 block names is a closing shot,
+//   its note tagged " CLO"; a set whose face-2 horizontal reading is not
+//   its face-1 reading plus 180 degrees within a minute gets the warning
+//   on the reverse angle of that pair (backsight or foresight), one whose
+//   zenith angles do not add to 360 degrees within a minute the warning on
+//   its direct angle, written after the set;
+// - in every coding, code 80 is a GPS position (42 point, 43 latitude,
+//   44 longitude, 45 height, 71 description) and code 81 its quality (42-44
+//   standard deviations, 45 PDOP), as our export writes them; a word 87
+//   in another code block is a target height kept as a note;
 // - 10-20-30-40: code 10 is the station (42 point, 43 instrument height),
 //   20 the backsight (42 point, 43 target height), 30 the foresights (42
 //   target height), 40 a remark; with "10-20-40" code 40 takes the place
@@ -38,6 +49,7 @@
 #include "convert/sdr_import.h"
 #include "raw/writer.h"
 
+#include <cmath>
 #include <unordered_set>
 
 namespace tramline::convert {
@@ -45,6 +57,13 @@ namespace tramline::convert {
 namespace {
 
 using namespace gsi;
+
+// "%.4f" without printf's cost: a million blocks write millions of them.
+std::string fixed4(double value) {
+    std::string out;
+    appendFixed(out, value, 4);
+    return out;
+}
 
 struct Reading {
     std::string to, note;
@@ -89,6 +108,10 @@ private:
     void noteUnits(const Words &words);
     void flush();
     void writeReading(Reading &reading, SetRole role, bool first);
+    void checkSet(const Reading &bd, const Reading &fd, const Reading &fr, const Reading &br);
+    bool closing(const std::string &to) const {
+        return to == m_closingPoint || (to != m_backsight && m_occupied.count(to) != 0);
+    }
 
     const SourceLines &m_source;
     GsiImportOptions m_options;
@@ -100,6 +123,8 @@ private:
     double m_targetHeight = 0.0, m_writtenHeight = -1e300, m_instrumentHeight = -1e300;
     std::vector<Reading> m_pending;
     std::unordered_set<std::string> m_stations;
+    std::unordered_set<std::string> m_occupied; // stations set up before this one
+    std::string m_closingPoint;                 // named by a code-4 block
     // The last point block, for a code-90 description after it.
     std::size_t m_lastPointLine = std::string::npos;
 };
@@ -213,6 +238,8 @@ void GsiImport::measurement(const Words &words) {
 
 void GsiImport::setUp(const std::string &station, const Words &words, int e, int n, int z) {
     flush();
+    if (!m_station.empty())
+        m_occupied.insert(m_station);
     m_station = station;
     m_backsight.clear();
     m_backsightLineDue = true;
@@ -242,9 +269,8 @@ std::string GsiImport::point(const std::string &name, const Words &words, int e,
 }
 
 std::string GsiImport::storePointLine(const crd::CrdPoint &p) {
-    return raw::writeStorePoint(p.name, format("%.4f", p.northing), format("%.4f", p.easting),
-                                isUnset(p.elevation) ? "" : format("%.4f", p.elevation),
-                                p.description);
+    return raw::writeStorePoint(p.name, fixed4(p.northing), fixed4(p.easting),
+                                isUnset(p.elevation) ? "" : fixed4(p.elevation), p.description);
 }
 
 void GsiImport::codeBlock(const Words &words) {
@@ -270,10 +296,29 @@ void GsiImport::codeBlock(const Words &words) {
     }
     flush();
     m_lastPointLine = std::string::npos;
+    double a = 0.0, b = 0.0, c = 0.0, d = 0.0;
+    if (code == 80) {
+        number(words, 43, a);
+        number(words, 44, b);
+        number(words, 45, c);
+        emit(format("GPS,PN%s,LA%.10f,LN%.10f,EL%.4f,--%s\n", text(words, 42).c_str(), a, b, c,
+                    text(words, 71).c_str()));
+        return;
+    }
+    if (code == 81) {
+        number(words, 42, a);
+        number(words, 43, b);
+        number(words, 44, c);
+        number(words, 45, d);
+        emit(format("--SDEV: %.3f,%.3f,%.3f PDOP: %.1f\n", a, b, c, d));
+        return;
+    }
     if (coded(GsiCoding::TenTwentyThirtyForty))
         tenTwentyCode(code, words);
     else
         wildSoftCode(code, words);
+    if (code != 14 && number(words, 87, a))
+        emit(format("--LS,HR%.3f\n", a));
 }
 
 void GsiImport::wildSoftCode(int code, const Words &words) {
@@ -302,6 +347,7 @@ void GsiImport::wildSoftCode(int code, const Words &words) {
         return;
     case 4:
         emit(format("--Code 4 : Reference Closing Point = %s\n", w42.c_str()));
+        m_closingPoint = w42;
         return;
     case 5:
     case 6:
@@ -413,11 +459,33 @@ void GsiImport::flush() {
     }
     m_backsightLineDue = false;
     std::vector<bool> written(m_pending.size(), false);
-    for (const auto &placed : groupFaceSets(faces, m_backsight, m_options.order)) {
-        writeReading(m_pending[placed.index], placed.role, !written[placed.index]);
-        written[placed.index] = true;
+    const auto placed = groupFaceSets(faces, m_backsight, m_options.order);
+    for (std::size_t i = 0; i < placed.size(); ++i) {
+        writeReading(m_pending[placed[i].index], placed[i].role, !written[placed[i].index]);
+        written[placed[i].index] = true;
+        if (placed[i].role == SetRole::BR && i >= 3 && coded(GsiCoding::Liscad))
+            checkSet(m_pending[placed[i - 3].index], m_pending[placed[i - 2].index],
+                     m_pending[placed[i - 1].index], m_pending[placed[i].index]);
     }
     m_pending.clear();
+}
+
+void GsiImport::checkSet(const Reading &bd, const Reading &fd, const Reading &fr,
+                         const Reading &br) {
+    constexpr double kTolerance = 1.0 / 60.0; // degrees
+    auto off = [](double angle) { return std::fabs(normalizeDegrees(angle + 180.0) - 180.0); };
+    const bool backsightHz = off(br.horizontal - bd.horizontal - 180.0) > kTolerance;
+    const bool foresightHz = off(fr.horizontal - fd.horizontal - 180.0) > kTolerance;
+    const bool backsightZe = off(bd.zenith + br.zenith) > kTolerance;
+    const bool foresightZe = off(fd.zenith + fr.zenith) > kTolerance;
+    if (backsightZe)
+        emit("--WARNING: inconsistent backsight direct angle\n");
+    if (foresightZe)
+        emit("--WARNING: inconsistent forsight direct angle\n");
+    if (backsightHz)
+        emit("--WARNING: inconsistent backsight reverse angle\n");
+    if (foresightHz)
+        emit("--WARNING: inconsistent forsight reverse angle\n");
 }
 
 void GsiImport::writeReading(Reading &reading, SetRole role, bool first) {
@@ -425,15 +493,29 @@ void GsiImport::writeReading(Reading &reading, SetRole role, bool first) {
     const char *type = kTypes[int(role)];
     if (role == SetRole::Single && coded(GsiCoding::Liscad) && m_stations.count(reading.to))
         type = "TR";
+    const bool closes = role == SetRole::Single && coded(GsiCoding::Liscad) && closing(reading.to);
     if (reading.targetHeight != m_writtenHeight) {
         emit(format("LS,HR%.3f\n", reading.targetHeight));
         m_writtenHeight = reading.targetHeight;
     }
-    const char *angleTag = m_options.azimuths ? "AZ" : "AR";
-    emit(format("%s,OP%s,FP%s,%s%s,ZE%s,%s%.4f,--%s\n", type, m_station.c_str(), reading.to.c_str(),
-                angleTag, formatDms(reading.horizontal, 6).c_str(),
-                formatDms(reading.zenith, 6).c_str(), reading.slope ? "SD" : "HD", reading.distance,
-                reading.note.c_str()));
+    // "%s,OP%s,FP%s,AR%s,ZE%s,SD%.4f,--%s\n", built by appending.
+    std::string line = type;
+    line += ",OP";
+    line += m_station;
+    line += ",FP";
+    line += reading.to;
+    line += m_options.azimuths ? ",AZ" : ",AR";
+    line += formatDms(reading.horizontal, 6);
+    line += ",ZE";
+    line += formatDms(reading.zenith, 6);
+    line += reading.slope ? ",SD" : ",HD";
+    appendFixed(line, reading.distance, 4);
+    line += ",--";
+    line += reading.note;
+    if (closes)
+        line += reading.note.empty() ? "CLO" : " CLO";
+    line += '\n';
+    emit(std::move(line));
     ++m_out.observations;
     if (first && reading.point != std::string::npos)
         emit(storePointLine(m_out.points[reading.point]));

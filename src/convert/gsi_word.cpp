@@ -58,7 +58,11 @@ bool numberOf(const Word &word, double &value) {
     }
     if (!digits)
         return false;
-    value = whole / std::pow(10.0, decimals >= 0 ? decimals : decimalsFor(word));
+    static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                         1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                         1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    const int places = decimals >= 0 ? decimals : decimalsFor(word);
+    value = whole / (places < 23 ? kPowers[places] : std::pow(10.0, places));
     if (word.sign == '-')
         value = -value;
     return true;

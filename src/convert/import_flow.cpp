@@ -64,11 +64,20 @@ Status runImport(ImportFunction convert, const ImportPaths &paths, Interaction &
         return fail(ui, format(tr("Error: unable to open coordinate file %s"),
                                paths.coordinateFile.string().c_str()));
 
-    const bool saved = saveAtomically(paths.destination, [&out](std::ostream &stream) {
-        for (const auto &line : out.lines)
-            stream.write(line.data(), std::streamsize(line.size()));
-        return bool(stream);
-    });
+    // Written in pieces of about a megabyte: a large job is never held
+    // twice in memory.
+    AtomicFileWriter rw5(paths.destination);
+    std::string piece;
+    piece.reserve((1 << 20) + 4096);
+    bool saved = true;
+    for (const auto &line : out.lines) {
+        piece += line;
+        if (piece.size() >= (1 << 20)) {
+            saved = saved && rw5.write(piece);
+            piece.clear();
+        }
+    }
+    saved = saved && rw5.write(piece) && rw5.commit();
     if (!saved) {
         if (own.isOpen()) {
             own.close();

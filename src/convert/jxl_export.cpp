@@ -18,6 +18,14 @@
 //   UnitsRecord; a job with GPS positions gets the UTM form of the
 //   coordinate system, in the zone of its first position; others the
 //   scale-only form;
+// - the quality notes that follow a GPS record ("--SDEV: n,e,z PDOP: p"
+//   as the GSI import writes it, "--PDOP Avg:", "--HDOP Avg:", "--VDOP
+//   Avg:", "--HRMS Avg:", "--VRMS Avg:", "--Number of Satellites Avg:")
+//   belong to it: its PointRecord is written after them with Precision
+//   and QualityControl1 (missing values as empty elements, start and end
+//   time unknown: week 0, second 0), and the notes are not written again;
+// - a G1 vector record is a GPS point fixed from its base: ECEFDeltas and
+//   the reference record of the base;
 // - values are written as the schema takes them: angles in decimal
 //   degrees (RW5 angles are ddd.mmss), distances, heights and coordinates
 //   in metres.
@@ -31,7 +39,10 @@
 #include "convert/jxl_writer.h"
 #include "raw/classify.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstring>
 #include <ctime>
 
 namespace tramline::convert {
@@ -52,12 +63,16 @@ std::string valueAfter(std::string_view note, std::string_view key) {
     return std::string(rest.substr(0, rest.find_first_of(" \t,")));
 }
 
+constexpr std::size_t kPiece = std::size_t(1) << 20;
+
 class JxlExport {
 public:
     JxlExport(const std::vector<std::string> &lines, const std::string &stamp, Interaction &ui)
         : m_lines(lines), m_out(stamp), m_ui(ui) {}
 
     bool run(ExportOutput &result);
+    /// Why run() failed, when it is more than a cancelled run.
+    const std::string &failure() const { return m_failure; }
 
 private:
     double metres(double value) const {
@@ -93,11 +108,16 @@ private:
     void endRounds();
     void keyedIn(const raw::RawFields &f);
     void gps(const raw::RawFields &f);
+    bool gpsQuality(std::string_view note);
+    void flushGps();
+    void vector(const raw::RawFields &f);
     void reference(const raw::RawFields &f);
 
     const std::vector<std::string> &m_lines;
     JxlWriter m_out;
     Interaction &m_ui;
+    std::string m_failure;
+    long m_pieces = 0; // handed on to the file
 
     std::string m_job;
     LinearUnit m_unit = LinearUnit::Metres;
@@ -111,12 +131,26 @@ private:
     bool m_pendingBacksight = false;
     int m_round = 0;           // 0: not in rounds
     std::string m_lastSetType; // the set line before
+    // Kept from line to line, so that their strings keep their room.
+    raw::RawFields m_fields;
+    std::vector<std::string_view> m_parts;
+    // A GPS record waiting for the quality notes after it.
+    raw::RawFields m_gps;
+    bool m_gpsPending = false;
+    struct Quality {
+        double sdevN = NAN, sdevE = NAN, sdevZ = NAN, pdop = NAN, hdop = NAN, vdop = NAN;
+        double hrms = NAN, vrms = NAN, satellites = NAN;
+    } m_quality;
 };
 
 void JxlExport::scanHead() {
     raw::RawFields f;
     bool modeSeen = false;
     for (const auto &line : m_lines) {
+        // Only job, mode and GPS lines matter here: the rest need no classifying.
+        const std::string_view head = trimLeft(line);
+        if (!head.starts_with("JB") && !head.starts_with("MO") && !head.starts_with("GPS"))
+            continue;
         const int kind = raw::ClassifyRawLine(line, raw::JobRecords::Recognised, f);
         if (kind == raw::kJob && m_job.empty())
             m_job = f[0];
@@ -134,7 +168,11 @@ void JxlExport::scanHead() {
 
 bool JxlExport::run(ExportOutput &result) {
     scanHead();
-    m_out.bytes().reserve(m_lines.size() * 160 + 4096);
+    // About 590 bytes are written for a raw line on average: room for all
+    // of them (or for a piece) at once spares the copies of a growing buffer.
+    m_out.bytes().reserve(
+        result.sink ? kPiece + 65536
+                    : std::min<std::size_t>(m_lines.size() * 640 + 8192, std::size_t(1) << 30));
     m_out.begin(m_job);
     m_out.open("FieldBook");
     const long total = long(m_lines.size());
@@ -147,7 +185,18 @@ bool JxlExport::run(ExportOutput &result) {
                 return false;
         }
         record(m_lines[std::size_t(i)], result);
+        // Large jobs go to the file in pieces of about a megabyte.
+        if (result.sink && m_out.bytes().size() > kPiece) {
+            if (!result.sink(m_out.bytes())) {
+                m_failure = m_pieces == 0 ? tr("\nError: cannot create temporary Trimble JXL file.")
+                                          : tr("\nError: cannot write temporary Trimble JXL file.");
+                return false;
+            }
+            ++m_pieces;
+            m_out.bytes().clear();
+        }
     }
+    flushGps();
     endRounds();
     flushBacksight();
     m_out.close("FieldBook");
@@ -163,11 +212,16 @@ bool JxlExport::run(ExportOutput &result) {
 }
 
 void JxlExport::record(std::string_view line, ExportOutput &result) {
-    raw::RawFields f;
+    raw::RawFields &f = m_fields;
     const int kind = raw::ClassifyRawLine(line, raw::JobRecords::Recognised, f);
+    ++result.records;
+    if (m_gpsPending) {
+        if (kind == raw::kNote && gpsQuality(f[0]))
+            return;
+        flushGps();
+    }
     if (kind != raw::kObservation)
         endRounds();
-    ++result.records;
     switch (kind) {
     case raw::kNote:
         note(f[0]);
@@ -197,7 +251,12 @@ void JxlExport::record(std::string_view line, ExportOutput &result) {
         observation(line, f);
         break;
     case raw::kGps:
-        gps(f);
+        m_gps = f;
+        m_gpsPending = true;
+        m_quality = {};
+        break;
+    case raw::kGps1:
+        vector(f);
         break;
     case raw::kBasePointNote:
     case raw::kBasePointSr:
@@ -411,10 +470,9 @@ void JxlExport::observation(std::string_view line, const raw::RawFields &f) {
     if (m_target == 0 || m_hr != m_writtenHr)
         target();
     // The codes of the angle, vertical and distance fields.
-    std::vector<std::string_view> parts;
-    splitAtMost(line, ',', 7, parts);
-    const std::string_view vCode = parts.size() > 4 ? parts[4].substr(0, 2) : "ZE";
-    const std::string_view dCode = parts.size() > 5 ? parts[5].substr(0, 2) : "SD";
+    splitAtMost(line, ',', 7, m_parts);
+    const std::string_view vCode = m_parts.size() > 4 ? m_parts[4].substr(0, 2) : "ZE";
+    const std::string_view dCode = m_parts.size() > 5 ? m_parts[5].substr(0, 2) : "SD";
     std::string_view hz = f[3];
     if (!hz.empty() && (hz.front() == 'N' || hz.front() == 'S'))
         hz = hz.substr(1, hz.size() - 2); // a bearing: its angle only
@@ -481,7 +539,52 @@ void JxlExport::keyedIn(const raw::RawFields &f) {
     m_out.close("PointRecord");
 }
 
+bool JxlExport::gpsQuality(std::string_view note) {
+    double a = 0.0, b = 0.0, c = 0.0, d = 0.0;
+    if (note.starts_with("SDEV:")) {
+        if (std::sscanf(std::string(note).c_str(), "SDEV: %lf,%lf,%lf PDOP: %lf", &a, &b, &c, &d) !=
+            4)
+            return false;
+        m_quality.sdevN = a;
+        m_quality.sdevE = b;
+        m_quality.sdevZ = c;
+        m_quality.pdop = d;
+        return true;
+    }
+    static const struct {
+        const char *key;
+        double Quality::*value;
+    } kAverages[] = {
+        {"PDOP Avg:", &Quality::pdop}, {"HDOP Avg:", &Quality::hdop},
+        {"VDOP Avg:", &Quality::vdop}, {"HRMS Avg:", &Quality::hrms},
+        {"VRMS Avg:", &Quality::vrms}, {"Number of Satellites Avg:", &Quality::satellites},
+    };
+    for (const auto &average : kAverages)
+        if (note.starts_with(average.key)) {
+            const double value = numberOr(note.substr(std::strlen(average.key)), NAN);
+            if (std::isnan(value))
+                return false;
+            m_quality.*average.value = value;
+            return true;
+        }
+    return false;
+}
+
+void JxlExport::flushGps() {
+    if (!m_gpsPending)
+        return;
+    m_gpsPending = false;
+    gps(m_gps);
+}
+
 void JxlExport::gps(const raw::RawFields &f) {
+    const Quality &q = m_quality;
+    auto value = [this](const char *name, double v, int decimals) {
+        if (std::isnan(v))
+            m_out.empty(name);
+        else
+            m_out.number(name, v, decimals);
+    };
     m_out.record("PointRecord");
     m_out.text("Name", f[0]);
     m_out.text("Code", f[4]);
@@ -494,6 +597,78 @@ void JxlExport::gps(const raw::RawFields &f) {
     m_out.number("Longitude", unpackDms(numberOr(f[2], 0.0)), 14);
     m_out.number("Height", metres(numberOr(f[3], 0.0)), 8);
     m_out.close("WGS84");
+    const bool precise = !std::isnan(q.sdevN) || !std::isnan(q.hrms);
+    const bool quality = precise || !std::isnan(q.pdop) || !std::isnan(q.hdop) ||
+                         !std::isnan(q.vdop) || !std::isnan(q.satellites);
+    // Horizontal: from the two standard deviations, else the RMS.
+    const double horizontal = !std::isnan(q.sdevN) ? std::hypot(q.sdevN, q.sdevE) : q.hrms;
+    const double vertical = !std::isnan(q.sdevZ) ? q.sdevZ : q.vrms;
+    if (precise) {
+        m_out.open("Precision");
+        value("Horizontal", metres(horizontal), 8);
+        value("Vertical", metres(vertical), 8);
+        m_out.close("Precision");
+    }
+    if (m_reference) {
+        m_out.id("ReferenceRecordID", m_reference);
+        m_out.text("RTK_Base", m_baseName);
+    }
+    if (m_antenna)
+        m_out.id("AntennaID", m_antenna);
+    if (quality) {
+        m_out.open("QualityControl1");
+        if (std::isnan(q.satellites))
+            m_out.empty("NumberOfSatellites");
+        else
+            m_out.raw("NumberOfSatellites", std::to_string(long(std::lround(q.satellites))));
+        m_out.raw("RelativeDOPs", "false");
+        value("PDOP", q.pdop, 1);
+        value("HDOP", q.hdop, 1);
+        value("VDOP", q.vdop, 1);
+        m_out.empty("RMS");
+        m_out.raw("NumberOfPositionsUsed", "1");
+        value("HorizontalStandardDeviation", metres(horizontal), 6);
+        value("VerticalStandardDeviation", metres(vertical), 6);
+        for (const char *time : {"StartTime", "EndTime"}) {
+            m_out.open(time);
+            m_out.raw("GPSWeek", "0");
+            m_out.raw("Seconds", "0");
+            m_out.close(time);
+        }
+        m_out.raw("MonitorStatus", "NotMonitored");
+        m_out.close("QualityControl1");
+    }
+    m_out.close("PointRecord");
+}
+
+void JxlExport::vector(const raw::RawFields &f) {
+    // G1: base, point, DX, DY, DZ.
+    const std::string base(trim(f[0])), point(trim(f[1]));
+    const double d[3] = {numberOr(f[2], NAN), numberOr(f[3], NAN), numberOr(f[4], NAN)};
+    if (point.empty() || std::isnan(d[0]) || std::isnan(d[1]) || std::isnan(d[2]))
+        return;
+    if (!base.empty() && base != m_baseName) {
+        m_baseName = base;
+        m_reference = m_out.record("ReferenceRecord");
+        m_out.text("PointName", base);
+        if (m_antenna)
+            m_out.id("AntennaID", m_antenna);
+        else
+            m_out.empty("AntennaID");
+        m_out.close("ReferenceRecord");
+    }
+    m_out.record("PointRecord");
+    m_out.text("Name", point);
+    m_out.empty("Code");
+    m_out.raw("Method", "GpsRTKControlPoint");
+    m_out.raw("SurveyMethod", "RTK");
+    m_out.raw("Classification", "Normal");
+    m_out.raw("Deleted", "false");
+    m_out.open("ECEFDeltas");
+    m_out.number("DeltaX", metres(d[0]), 8);
+    m_out.number("DeltaY", metres(d[1]), 8);
+    m_out.number("DeltaZ", metres(d[2]), 8);
+    m_out.close("ECEFDeltas");
     if (m_reference) {
         m_out.id("ReferenceRecordID", m_reference);
         m_out.text("RTK_Base", m_baseName);
@@ -518,14 +693,16 @@ void JxlExport::reference(const raw::RawFields &f) {
 
 Status exportJxlAt(const std::vector<std::string> &rawLines, const std::string &timeStamp,
                    Interaction &ui, ExportOutput &out) {
-    out.writeError =
-        std::string(tr("Error: cannot create Trimble JXL file.")) + "\n" + tr("Conversion Error");
+    const std::string failed = std::string("\n") + tr("Conversion Error");
+    out.writeError = tr("\nError: cannot create Trimble JXL file.") + failed;
     JxlExport exporter(rawLines, timeStamp, ui);
     if (!exporter.run(out)) {
         out.bytes.clear();
-        const std::string message = tr("Conversion Error");
+        const std::string message =
+            exporter.failure().empty() ? tr("Conversion Error") : exporter.failure() + failed;
         ui.message(message);
-        return Status::failure(StatusCode::Cancelled, message);
+        return Status::failure(exporter.failure().empty() ? StatusCode::Cancelled : StatusCode::Io,
+                               message);
     }
     out.completion = tr("Conversion Complete");
     return Status::success();

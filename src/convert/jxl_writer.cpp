@@ -3,22 +3,64 @@
 #include "base/format.h"
 #include "base/text.h"
 
+#include <algorithm>
 #include <ctime>
 
 namespace tramline::convert {
 
-std::string jxlEscaped(std::string_view text) {
-    const std::string escaped = xmlEscaped(text);
-    if (escaped.find('\'') == std::string::npos)
-        return escaped;
-    std::string out;
-    out.reserve(escaped.size() + 8);
-    for (char c : escaped) {
-        if (c == '\'')
-            out += "&apos;";
-        else
-            out += c;
+namespace {
+
+// Whether a byte must be written as an entity or dropped.
+bool needsEscape(char c) {
+    const auto u = static_cast<unsigned char>(c);
+    return c == '&' || c == '<' || c == '>' || c == '\'' || c == '"' ||
+           (u < 0x20 && c != '\t' && c != '\n');
+}
+
+void appendEscaped(std::string &out, std::string_view text) {
+    // Most texts need nothing: copy them whole.
+    if (std::none_of(text.begin(), text.end(), needsEscape)) {
+        out += text;
+        return;
     }
+    for (const char c : text) {
+        switch (c) {
+        case '&':
+            out += "&amp;";
+            break;
+        case '<':
+            out += "&lt;";
+            break;
+        case '>':
+            out += "&gt;";
+            break;
+        case '\'':
+            out += "&apos;";
+            break;
+        case '"':
+            out += "&quot;";
+            break;
+        default:
+            if (!needsEscape(c))
+                out += c;
+        }
+    }
+}
+
+// Eight lower-case hexadecimal digits, as record IDs are written.
+void appendHexId(std::string &out, unsigned value) {
+    char digits[8];
+    for (int i = 7; i >= 0; --i, value >>= 4)
+        digits[i] = "0123456789abcdef"[value & 0xf];
+    out.append(digits, 8);
+}
+
+} // namespace
+
+std::string jxlEscaped(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    appendEscaped(out, text);
     return out;
 }
 
@@ -34,7 +76,7 @@ std::string jxlTimeStamp(long long time) {
 void JxlWriter::begin(std::string_view jobName) {
     m_out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     m_out += "<JOBFile jobName=\"";
-    m_out += jxlEscaped(jobName);
+    appendEscaped(m_out, jobName);
     m_out += "\" TimeStamp=\"";
     m_out += m_stamp;
     m_out += "\">\n";
@@ -42,8 +84,13 @@ void JxlWriter::begin(std::string_view jobName) {
 
 unsigned JxlWriter::record(const char *element, bool empty) {
     ++m_id;
-    appendFormat(m_out, "<%s ID=\"%08x\" TimeStamp=\"%s\"%s\n", element, m_id, m_stamp.c_str(),
-                 empty ? "/>" : ">");
+    m_out += '<';
+    m_out += element;
+    m_out += " ID=\"";
+    appendHexId(m_out, m_id);
+    m_out += "\" TimeStamp=\"";
+    m_out += m_stamp;
+    m_out += empty ? "\"/>\n" : "\">\n";
     return m_id;
 }
 
@@ -62,7 +109,13 @@ void JxlWriter::close(const char *element) {
 void JxlWriter::text(const char *name, std::string_view value) {
     if (value.empty())
         return empty(name);
-    raw(name, jxlEscaped(value));
+    m_out += '<';
+    m_out += name;
+    m_out += '>';
+    appendEscaped(m_out, value);
+    m_out += "</";
+    m_out += name;
+    m_out += ">\n";
 }
 
 void JxlWriter::raw(const char *name, std::string_view value) {
@@ -76,11 +129,23 @@ void JxlWriter::raw(const char *name, std::string_view value) {
 }
 
 void JxlWriter::number(const char *name, double value, int decimals) {
-    appendFormat(m_out, "<%s>%.*f</%s>\n", name, decimals, value, name);
+    m_out += '<';
+    m_out += name;
+    m_out += '>';
+    appendFixed(m_out, value, decimals);
+    m_out += "</";
+    m_out += name;
+    m_out += ">\n";
 }
 
 void JxlWriter::id(const char *name, unsigned value) {
-    appendFormat(m_out, "<%s>%08x</%s>\n", name, value, name);
+    m_out += '<';
+    m_out += name;
+    m_out += '>';
+    appendHexId(m_out, value);
+    m_out += "</";
+    m_out += name;
+    m_out += ">\n";
 }
 
 void JxlWriter::empty(const char *name) {

@@ -46,7 +46,7 @@ const FormatEntry kFormats[] = {
     {K::RawExport, "gsi", "Leica", trNoop("Leica Raw File to Write"), "gsi", nullptr, exportGsi,
      true},
     {K::RawExport, "jxl", "Trimble JXL", trNoop("Trimble JXL File to Export"), "jxl", nullptr,
-     exportJxl, true},
+     exportJxl, true, nullptr, nullptr, trNoop("\nError: cannot open RW5 file.")},
 
     {K::PointImport, "text", "Text/ASCII File", trNoop("Text/ASCII File To Import"),
      "txt;asc;dat;csv;xyz;*", nullptr, nullptr, true},

@@ -29,6 +29,9 @@ struct FormatEntry {
     bool built = false;                ///< false: "not available yet"
     PointImportFunction pointImport = nullptr; ///< point imports that are built
     PointExportFunction pointExport = nullptr; ///< point exports that are built
+    /// A raw export's own message for an unreadable RW5 file (English;
+    /// tr() it); null: the frame's.
+    const char *readError = nullptr;
 };
 
 /// Every converter, in menu order within each kind.

@@ -82,6 +82,41 @@ TEST_F(AtomicSave, FullDiskLeavesTheOldFile) {
     EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 1);
 }
 
+// A file written in pieces appears whole at the commit, and not at all
+// when the writer is dropped or a piece fails.
+TEST_F(AtomicSave, PiecewiseWriterCommitsWholeOrNothing) {
+    const auto file = dir / "job.jxl";
+    ASSERT_TRUE(saveTextAtomically(file, "old\n"));
+    {
+        AtomicFileWriter writer(file);
+        ASSERT_TRUE(writer.write("one "));
+        ASSERT_TRUE(writer.write("two\n"));
+        EXPECT_EQ(slurp(file), "old\n"); // nothing in place before the commit
+        EXPECT_TRUE(writer.commit());
+    }
+    EXPECT_EQ(slurp(file), "one two\n");
+    {
+        AtomicFileWriter dropped(file);
+        ASSERT_TRUE(dropped.write("half"));
+    }
+    EXPECT_EQ(slurp(file), "one two\n");
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 1);
+    AtomicFileWriter toFolder(dir);
+    std::string error;
+    EXPECT_FALSE(toFolder.write("x"));
+    EXPECT_FALSE(toFolder.commit(&error));
+    EXPECT_FALSE(error.empty());
+    EXPECT_TRUE(failsOnAFullDisk([&] {
+        AtomicFileWriter full(file);
+        bool ok = true;
+        for (int i = 0; i < 100 && ok; ++i)
+            ok = full.write(std::string(1000, 'x'));
+        return ok && full.commit();
+    })) << "the piecewise save should have failed";
+    EXPECT_EQ(slurp(file), "one two\n");
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 1);
+}
+
 // What the user made of the target decides whether a save may replace it;
 // a link is never replaced, its file is.
 TEST_F(AtomicSave, RespectsReadOnlyFilesLinksAndOddFiles) {

@@ -220,6 +220,8 @@ TEST_F(ConvertCommands, GeodimeterInAndOutAndJxlWithProgressLines) {
     const auto missing = runCli({"export", "jxl", at("none.rw5"), "-o", at("c.jxl"), "--ipc"});
     EXPECT_EQ(missing.code, 1);
     EXPECT_NE(missing.out.find("$IPC: RETCDE 1\n"), std::string::npos);
+    EXPECT_NE((missing.out + missing.err).find("Error: cannot open RW5 file."), std::string::npos)
+        << "the export's own message, not the frame's: " << missing.err;
     EXPECT_FALSE(std::filesystem::exists(dir / "c.jxl"));
 }
 

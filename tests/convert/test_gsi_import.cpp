@@ -112,6 +112,10 @@ TEST(GsiImport, CodingsWriteTheirOwnShapes) {
          station + shot + "*110003+00000000000000S2 84..10+0 \n",
          "TR,OPS1,FPS2,AR10.000000,ZE90.000000,SD50.0000,--\n"},
         {{convert::GsiCoding::Liscad}, station + shot, "--UNITS METERS\n"},
+        // A target height in a code block other than 14 is kept as a note.
+        {{convert::GsiCoding::WildSoft},
+         "*410001+0000000000000026 42....+00000000000FENCE 87..10+0000000000001650 \n" + shot,
+         "--FENCE\n--LS,HR1.650\n"},
         {{convert::GsiCoding::WildSoft},
          station + shot,
          "SS,OPS1,FPS2,AR10.000000,ZE90.000000,SD50.0000,--\n"},
@@ -131,6 +135,104 @@ TEST(GsiImport, CodingsWriteTheirOwnShapes) {
         const std::string all = joined(importText(c.text, c.options));
         EXPECT_NE(all.find(c.expected), std::string::npos) << c.expected << "in\n" << all;
     }
+}
+
+// A GSI-16 reading block: point, horizontal and zenith angle (ddd.mmsss
+// digits), slope distance 50 m.
+std::string reading(const std::string &to, const char *hz, const char *ze) {
+    const std::string name = std::string(16 - to.size(), '0') + to;
+    return "*110002+" + name + " 21.324+" + hz + " 22.324+" + ze + " 31..00+0000000000050000 \n";
+}
+
+// Liscad checks each set's pairs: face 2 must be face 1 plus 180 degrees
+// horizontally and the zenith angles must add to 360, within a minute.
+TEST(GsiImport, LiscadWarnsOfInconsistentSetReadings) {
+    const std::string station = "*110001+00000000000000S1 84..10+0000000001000000 "
+                                "85..10+0000000002000000 \n";
+    struct {
+        const char *what;
+        const char *frHz, *frZe, *brHz, *brZe;
+        std::vector<std::string> warnings;
+    } cases[] = {
+        {"consistent",
+         "0000000022500000",
+         "0000000027000000",
+         "0000000018000000",
+         "0000000027000000",
+         {}},
+        {"foresight face 2 turned 2'",
+         "0000000022502000",
+         "0000000027000000",
+         "0000000018000000",
+         "0000000027000000",
+         {"--WARNING: inconsistent forsight reverse angle"}},
+        {"backsight face 2 turned 2'",
+         "0000000022500000",
+         "0000000027000000",
+         "0000000017958000",
+         "0000000027000000",
+         {"--WARNING: inconsistent backsight reverse angle"}},
+        {"backsight zeniths off by 1 degree",
+         "0000000022500000",
+         "0000000027000000",
+         "0000000018000000",
+         "0000000027100000",
+         {"--WARNING: inconsistent backsight direct angle"}},
+        {"foresight zeniths off by 1 degree",
+         "0000000022500000",
+         "0000000026900000",
+         "0000000018000000",
+         "0000000027000000",
+         {"--WARNING: inconsistent forsight direct angle"}},
+        {"within the minute",
+         "0000000022500300",
+         "0000000027000300",
+         "0000000017959300",
+         "0000000026959300",
+         {}},
+    };
+    for (const auto &c : cases) {
+        const std::string text = station + reading("B1", "0000000000000000", "0000000009000000") +
+                                 reading("A", "0000000004500000", "0000000009000000") +
+                                 reading("A", c.frHz, c.frZe) + reading("B1", c.brHz, c.brZe);
+        convert::GsiImportOptions liscad;
+        liscad.coding = convert::GsiCoding::Liscad;
+        const auto out = importText(text, liscad);
+        std::vector<std::string> warnings;
+        for (const auto &line : out.lines)
+            if (line.starts_with("--WARNING"))
+                warnings.push_back(std::string(trimRight(line)));
+        EXPECT_EQ(warnings, c.warnings) << c.what;
+        EXPECT_NE(joined(out).find("BR,OPS1,FPB1"), std::string::npos) << c.what << ": no set";
+        // WildSoft writes no such warnings.
+        EXPECT_EQ(joined(importText(text)).find("WARNING"), std::string::npos) << c.what;
+    }
+}
+
+// A closing shot in Liscad: a single reading to a station occupied before
+// (other than the backsight), or to the point a code-4 block names.
+TEST(GsiImport, LiscadTagsClosingShots) {
+    auto setUp = [](const char *name) {
+        return std::string("*110001+00000000000000") + name +
+               " 84..10+0000000001000000 85..10+0000000002000000 \n";
+    };
+    const char *hz = "0000000001000000";
+    const char *ze = "0000000009000000";
+    const std::string text = setUp("S1") + reading("S2", hz, ze) + setUp("S2") +
+                             reading("S1", hz, ze) + reading("S3", hz, ze) + setUp("S3") +
+                             reading("S2", hz, ze) + reading("S1", hz, ze) +
+                             "*410003+0000000000000004 42....+00000000000000P9 \n" +
+                             reading("P9", hz, ze) + reading("P8", hz, ze);
+    convert::GsiImportOptions liscad;
+    liscad.coding = convert::GsiCoding::Liscad;
+    const std::string all = joined(importText(text, liscad));
+    for (const char *line : {"TR,OPS3,FPS1,AR10.000000,ZE90.000000,SD50.0000,--CLO\n",
+                             "SS,OPS3,FPP9,AR10.000000,ZE90.000000,SD50.0000,--CLO\n",
+                             "SS,OPS3,FPP8,AR10.000000,ZE90.000000,SD50.0000,--\n",
+                             "TR,OPS2,FPS1,AR10.000000,ZE90.000000,SD50.0000,--\n",
+                             "TR,OPS3,FPS2,AR10.000000,ZE90.000000,SD50.0000,--\n"})
+        EXPECT_NE(all.find(line), std::string::npos) << line << "in\n" << all;
+    EXPECT_EQ(joined(importText(text)).find("CLO"), std::string::npos) << "WildSoft tags none";
 }
 
 TEST(GsiImport, RefusesWhatItCannotRead) {

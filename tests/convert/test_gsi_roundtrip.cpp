@@ -31,6 +31,8 @@ const std::vector<std::string> kJob = {
     "SP,PNCP9,N -12.5000,E 7.2500,EL0.0000,--MARK",
     "OC,OPST2,N 5100.0000,E 2000.0000,EL101.0000,--",
     "SS,OPST2,FPP4,AR12.0000,VA2.0000,SD50.0000,--",
+    "GPS,PN9,LA-33.5212345678,LN151.1234567890,EL25.1234,--BASE",
+    "--SDEV: 0.012,0.034,0.056 PDOP: 1.8",
 };
 
 struct Shot {
@@ -119,6 +121,12 @@ TEST(GsiRoundTrip, KeepsHeightsAndPoints) {
     EXPECT_TRUE(has("SP,PNCP9,N -12.5000,E 7.2500,EL0.0000,--MARK"));
     EXPECT_TRUE(has("OC,OPST2,N 5100.0000,E 2000.0000,EL101.0000,--"));
     EXPECT_TRUE(lines.front().starts_with("JB,NMROUND,DT11-23-2026,TM10:15:00"));
+    // A GPS position and its quality come back as they were, not as a point.
+    EXPECT_TRUE(has("GPS,PN9,LA-33.5212345678,LN151.1234567890,EL25.1234,--BASE"));
+    EXPECT_TRUE(has("--SDEV: 0.012,0.034,0.056 PDOP: 1.8"));
+    EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
+                            [](const std::string &l) { return l.starts_with("SP,PN9"); }),
+              0);
 }
 
 TEST(GsiExport, WritesTheBlocksWordForWord) {

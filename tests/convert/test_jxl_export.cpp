@@ -4,6 +4,7 @@
 // files checked against the 5.3 schema with only the findings that the
 // document's fixed form forces.
 #include "base/angles.h"
+#include "base/text.h"
 #include "convert/export_flow.h"
 #include "convert/import_flow.h"
 #include "convert/jxl_export.h"
@@ -15,6 +16,7 @@
 
 #include <cstdio>
 #include <functional>
+#include <map>
 #include <set>
 
 namespace tramline::test {
@@ -208,11 +210,131 @@ TEST(JxlExport, CancelledExportWritesNothing) {
     EXPECT_EQ(ui.messages.back(), "Conversion Error");
 }
 
+// Quality notes after a GPS record belong to its PointRecord; a G1 vector
+// is a point with ECEF deltas from its base.
+TEST(JxlExport, GpsQualityPrecisionAndVectors) {
+    struct {
+        const char *what;
+        std::vector<std::string> lines;
+        std::map<std::string, std::string> wanted; // "Parent/Element" -> text
+        int notes;                                 // NoteRecords left
+    } cases[] = {
+        {"SDEV from a GSI read-back",
+         {"GPS,PN9,LA28.300000000,LN-81.300000000,EL10.0000,--",
+          "--SDEV: 0.030,0.040,0.020 PDOP: 1.8", "--another note"},
+         {{"Precision/Horizontal", "0.05000000"},
+          {"Precision/Vertical", "0.02000000"},
+          {"QualityControl1/PDOP", "1.8"},
+          {"QualityControl1/HDOP", ""},
+          {"QualityControl1/HorizontalStandardDeviation", "0.050000"}},
+         1},
+        {"averaging notes",
+         {"GPS,PN9,LA28.300000000,LN-81.300000000,EL10.0000,--", "--HRMS Avg: 0.012",
+          "--VRMS Avg: 0.020", "--PDOP Avg: 2.1", "--Number of Satellites Avg: 9"},
+         {{"Precision/Horizontal", "0.01200000"},
+          {"QualityControl1/NumberOfSatellites", "9"},
+          {"QualityControl1/PDOP", "2.1"}},
+         0},
+        {"no quality: neither element",
+         {"GPS,PN9,LA28.300000000,LN-81.300000000,EL10.0000,--", "--PDOP Avg: none"},
+         {{"Precision", "<missing>"}, {"QualityControl1", "<missing>"}},
+         1},
+        {"vector from a base",
+         {"BP,PNB1,LA28.3,LN-81.3,EL10.0,--", "G1,BPB1,PN7,DX10.5,DY-2.25,DZ0.125"},
+         {{"ECEFDeltas/DeltaX", "10.50000000"},
+          {"ECEFDeltas/DeltaY", "-2.25000000"},
+          {"RTK_Base", "B1"}},
+         0},
+    };
+    for (const auto &c : cases) {
+        const Document d(exported(c.lines));
+        xmlNodePtr point = nullptr;
+        int notes = 0;
+        for (xmlNodePtr r : records(d)) {
+            if (name(r) == "PointRecord")
+                point = r;
+            notes += name(r) == "NoteRecord";
+        }
+        ASSERT_NE(point, nullptr) << c.what;
+        for (const auto &[path, value] : c.wanted) {
+            xmlNodePtr node = point;
+            for (std::string_view part : split(path, '/'))
+                node = child(node, std::string(part));
+            EXPECT_EQ(text(node), value) << c.what << ": " << path;
+        }
+        EXPECT_EQ(notes, c.notes) << c.what;
+    }
+}
+
+// A job large enough to go to the file in pieces gives the same bytes as
+// the export held in memory, and its messages are the export's own.
+class JxlFiles : public ScratchFolderTest {};
+
+TEST_F(JxlFiles, LargeJobWrittenInPiecesEqualsTheWholeDocument) {
+    std::vector<std::string> lines(kJob.begin(), kJob.end());
+    for (int i = 0; i < 4000; ++i)
+        lines.push_back("SS,OP1,FP" + std::to_string(100 + i) +
+                        ",AR45.3000,ZE90.0000,SD12.3450,--TREE & ROOT");
+    ScriptedInteraction ui;
+    convert::ExportOutput whole;
+    ASSERT_TRUE(convert::exportJxlAt(lines, "2026-01-02T03:04:05", ui, whole).ok());
+    ASSERT_GT(whole.bytes.size(), std::size_t(2) << 20) << "the job must span pieces";
+    std::string streamed;
+    convert::ExportOutput pieces;
+    int calls = 0;
+    pieces.sink = [&](std::string_view bytes) {
+        ++calls;
+        streamed += bytes;
+        return true;
+    };
+    ASSERT_TRUE(convert::exportJxlAt(lines, "2026-01-02T03:04:05", ui, pieces).ok());
+    EXPECT_GE(calls, 2);
+    EXPECT_EQ(streamed + pieces.bytes, whole.bytes);
+}
+
+TEST_F(JxlFiles, MessagesOfFailures) {
+    struct Case {
+        const char *what;
+        int failAtCall; // the sink refuses this call (1-based); 0: never
+        const char *message;
+    };
+    const Case cases[] = {
+        {"temporary file not made", 1,
+         "\nError: cannot create temporary Trimble JXL file.\nConversion Error"},
+        {"temporary file not written", 2,
+         "\nError: cannot write temporary Trimble JXL file.\nConversion Error"},
+    };
+    std::vector<std::string> lines(kJob.begin(), kJob.end());
+    for (int i = 0; i < 8000; ++i)
+        lines.push_back("SS,OP1,FP" + std::to_string(100 + i) + ",AR45.3000,ZE90.0000,SD1.0,--");
+    for (const auto &c : cases) {
+        ScriptedInteraction ui;
+        convert::ExportOutput out;
+        int calls = 0;
+        out.sink = [&](std::string_view) { return ++calls != c.failAtCall; };
+        EXPECT_FALSE(convert::exportJxlAt(lines, "2026-01-02T03:04:05", ui, out).ok()) << c.what;
+        ASSERT_FALSE(ui.messages.empty()) << c.what;
+        EXPECT_EQ(ui.messages.back(), c.message) << c.what;
+    }
+    // An unreadable raw file, and a destination that cannot be made.
+    ScriptedInteraction ui;
+    convert::ExportOutput out;
+    out.readError = "\nError: cannot open RW5 file.";
+    EXPECT_FALSE(
+        convert::runExport(convert::exportJxl, dir / "missing.rw5", dir / "x.jxl", {}, ui, out)
+            .ok());
+    EXPECT_EQ(ui.messages.back(), "\nError: cannot open RW5 file.");
+    convert::ExportOutput intoFolder;
+    EXPECT_FALSE(convert::runExport(convert::exportJxl, kJob, dir, {}, ui, intoFolder).ok());
+    EXPECT_EQ(ui.messages.back(), "\nError: cannot create Trimble JXL file.\nConversion Error");
+}
+
 // Schema findings that the document's fixed form forces (each the start
 // of xmllint's message): the root takes only jobName and TimeStamp and no
 // Reductions element, the display settings carry VolumeUnits and
 // StationIndexIncrement, the UTM form has an empty combined scale factor,
-// GPS points are surveyed by "RTK".
+// GPS points are surveyed by "RTK", a missing GPS quality value is an
+// empty element.
 const std::vector<std::string> kForced = {
     "Element 'JOBFile': The attribute 'version' is required but missing.",
     "Element 'JOBFile': The attribute 'product' is required but missing.",
@@ -223,6 +345,10 @@ const std::vector<std::string> kForced = {
     "Element 'CombinedScaleFactor': Missing child element(s). Expected is one of ( Location, "
     "Scale ).",
     "Element 'SurveyMethod': [facet 'enumeration'] The value 'RTK' is not an element",
+    "Element 'PDOP': '' is not a valid value of the atomic type 'xs:double'.",
+    "Element 'HDOP': '' is not a valid value of the atomic type 'xs:double'.",
+    "Element 'VDOP': '' is not a valid value of the atomic type 'xs:double'.",
+    "Element 'NumberOfSatellites': '' is not a valid value of the atomic type 'xs:integer'.",
 };
 
 bool forced(const std::string &finding) {
@@ -271,7 +397,9 @@ TEST_F(JxlSchema, ExampleAndSdrSampleAreWellFormedAndValidButForTheForcedFinding
             std::string all;
             for (const auto &line : kJob)
                 all += line + "\n";
-            return all + "GPS,PN9,LA28.300000000,LN-81.300000000,EL10.0000,--\n";
+            return all + "GPS,PN9,LA28.300000000,LN-81.300000000,EL10.0000,--\n" +
+                   "--SDEV: 0.030,0.040,0.020 PDOP: 1.8\n" +
+                   "BP,PNB1,LA28.3,LN-81.3,EL10.0,--\nG1,BPB1,PN7,DX10.5,DY-2.25,DZ0.125\n";
         }())};
     for (const auto &source : sources) {
         convert::ExportOutput out;
