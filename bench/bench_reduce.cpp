@@ -10,8 +10,11 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <numbers>
+#include <utility>
 
 namespace {
 
@@ -42,6 +45,20 @@ std::string generateJob(int setups, int sideshots, bool balanceShot) {
     return out;
 }
 
+// Where the generated traverse ends without error: each set-up turns its
+// angle right from the backsight, the first looking back due south.
+std::pair<double, double> traverseEnd(int setups) {
+    double north = 1000.0, east = 1000.0, back = 180.0;
+    for (int s = 1; s <= setups; ++s) {
+        const double ahead = std::fmod(back + 180.0 + (s % 2) / 60.0, 360.0);
+        const double distance = 100.0 + s % 7;
+        north += distance * std::cos(ahead * std::numbers::pi / 180.0);
+        east += distance * std::sin(ahead * std::numbers::pi / 180.0);
+        back = std::fmod(ahead + 180.0, 360.0);
+    }
+    return {north, east};
+}
+
 void runJob(benchmark::State &state, int setups, int sideshots, reduce::AdjustMethod method) {
     const bool balance = method == reduce::AdjustMethod::AngleBalance;
     const fs::path dir = fs::temp_directory_path() / "tramline-bench-reduce";
@@ -51,6 +68,7 @@ void runJob(benchmark::State &state, int setups, int sideshots, reduce::AdjustMe
         std::ofstream out(job, std::ios::binary | std::ios::trunc);
         out << generateJob(setups, sideshots, balance);
     }
+    const auto [endNorth, endEast] = traverseEnd(setups);
     long records = 0;
     for (auto _ : state) {
         state.PauseTiming();
@@ -65,7 +83,8 @@ void runJob(benchmark::State &state, int setups, int sideshots, reduce::AdjustMe
         options.startPoint = "1";
         options.endPoint = std::to_string(setups + 1);
         // The closing point: where the error-free traverse ends, a little off.
-        options.closingPoint = {options.endPoint, std::nullopt, std::nullopt, std::nullopt};
+        // Without its coordinates the adjusting jobs stop at the closure.
+        options.closingPoint = {options.endPoint, endNorth + 0.05, endEast - 0.03, 100.0};
         if (balance) {
             options.angleBalance = true;
             options.referenceAzimuth = 60.0;
@@ -79,9 +98,11 @@ void runJob(benchmark::State &state, int setups, int sideshots, reduce::AdjustMe
         const auto result = reduce::processRaw(file, "job.rw5", coordinates, options, ui);
         benchmark::DoNotOptimize(result.pointsStored);
         state.PauseTiming();
-        if (result.status != reduce::ProcessResult::Status::Done &&
-            method != reduce::AdjustMethod::Compass)
+        if (result.status != reduce::ProcessResult::Status::Done) {
+            // The timer must stay paused after this: resuming it aborts.
             state.SkipWithError(result.error.c_str());
+            break;
+        }
         state.ResumeTiming();
     }
     state.SetItemsProcessed(state.iterations() * records);

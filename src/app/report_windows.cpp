@@ -111,8 +111,9 @@ ProcessResultsWindow::ProcessResultsWindow(const Report &report, QPrinter *print
     m_tabs->setUsesScrollButtons(true);
     const std::string plot = adjust::plotTabTitle();
     for (const auto &tab : report.tabs()) {
-        QWidget *view = tab.title == plot ? static_cast<QWidget *>(plotView(qstr(tab.text), m_tabs))
-                                          : reportView(qstr(tab.text), m_tabs);
+        const QString text = qstr(tab.content());
+        QWidget *view = tab.title == plot ? static_cast<QWidget *>(plotView(text, m_tabs))
+                                          : reportView(text, m_tabs);
         m_tabs->addTab(view, qstr(tab.title));
     }
     layout->addWidget(m_tabs);

@@ -106,7 +106,7 @@ void printReport(const Report &report, long pointsStored, const std::string &err
     if (json) {
         nlohmann::json tabs = nlohmann::json::array();
         for (const auto &t : report.tabs())
-            tabs.push_back({{"title", t.title}, {"text", t.text}});
+            tabs.push_back({{"title", t.title}, {"text", t.content()}});
         nlohmann::json doc = {{"title", report.title()},
                               {"tabs", tabs},
                               {"pointsStored", pointsStored},
@@ -120,7 +120,7 @@ void printReport(const Report &report, long pointsStored, const std::string &err
         Report shown(report.title());
         for (const auto &t : report.tabs())
             if (t.title != adjust::plotTabTitle())
-                shown.append(t.title, t.text);
+                shown.append(t.title, t.content());
         shown.write(ctx.out);
     }
 }
@@ -190,6 +190,7 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
     options.pointNotes = o.notes;
     options.angleBalance = o.angleBalance;
     options.reportUnadjusted = o.reportUnadjusted;
+    options.keepStoredPoints = o.json;
     options.startPoint = o.start;
     options.endPoint = o.end;
     options.workingFolder =

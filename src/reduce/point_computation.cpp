@@ -106,7 +106,9 @@ public:
         // Room for every record at once: a large job grows these a million times.
         const size_t records = input.file->nodes.size();
         m_r.points.reserve(records);
-        m_r.listing.reserve(records * 110);
+        if (!input.withListing)
+            return;
+        m_r.listing.reserve(input.listingOut ? kBlock + 4096 : records * 110);
         appendColumnHeads(m_r.listing);
     }
 
@@ -116,7 +118,8 @@ public:
                          ? PassResult::Status::Stopped
                          : PassResult::Status::ReturnToEditor;
         m_r.error = outcome.error;
-        flushSideshots(0);
+        flush(m_r.sideshots, m_in.sideshotOut, 0);
+        flush(m_r.listing, m_in.listingOut, 0);
         return std::move(m_r);
     }
 
@@ -143,6 +146,8 @@ public:
     }
 
     void setupOpened(const Setup &s) override {
+        if (!m_in.withListing)
+            return;
         const TraversePoint &p = s.station;
         appendFormat(m_r.listing, "\n%s: %s  N %.4f  E %.4f", tr("Occupy Point"),
                      s.occupied.c_str(), p.north, p.east);
@@ -154,9 +159,9 @@ public:
     }
 
     void backsightTaken(const Setup &s, long line) override {
-        if (s.orientedByPoint)
+        if (m_in.withListing && s.orientedByPoint)
             appendFormat(m_r.listing, "%s: %s\n", tr("Backsight Point"), s.backsight.c_str());
-        else if (s.backsight.empty())
+        else if (m_in.withListing && s.backsight.empty())
             appendFormat(m_r.listing, "%s: %s\n", tr("BackSight Azimuth"),
                          dmsText(s.orientation).c_str());
         if (s.backsights > 1)
@@ -205,7 +210,7 @@ public:
             appendPadded(ss, p.name, 9, false, true);
             ss += ' ';
             appendCoordinates(ss, p);
-            flushSideshots(kSideshotBlock);
+            flush(ss, m_in.sideshotOut, kBlock);
         }
         if (shot.balance && !shot.traverse)
             return; // an angle balance shot only measures the closing direction
@@ -215,15 +220,14 @@ public:
     }
 
 private:
-    static constexpr size_t kSideshotBlock = size_t{1} << 20;
+    static constexpr size_t kBlock = size_t{1} << 20;
 
-    // Hands the sideshot list to its stream once it holds `atLeast` bytes.
-    void flushSideshots(size_t atLeast) {
-        std::string &ss = m_r.sideshots;
-        if (!m_in.sideshotOut || ss.empty() || ss.size() < atLeast)
+    // Hands a text to its stream once it holds `atLeast` bytes.
+    static void flush(std::string &text, std::ostream *out, size_t atLeast) {
+        if (!out || text.empty() || text.size() < atLeast)
             return;
-        m_in.sideshotOut->write(ss.data(), static_cast<std::streamsize>(ss.size()));
-        ss.clear();
+        out->write(text.data(), static_cast<std::streamsize>(text.size()));
+        text.clear();
     }
 
     TraversePoint foresightOf(const Setup &s, const ReducedShot &shot) const {
@@ -257,6 +261,8 @@ private:
     // One listing line a shot: kind, point, azimuth, slope and horizontal
     // distance, height difference, coordinates, description.
     void list(const raw::Observation &o, const ReducedShot &shot, const TraversePoint &p) {
+        if (!m_in.withListing)
+            return;
         std::string &l = m_r.listing;
         l += "  ";
         appendPadded(l, o.type, 6);
@@ -272,6 +278,7 @@ private:
         appendFixed(l, shot.vertical, 3, 10);
         l += ' ';
         appendCoordinates(l, p);
+        flush(l, m_in.listingOut, kBlock);
     }
 
     void store(TraversePoint p, long line, bool control) {

@@ -62,6 +62,11 @@ struct PassInput {
     /// When set, the sideshot list is written here as it grows instead of
     /// being kept in PassResult::sideshots (a million shots make 60 MB).
     std::ostream *sideshotOut = nullptr;
+    /// The same for the listing (PassResult::listing), 120 MB for a million shots.
+    std::ostream *listingOut = nullptr;
+    /// Without it the pass makes no listing (a later pass whose listing
+    /// nobody shows).
+    bool withListing = true;
 };
 
 struct PassResult {

@@ -19,8 +19,9 @@ struct ClosureFigures {
 struct ProcessFigures {
     std::vector<ClosureFigures> closures; ///< in the report's order
     std::vector<AdjustedPoint> adjusted;  ///< traverse points of a linear adjustment
-    std::vector<TraversePoint> stored;    ///< the points of the final pass, as written
-    std::vector<std::string> warnings;    ///< the report's warnings, one a line
+    /// The points of the final pass, as written (with keepStoredPoints).
+    std::vector<TraversePoint> stored;
+    std::vector<std::string> warnings; ///< the report's warnings, one a line
 };
 
 } // namespace tramline::reduce

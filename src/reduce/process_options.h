@@ -55,6 +55,9 @@ struct ProcessOptions {
     /// The coordinate file the report names (the user's file, not the
     /// working copy processing writes to); empty: the written file's path.
     std::string coordinateFileName;
+    /// Fill ProcessFigures::stored, a copy of every stored point (the
+    /// command line's JSON wants them; a million points are 100 MB).
+    bool keepStoredPoints = false;
 };
 
 } // namespace tramline::reduce

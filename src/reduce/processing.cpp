@@ -159,6 +159,13 @@ private:
         return in;
     }
 
+    // The passes after the first: only the first one's listing is shown.
+    PassInput laterPassInput() {
+        PassInput in = passInput();
+        in.withListing = false;
+        return in;
+    }
+
     std::string closingName() const {
         return m_opt.closingPoint.name.empty() ? m_traverse.end : m_opt.closingPoint.name;
     }
@@ -173,14 +180,21 @@ private:
 
     bool runPass(PassInput in, PassResult &out) {
         // Left out of the report, the sideshots go straight to their file.
-        std::ofstream sideshots;
+        std::ofstream sideshots, listing;
         m_sideshotsStreamed = !m_opt.reportSideshots && m_files.stream("sideshot.tmp", sideshots);
         if (m_sideshotsStreamed)
             in.sideshotOut = &sideshots;
+        // The listing goes to rawedit.tmp as it grows; the report reads it there.
+        m_listingStreamed = in.withListing && m_files.stream("rawedit.tmp", listing);
+        if (m_listingStreamed)
+            in.listingOut = &listing;
         out = computePoints(in, m_ui);
         if (m_sideshotsStreamed && !sideshots.flush())
             m_ui.message(format(tr("Can't open output file %s"),
                                 (m_opt.workingFolder / "sideshot.tmp").string().c_str()));
+        if (m_listingStreamed && !listing.flush())
+            m_ui.message(format(tr("Can't open output file %s"),
+                                (m_opt.workingFolder / "rawedit.tmp").string().c_str()));
         if (out.status == PassResult::Status::Stopped)
             return fail(out.error);
         if (out.status == PassResult::Status::ReturnToEditor)
@@ -254,9 +268,14 @@ private:
         if (!runPass(passInput(), pass))
             return false;
         m_counts = countsOf(pass);
-        std::string listing = m_files.through("rawedit.tmp", std::move(pass.listing));
-        listing += passSummary(m_counts);
-        m_result.report.append(tr("Unadjusted Data"), std::move(listing));
+        if (m_listingStreamed) {
+            m_result.report.appendFile(tr("Unadjusted Data"), m_opt.workingFolder / "rawedit.tmp")
+                .text = passSummary(m_counts);
+        } else {
+            std::string listing = m_files.through("rawedit.tmp", std::move(pass.listing));
+            listing += passSummary(m_counts);
+            m_result.report.append(tr("Unadjusted Data"), std::move(listing));
+        }
         keepSideshots(std::move(pass.sideshots));
         m_multipleBacksights = m_files.through("multback.tmp", pass.multipleBacksights);
         m_depths = m_files.through("depth.tmp", pass.depths);
@@ -284,7 +303,7 @@ private:
             double correction = 0.0;
             if (!angleBalance(pass, correction))
                 return false;
-            PassInput in = passInput();
+            PassInput in = laterPassInput();
             in.traverseAngleCorrection = correction;
             if (!runPass(std::move(in), pass) || !closure(pass))
                 return false;
@@ -323,7 +342,7 @@ private:
         m_result.figures.adjusted = adj.points;
         std::string t = adjustmentHeading(tr(m_method.closureTitle));
         // The final pass keeps the balanced directions through the fixed points.
-        PassInput in = passInput();
+        PassInput in = laterPassInput();
         for (const auto &p : adj.points) {
             if (m_opt.reportAdjustments)
                 t += adjustedPointLine(p) + "\n";
@@ -384,7 +403,7 @@ private:
             return fail(run.status.message);
         if (!run.shiftWarning.empty())
             m_warnings.push_back(run.shiftWarning);
-        PassInput in = passInput();
+        PassInput in = laterPassInput();
         std::unordered_map<std::string, const TraversePoint *> latest;
         for (const auto &c : pass.points)
             latest[c.point.name] = &c.point;
@@ -421,8 +440,11 @@ private:
                                       "coordinates; nothing was stored."),
                                    t.name.c_str(), p.line));
         }
-        for (const ComputedPoint &p : m_final.points)
-            m_result.figures.stored.push_back(p.point);
+        if (m_opt.keepStoredPoints) {
+            m_result.figures.stored.reserve(m_final.points.size());
+            for (const ComputedPoint &p : m_final.points)
+                m_result.figures.stored.push_back(p.point);
+        }
         StoreResult r = storePoints(m_final, m_crd, m_adjusted, m_method.historyOperation);
         m_result.pointsStored = r.stored;
         m_result.storeFailures = r.warnings;
@@ -450,6 +472,7 @@ private:
     PassCounts m_counts;
     PassResult m_final;
     bool m_sideshotsStreamed = false; ///< the latest pass wrote sideshot.tmp itself
+    bool m_listingStreamed = false;   ///< the latest pass wrote rawedit.tmp itself
     std::set<std::string> m_adjusted; ///< traverse points moved by the adjustment
     TraverseClosure m_closure;        ///< of the latest pass along the traverse
 };

@@ -1,8 +1,10 @@
+#include "../support/test_support.h"
 #include "base/interaction.h"
 #include "base/report.h"
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <sstream>
 
 using namespace tramline;
@@ -20,6 +22,44 @@ TEST(Report, TabsInOrderAndAppend) {
     std::ostringstream written;
     r.write(written);
     EXPECT_EQ(written.str(), r.toText());
+}
+
+// A tab that begins with a file reads as if the file's text were its own:
+// the heading rule, the closing newline and the text after it.
+TEST(Report, TabFromFileReadsLikeText) {
+    test::ScratchFolder scratch;
+    const struct {
+        const char *name;
+        const char *fileText; ///< nullptr: no file at all
+        const char *after;
+        const char *content;
+    } cases[] = {
+        {"listing and summary", "a\nb\n", "sum\n", "a\nb\nsum\n"},
+        {"file alone, newline added", "a\nb", "", "a\nb"},
+        {"empty file", "", "sum", "sum"},
+        {"empty file and no text", "", "", ""},
+        {"missing file", nullptr, "sum\n", "sum\n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto path = scratch.path / "listing.tmp";
+        std::filesystem::remove(path);
+        if (c.fileText)
+            std::ofstream(path, std::ios::binary) << c.fileText;
+        Report fromFile("R"), inMemory("R");
+        fromFile.append("First", "x");
+        fromFile.appendFile("Listing", path).text = c.after;
+        fromFile.append("Last", "y\n");
+        inMemory.append("First", "x");
+        inMemory.append("Listing", std::string(c.content));
+        inMemory.append("Last", "y\n");
+        EXPECT_EQ(fromFile.tabs()[1].content(), c.content);
+        EXPECT_EQ(fromFile.tabs()[1].contentEmpty(), std::string(c.content).empty());
+        EXPECT_EQ(fromFile.toText(), inMemory.toText());
+        std::ostringstream written;
+        fromFile.write(written);
+        EXPECT_EQ(written.str(), inMemory.toText());
+    }
 }
 
 TEST(ScriptedInteraction, RepliesInOrder) {

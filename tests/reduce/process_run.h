@@ -44,14 +44,14 @@ struct ProcessRun {
     static std::string tab(const reduce::ProcessResult &r, const std::string &title) {
         for (const auto &t : r.report.tabs())
             if (t.title == title)
-                return t.text;
+                return t.content();
         return {};
     }
 
     /// True when any tab of the report holds `text`.
     static bool reports(const reduce::ProcessResult &r, const std::string &text) {
         for (const auto &t : r.report.tabs())
-            if (t.text.find(text) != std::string::npos)
+            if (t.content().find(text) != std::string::npos)
                 return true;
         return false;
     }

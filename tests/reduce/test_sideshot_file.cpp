@@ -1,5 +1,7 @@
 // sideshot.tmp holds the same list whether the report shows the sideshots
-// (the list kept in memory) or not (the list written as the pass runs).
+// (the list kept in memory) or not (the list written as the pass runs);
+// the listing in rawedit.tmp, written as the pass runs, reads in the report
+// as it does without a working folder (the listing kept in memory).
 #include "processing_fixture.h"
 
 #include <algorithm>
@@ -43,6 +45,25 @@ TEST_F(SideshotFile, SameTextWhetherReportedOrNot) {
         EXPECT_EQ(files[0], files[1]) << c.shots;
         EXPECT_NE(files[0].find("LAST\n"), std::string::npos) << c.shots;
         EXPECT_EQ(std::count(files[0].begin(), files[0].end(), '\n'), c.shots);
+    }
+}
+
+TEST_F(SideshotFile, ListingSameFromFileAsInMemory) {
+    for (const int shots : {3, 30000}) {
+        std::string listings[2];
+        for (const bool inFolder : {false, true}) {
+            SetUp();
+            options.workingFolder = inFolder ? run.scratch.path / "work" : fs::path();
+            const ProcessResult r = process(manyShots(shots));
+            ASSERT_EQ(r.status, ProcessResult::Status::Done) << r.error;
+            listings[inFolder] = tab(r, "Unadjusted Data");
+            if (!inFolder)
+                continue;
+            const std::string file = test::slurp(options.workingFolder / "rawedit.tmp");
+            EXPECT_TRUE(listings[inFolder].starts_with(file)) << shots;
+            EXPECT_NE(file.find("LAST\n"), std::string::npos) << shots;
+        }
+        EXPECT_EQ(listings[0], listings[1]) << shots;
     }
 }
 
