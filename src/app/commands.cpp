@@ -878,6 +878,7 @@ void CKELMADlg::processCommand(reduce::AdjustMethod method) {
     if (result.pointsStored > 0)
         m_coordinateModified = true;
     m_lastClosure = result.closure;
+    m_lastEllipses = result.ellipses;
     refreshCoordinateGrid();
     if (result.status == reduce::ProcessResult::Status::Failed && !result.error.empty())
         ui().message(result.error);

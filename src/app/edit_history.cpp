@@ -16,6 +16,12 @@ bool sameRows(const std::vector<raw::RawRow> &a, const std::vector<raw::RawRow> 
     });
 }
 
+bool sameNotes(const std::vector<crd::PointNote> &a, const std::vector<crd::PointNote> &b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto &x, const auto &y) {
+        return x.name == y.name && x.text == y.text;
+    });
+}
+
 class EditStep : public QUndoCommand {
 public:
     EditStep(const QString &text, EditHistory &history, EditPicture before, EditPicture after,
@@ -50,8 +56,12 @@ EditPicture EditHistory::picture() const {
     p.rows = m_document.rows();
     p.shownIn = m_document.modes();
     p.angleUnit = m_document.angleUnit();
-    if (m_points.isOpen())
+    if (m_points.isOpen()) {
         crd::readAllPoints(m_points, p.points);
+        crd::NotesFile notes;
+        if (notes.load(m_points.notesPath()))
+            p.notes = notes.notes();
+    }
     return p;
 }
 
@@ -64,7 +74,7 @@ bool EditHistory::record(const QString &text, const std::function<bool()> &edit)
     EditPicture after = picture();
     --m_depth;
     const bool rows = !sameRows(before.rows, after.rows);
-    const bool points = before.points != after.points;
+    const bool points = before.points != after.points || !sameNotes(before.notes, after.notes);
     if (rows || points)
         m_stack.push(new EditStep(text, *this, std::move(before), std::move(after), rows, points));
     return result;
@@ -91,6 +101,14 @@ void EditHistory::restore(const EditPicture &picture, bool rows, bool points) {
     for (const auto &p : picture.points)
         if (std::find(now.begin(), now.end(), p) == now.end())
             m_points.writePoint(p, crd::Verbosity::Quiet);
+    // Deleting a point takes its notes with it: the notes go back as they were.
+    crd::NotesFile notes;
+    if (notes.load(m_points.notesPath()) && !sameNotes(notes.notes(), picture.notes)) {
+        crd::NotesFile pictured;
+        for (const auto &note : picture.notes)
+            pictured.add(note.name, note.text);
+        pictured.save(m_points.notesPath());
+    }
     emit pointsRestored();
 }
 

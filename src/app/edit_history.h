@@ -6,6 +6,7 @@
 #pragma once
 
 #include "crd/crd_point.h"
+#include "crd/notes_file.h"
 #include "raw/document.h"
 
 #include <QUndoStack>
@@ -22,6 +23,7 @@ struct EditPicture {
     raw::DisplayModes shownIn;
     AngleUnit angleUnit = AngleUnit::DegreesMinutesSeconds;
     std::vector<crd::CrdPoint> points;
+    std::vector<crd::PointNote> notes; ///< of the points, so that a deleted point gets its back
 };
 
 class EditHistory : public QObject {

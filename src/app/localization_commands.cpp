@@ -165,6 +165,8 @@ void CKELMADlg::localizationCommand() {
         m_localizationWindow->close();
     m_localizationWindow = new LocalizationWindow(localization, report, this);
     m_localizationWindow->show();
+    keepResiduals(localization);
+    refreshPlot();
     for (const std::string &warning : localization.warnings)
         ui().message(warning);
 
@@ -200,6 +202,7 @@ void CKELMADlg::processGpsCommand() {
         status = projector.open(system, settings, separation);
     if (!status)
         return ui().message(status.message);
+    keepResiduals(localization);
     const reduce::GpsProcessResult result =
         reduce::processGps(file, m_rawDocument.fileName(), localization, projector, *m_workingFile);
     if (result.pointsStored > 0)

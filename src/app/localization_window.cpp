@@ -23,6 +23,17 @@ namespace tramline::app {
 
 namespace {
 
+// Numbers (the position, heights, coordinates, qualities) to the right so
+// that their decimal points line up; the use flags centred under their
+// headers; the description read from the left.
+Qt::Alignment alignmentOf(int column) {
+    if (column <= 6)
+        return Qt::AlignRight | Qt::AlignVCenter;
+    if (column <= 8)
+        return Qt::AlignCenter;
+    return Qt::AlignLeft | Qt::AlignVCenter;
+}
+
 QTableWidget *pointTable(const geodesy::Localization &loc, QWidget *parent) {
     const auto columns = geodesy::alignmentColumnNames();
     auto *table = new QTableWidget(static_cast<int>(loc.points.size()),
@@ -45,9 +56,11 @@ QTableWidget *pointTable(const geodesy::Localization &loc, QWidget *parent) {
                                      p.useHorizontal ? "Y" : "N",
                                      p.useVertical ? "Y" : "N",
                                      p.description};
-        for (int column = 0; column < static_cast<int>(columns.size()); ++column)
-            table->setItem(static_cast<int>(row), column,
-                           new QTableWidgetItem(qstr(texts[column])));
+        for (int column = 0; column < static_cast<int>(columns.size()); ++column) {
+            auto *item = new QTableWidgetItem(qstr(texts[column]));
+            item->setTextAlignment(alignmentOf(column));
+            table->setItem(static_cast<int>(row), column, item);
+        }
     }
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     return table;

@@ -199,6 +199,8 @@ private:
     void showPlot();
     void refreshPlot();
     PlotData plotDataNow() const;
+    /// Keeps a localization's residuals for the plot.
+    void keepResiduals(const geodesy::Localization &localization);
 
     std::unique_ptr<QtInteraction> m_ownUi;
     Interaction *m_ui = nullptr;
@@ -230,6 +232,9 @@ private:
     QPointer<LocalizationWindow> m_localizationWindow;
     QPointer<PlotWindow> m_plot;
     std::optional<reduce::ClosureVector> m_lastClosure; ///< of the last Process, for the plot
+    std::vector<reduce::PointEllipse> m_lastEllipses;   ///< of the last Process, for the plot
+    std::vector<PlotResidual> m_lastResiduals;          ///< of the last localization
+    double m_residualFactor = 1.0;
     EditHistory *m_history = nullptr;
     geodesy::LocalizationSettings m_localizationSettings;
 

@@ -6,6 +6,7 @@
 #include "app/qt_text.h"
 #include "app/shell_prompts.h"
 #include "base/format.h"
+#include "geodesy/localization_plot.h"
 
 #include <QItemSelectionModel>
 #include <QTableView>
@@ -18,7 +19,24 @@ PlotData CKELMADlg::plotDataNow() const {
         const auto &c = *m_lastClosure;
         plot.closure = PlotClosure{c.point, c.north, c.east, c.errorNorth, c.errorEast};
     }
+    for (const auto &e : m_lastEllipses)
+        plot.ellipses.push_back({e.point, e.north, e.east, e.semiMajor, e.semiMinor, e.azimuth});
+    plot.residuals = m_lastResiduals;
+    plot.residualFactor = m_residualFactor;
     return plot;
+}
+
+void CKELMADlg::keepResiduals(const geodesy::Localization &localization) {
+    m_lastResiduals.clear();
+    const auto &points = localization.points;
+    const auto &residuals = localization.residuals.points;
+    for (std::size_t i = 0; i < points.size() && i < residuals.size(); ++i) {
+        const auto &p = points[i];
+        m_lastResiduals.push_back({p.description, p.localY, p.localX,
+                                   residuals[i].computedY - p.localY,
+                                   residuals[i].computedX - p.localX});
+    }
+    m_residualFactor = geodesy::residualPlotFactor(localization);
 }
 
 void CKELMADlg::showPlot() {

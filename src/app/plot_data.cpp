@@ -66,6 +66,17 @@ double closureMagnification(double closureLength, double plotSize) {
     return std::max(1.0, roundDown125(plotSize / 10.0 / closureLength));
 }
 
+double ellipseMagnification(const std::vector<PlotEllipse> &ellipses, double plotSize) {
+    double largest = 0.0;
+    for (const auto &e : ellipses)
+        largest = std::max(largest, e.semiMajor);
+    if (!(largest > 0.0) || !(plotSize > 0.0))
+        return 1.0;
+    // Shrinking is allowed: an ellipse larger than the network is news too.
+    const double factor = roundDown125(plotSize / 20.0 / largest);
+    return factor > 0.0 ? factor : 1.0;
+}
+
 double scaleBarLength(double maximum) {
     return roundDown125(maximum);
 }

@@ -27,10 +27,29 @@ struct PlotClosure {
     double errorNorth = 0.0, errorEast = 0.0;
 };
 
+/// A point's 95 % error ellipse from the last least-squares run.
+struct PlotEllipse {
+    std::string at;
+    double north = 0.0, east = 0.0;
+    double semiMajor = 0.0, semiMinor = 0.0;
+    double azimuth = 0.0; ///< of the major axis, degrees clockwise from north
+};
+
+/// Where a localization puts an alignment point against its local
+/// coordinates (computed minus local).
+struct PlotResidual {
+    std::string at;
+    double north = 0.0, east = 0.0;
+    double errorNorth = 0.0, errorEast = 0.0;
+};
+
 struct PlotData {
     std::vector<crd::CrdPoint> points;
     std::vector<PlotLine> lines;
     std::optional<PlotClosure> closure;
+    std::vector<PlotEllipse> ellipses;
+    std::vector<PlotResidual> residuals;
+    double residualFactor = 1.0; ///< the localization's own, as its report draws them
     LinearUnit unit = LinearUnit::Metres;
 };
 
@@ -42,6 +61,11 @@ PlotData plotData(const raw::RawDocument &document, const std::vector<crd::CrdPo
 /// about a tenth of the plot's size: a 1, 2 or 5 times a power of ten, at
 /// least 1.
 double closureMagnification(double closureLength, double plotSize);
+
+/// The factor error ellipses are drawn magnified by: the largest 1, 2 or
+/// 5 times a power of ten that keeps the largest semi-major axis within a
+/// twentieth of `plotSize` (1 without a positive axis).
+double ellipseMagnification(const std::vector<PlotEllipse> &ellipses, double plotSize);
 
 /// A round length for a scale bar no longer than `maximum`: 1, 2 or 5
 /// times a power of ten.

@@ -110,7 +110,28 @@ void PlotView::drawForeground(QPainter *painter, const QRectF &rect) {
                           qstr(format("%g %s", length, lengthSymbol(m_unit))));
     }
     painter->restore();
+
+    // The legend: what is magnified and by how much.
+    painter->save();
+    painter->translate(rect.bottomRight());
+    painter->scale(perPixel, perPixel);
+    painter->setFont(font);
+    const QFontMetricsF metrics(font);
+    double y = -14;
+    for (auto line = m_legend.crbegin(); line != m_legend.crend(); ++line) {
+        const double width = metrics.horizontalAdvance(line->first) + 4;
+        painter->setPen(line->second);
+        painter->drawText(QRectF(-14 - width, y - 16, width, 16), Qt::AlignRight | Qt::AlignVCenter,
+                          line->first);
+        y -= 18;
+    }
     painter->restore();
+    painter->restore();
+}
+
+void PlotView::setLegend(const QList<QPair<QString, QColor>> &lines) {
+    m_legend = lines;
+    viewport()->update();
 }
 
 PlotWindow::PlotWindow(QPrinter *printer, QWidget *parent)
@@ -134,10 +155,15 @@ PlotWindow::PlotWindow(QPrinter *printer, QWidget *parent)
     layout->addLayout(buttons);
     connect(fitButton, &QPushButton::clicked, this, &PlotWindow::fit);
     // A fitted plan stays fitted as the window is sized, until the user zooms.
-    connect(m_view, &PlotView::zoomed, this, [this] { m_following = false; });
+    connect(m_view, &PlotView::zoomed, this, [this] {
+        m_following = false;
+        placeLabels();
+    });
     connect(m_view, &PlotView::resized, this, [this] {
         if (m_following)
             fit();
+        else
+            placeLabels();
     });
     connect(exportButton, &QPushButton::clicked, this, &PlotWindow::exportRequested);
     connect(printButton, &QPushButton::clicked, this, &PlotWindow::print);
@@ -178,15 +204,55 @@ void PlotWindow::setData(const PlotData &plot, bool fitView) {
         label->setPos(6, -18);
         label->setData(0, LabelItem);
     }
+    QRectF extent;
+    for (const auto &p : plot.points)
+        extent |= QRectF(at(p.northing, p.easting), QSizeF(1e-9, 1e-9));
+    const double plotSize = std::max(extent.width(), extent.height());
+    QList<QPair<QString, QColor>> legend;
+
+    const QColor ellipseColour(0, 130, 60);
+    m_ellipseFactor = ellipseMagnification(plot.ellipses, plotSize);
+    QPen ellipsePen(ellipseColour, 1.5);
+    ellipsePen.setCosmetic(true);
+    for (const auto &e : plot.ellipses) {
+        const double a = e.semiMajor * m_ellipseFactor, b = e.semiMinor * m_ellipseFactor;
+        auto *item = m_scene->addEllipse(QRectF(-a, -b, 2 * a, 2 * b), ellipsePen);
+        item->setPos(at(e.north, e.east));
+        // The rectangle's x axis is east; the azimuth turns clockwise from
+        // north, and so does a rotation on the north-up screen.
+        item->setRotation(e.azimuth - 90.0);
+        item->setZValue(2);
+        item->setData(0, EllipseItem);
+        item->setData(1, qstr(e.at));
+    }
+    if (!plot.ellipses.empty())
+        legend.append({qstr(format(tramline::tr("Error ellipses (95%%) x %g"), m_ellipseFactor)),
+                       ellipseColour});
+
+    const QColor residualColour(170, 0, 170);
+    m_residualFactor = plot.residuals.empty() ? 1.0 : plot.residualFactor;
+    QPen residualPen(residualColour, 2);
+    residualPen.setCosmetic(true);
+    for (const auto &r : plot.residuals) {
+        auto *item = m_scene->addLine(
+            QLineF(at(r.north, r.east), at(r.north + m_residualFactor * r.errorNorth,
+                                           r.east + m_residualFactor * r.errorEast)),
+            residualPen);
+        item->setZValue(2);
+        item->setData(0, ResidualItem);
+        item->setData(1, qstr(r.at));
+    }
+    if (!plot.residuals.empty())
+        legend.append({qstr(format(tramline::tr("Localization residuals x %g"), m_residualFactor)),
+                       residualColour});
+
     m_closureFactor = 1.0;
+    m_closureLabel = nullptr;
     if (plot.closure && !plot.points.empty()) {
-        QRectF extent;
-        for (const auto &p : plot.points)
-            extent |= QRectF(at(p.northing, p.easting), QSizeF(1e-9, 1e-9));
         const auto &c = *plot.closure;
-        m_closureFactor = closureMagnification(std::hypot(c.errorNorth, c.errorEast),
-                                               std::max(extent.width(), extent.height()));
-        QPen pen(QColor(200, 0, 0), 2);
+        m_closureFactor = closureMagnification(std::hypot(c.errorNorth, c.errorEast), plotSize);
+        const QColor closureColour(200, 0, 0);
+        QPen pen(closureColour, 2);
         pen.setCosmetic(true);
         const QPointF from = at(c.north, c.east);
         const QPointF to =
@@ -195,13 +261,19 @@ void PlotWindow::setData(const PlotData &plot, bool fitView) {
         vector->setZValue(2);
         vector->setData(0, ClosureItem);
         vector->setData(1, qstr(c.at));
-        auto *label =
-            m_scene->addSimpleText(qstr(format(tramline::tr("Closure x %g"), m_closureFactor)));
-        label->setBrush(QColor(200, 0, 0));
+        const QString text = qstr(format(tramline::tr("Closure x %g"), m_closureFactor));
+        auto *label = m_scene->addSimpleText(text);
+        label->setBrush(closureColour);
         label->setFlag(QGraphicsItem::ItemIgnoresTransformations);
         label->setPos(to);
+        label->setZValue(4);
         label->setData(0, LabelItem);
+        label->setData(1, qstr(c.at));
+        m_closureLabel = label;
+        m_closureFrom = from;
+        legend.append({text, closureColour});
     }
+    m_view->setLegend(legend);
     if (fitView)
         fit();
 }
@@ -217,6 +289,68 @@ void PlotWindow::fit() {
     m_view->fitInView(bounds, Qt::KeepAspectRatio);
     m_view->viewport()->update();
     m_following = true;
+    placeLabels();
+}
+
+QRectF PlotWindow::shownRect(const QGraphicsItem *item) const {
+    return item->deviceTransform(m_view->viewportTransform()).mapRect(item->boundingRect());
+}
+
+// The closure ends near a point more often than not (a loop closes on its
+// start), so its label tries the places around the vector's tip, beyond it
+// first, and takes the first that covers no point and no name; when all
+// are taken, the one that covers least.
+void PlotWindow::placeLabels() {
+    if (!m_closureLabel)
+        return;
+    std::vector<QRectF> taken;
+    for (QGraphicsItem *item : m_scene->items())
+        if (item != m_closureLabel &&
+            (item->data(0).toInt() == PointItem || item->data(0).toInt() == LabelItem))
+            taken.push_back(shownRect(item).adjusted(-2, -2, 2, 2));
+    const QTransform toView = m_view->viewportTransform();
+    const QPointF tip = toView.map(m_closureLabel->pos());
+    QPointF along = tip - toView.map(m_closureFrom);
+    const double length = std::hypot(along.x(), along.y());
+    along = length > 0.5 ? along / length : QPointF(1, 0);
+    const QPointF across(-along.y(), along.x());
+    const QSizeF size = m_closureLabel->boundingRect().size();
+    // From a centre to the label's edge in a direction, plus a gap.
+    auto reach = [&](QPointF d) {
+        return size.width() / 2 * std::abs(d.x()) + size.height() / 2 * std::abs(d.y()) + 4;
+    };
+    const QPointF directions[] = {along,
+                                  across,
+                                  -across,
+                                  (along + across) / std::sqrt(2.0),
+                                  (along - across) / std::sqrt(2.0),
+                                  -along};
+    QPointF best;
+    double bestCover = -1;
+    for (int ring = 1; ring <= 3 && bestCover != 0.0; ++ring)
+        for (const QPointF &d : directions) {
+            const QPointF centre = tip + d * (reach(d) + (ring - 1) * size.height());
+            const QRectF rect(centre - QPointF(size.width() / 2, size.height() / 2), size);
+            double cover = 0.0;
+            for (const QRectF &t : taken) {
+                const QRectF overlap = rect.intersected(t);
+                cover += overlap.width() * overlap.height();
+            }
+            if (bestCover < 0 || cover < bestCover) {
+                bestCover = cover;
+                best = rect.topLeft() - tip;
+            }
+            if (cover == 0.0)
+                break;
+        }
+    m_closureLabel->setTransform(QTransform::fromTranslate(best.x(), best.y()));
+}
+
+QStringList PlotWindow::legend() const {
+    QStringList lines;
+    for (const auto &line : m_view->legend())
+        lines << line.first;
+    return lines;
 }
 
 void PlotWindow::selectPoint(const QString &name) {

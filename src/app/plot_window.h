@@ -9,6 +9,9 @@
 #include "app/plot_data.h"
 
 #include <QGraphicsView>
+#include <QList>
+#include <QPair>
+#include <QStringList>
 #include <QWidget>
 
 class QGraphicsScene;
@@ -23,6 +26,9 @@ class PlotView : public QGraphicsView {
 public:
     explicit PlotView(QGraphicsScene *scene, QWidget *parent = nullptr);
     void setUnit(LinearUnit unit) { m_unit = unit; }
+    /// Lines drawn in the bottom right corner, each in its colour.
+    void setLegend(const QList<QPair<QString, QColor>> &lines);
+    const QList<QPair<QString, QColor>> &legend() const { return m_legend; }
     /// Zooms by `factor` about the view's centre (the wheel's step is 1.25).
     void zoom(double factor);
     /// Scene units per pixel at the current zoom.
@@ -40,6 +46,7 @@ protected:
 
 private:
     LinearUnit m_unit = LinearUnit::Metres;
+    QList<QPair<QString, QColor>> m_legend;
 };
 
 class PlotWindow : public QWidget {
@@ -47,7 +54,15 @@ class PlotWindow : public QWidget {
 public:
     /// The kinds of item the scene holds (item data 0), item data 1 the
     /// point's name or the line's "from-to".
-    enum ItemKind { PointItem = 1, LegItem, RayItem, ClosureItem, LabelItem };
+    enum ItemKind {
+        PointItem = 1,
+        LegItem,
+        RayItem,
+        ClosureItem,
+        LabelItem,
+        EllipseItem,  ///< a 95 % error ellipse, magnified
+        ResidualItem, ///< a localization residual, magnified
+    };
 
     PlotWindow(QPrinter *printer, QWidget *parent = nullptr);
 
@@ -61,6 +76,15 @@ public:
     QString selectedPoint() const;
     /// The factor the closure vector is drawn with (1 without one).
     double closureFactor() const { return m_closureFactor; }
+    /// The factors of the error ellipses and residual vectors (1 without).
+    double ellipseFactor() const { return m_ellipseFactor; }
+    double residualFactor() const { return m_residualFactor; }
+    /// The legend's lines, as drawn in the corner of the view.
+    QStringList legend() const;
+    /// The closure's label, nullptr without a closure.
+    QGraphicsItem *closureLabel() const { return m_closureLabel; }
+    /// Where an item that keeps its size on screen shows, in view pixels.
+    QRectF shownRect(const QGraphicsItem *item) const;
 
     /// Writes the view to a file whose extension chooses the format
     /// (png, pdf, svg). False when it could not be written.
@@ -80,11 +104,17 @@ signals:
 
 private:
     void renderTo(QPainter &painter, const QRectF &target);
+    /// Moves the closure's label to where it covers no point or name.
+    void placeLabels();
 
     QGraphicsScene *m_scene;
     PlotView *m_view;
     QPrinter *m_printer;
     double m_closureFactor = 1.0;
+    double m_ellipseFactor = 1.0;
+    double m_residualFactor = 1.0;
+    QGraphicsItem *m_closureLabel = nullptr;
+    QPointF m_closureFrom; ///< where the closure vector starts, scene
     bool m_selecting = false;
     bool m_following = true; ///< fitted and not zoomed since: refit on resizing
 };

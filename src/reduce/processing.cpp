@@ -403,6 +403,13 @@ private:
             return fail(run.status.message);
         if (!run.shiftWarning.empty())
             m_warnings.push_back(run.shiftWarning);
+        for (const adjust::PointStatistics &p : run.statistics.points) {
+            const auto i = static_cast<std::size_t>(p.point);
+            m_result.ellipses.push_back(
+                {run.network.points[i].name, run.solution.north[i], run.solution.east[i],
+                 p.standard.semiMajor * adjust::kConfidence95Factor,
+                 p.standard.semiMinor * adjust::kConfidence95Factor, p.standard.azimuth});
+        }
         PassInput in = laterPassInput();
         std::unordered_map<std::string, const TraversePoint *> latest;
         for (const auto &c : pass.points)

@@ -26,6 +26,15 @@ struct ClosureVector {
     double errorNorth = 0.0, errorEast = 0.0;
 };
 
+/// The 95 % error ellipse of a point a least-squares run adjusted, for the
+/// plan view.
+struct PointEllipse {
+    std::string point;
+    double north = 0.0, east = 0.0;          ///< adjusted
+    double semiMajor = 0.0, semiMinor = 0.0; ///< length unit
+    double azimuth = 0.0;                    ///< of the major axis, degrees from north
+};
+
 struct ProcessResult {
     enum class Status {
         Done,           ///< points written, report complete
@@ -43,6 +52,8 @@ struct ProcessResult {
     /// The closure the run ended with (after an angle balance, the
     /// balanced one); none without a closing point.
     std::optional<ClosureVector> closure;
+    /// After Least-Squares, one per adjusted point; empty otherwise.
+    std::vector<PointEllipse> ellipses;
 };
 
 /// Runs the processing of `file` (which the store point checks may change)

@@ -6,6 +6,7 @@
 #include "app/raw_grid_model.h"
 #include "app_test_support.h"
 #include "crd/coordinate_file.h"
+#include "crd/notes_file.h"
 
 #include <QAction>
 #include <QApplication>
@@ -43,12 +44,24 @@ protected:
         }
         auto d = start("\"" + example().string() + "\"");
         EXPECT_TRUE(d->openCoordinateFile(crd.string()));
+        EXPECT_TRUE(d->workingFile().addNote("2", "SET IN CONCRETE"));
+        EXPECT_TRUE(d->workingFile().addNote("3", "DISTURBED"));
         return d;
     }
     // In name order: a point written back may take another place in the file.
     static std::vector<crd::CrdPoint> sorted(std::vector<crd::CrdPoint> all) {
         std::sort(all.begin(), all.end(),
                   [](const auto &a, const auto &b) { return a.name < b.name; });
+        return all;
+    }
+    // Every note of the working file as "name: text", in name order.
+    static std::vector<std::string> notes(CKELMADlg &d) {
+        crd::NotesFile file;
+        EXPECT_TRUE(file.load(d.workingFile().notesPath()));
+        std::vector<std::string> all;
+        for (const auto &note : file.notes())
+            all.push_back(note.name + ": " + note.text);
+        std::sort(all.begin(), all.end());
         return all;
     }
     static std::vector<crd::CrdPoint> points(CKELMADlg &d) {
@@ -201,10 +214,12 @@ TEST_F(GridEditingTest, EveryEditUndoesAndRedoes) {
         showActive(*d);
         const std::string rawBefore = d->rawDocument().text();
         const auto pointsBefore = points(*d);
+        const auto notesBefore = notes(*d);
         EXPECT_FALSE(d->actions(cmd::Undo).front()->isEnabled()) << c.name;
         c.edit(*d, shell);
         const std::string rawAfter = d->rawDocument().text();
         const auto pointsAfter = points(*d);
+        const auto notesAfter = notes(*d);
         ASSERT_TRUE(rawAfter != rawBefore || pointsAfter != pointsBefore) << c.name;
         EXPECT_TRUE(d->actions(cmd::Undo).front()->isEnabled()) << c.name;
         EXPECT_EQ(d->history().stack().count(), 1) << c.name;
@@ -212,6 +227,8 @@ TEST_F(GridEditingTest, EveryEditUndoesAndRedoes) {
         d->dispatch(cmd::Undo);
         EXPECT_EQ(d->rawDocument().text(), rawBefore) << c.name;
         EXPECT_EQ(points(*d), pointsBefore) << c.name;
+        // A deleted or renamed point gets its notes back.
+        EXPECT_EQ(notes(*d), notesBefore) << c.name;
         EXPECT_EQ(d->rawModel()->rowCount(), static_cast<int>(d->rawDocument().rowCount()));
         EXPECT_EQ(sorted(d->coordinateModel()->points()), pointsBefore) << c.name;
         EXPECT_TRUE(d->actions(cmd::Redo).front()->isEnabled()) << c.name;
@@ -219,6 +236,7 @@ TEST_F(GridEditingTest, EveryEditUndoesAndRedoes) {
         d->dispatch(cmd::Redo);
         EXPECT_EQ(d->rawDocument().text(), rawAfter) << c.name;
         EXPECT_EQ(points(*d), pointsAfter) << c.name;
+        EXPECT_EQ(notes(*d), notesAfter) << c.name;
         shell.reply("&No");
         shell.reply("&No");
         d->exitProgram();

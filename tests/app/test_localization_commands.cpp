@@ -70,6 +70,14 @@ TEST_F(LocalizationShellTest, DefineLocalizationThenProcessGps) {
     EXPECT_EQ(list.horizontalHeaderItem(0)->text(), "Localization Points");
     EXPECT_EQ(list.horizontalHeaderItem(7)->text(), "Use_Horizontal");
     EXPECT_EQ(list.rowCount(), 4);
+    // Numbers line up on their decimal points, flags centre, words read from the left.
+    for (int column = 0; column < list.columnCount(); ++column) {
+        const Qt::Alignment expected = column <= 6   ? Qt::AlignRight | Qt::AlignVCenter
+                                       : column <= 8 ? Qt::Alignment(Qt::AlignCenter)
+                                                     : Qt::AlignLeft | Qt::AlignVCenter;
+        EXPECT_EQ(Qt::Alignment(list.item(0, column)->textAlignment()), expected)
+            << list.horizontalHeaderItem(column)->text().toStdString();
+    }
     const QString report = d->localizationWindow()->reportText();
     EXPECT_TRUE(report.contains("Over Determination by Plane Similarity"));
     EXPECT_FALSE(report.contains("Local_X = a0")) << "formulas were switched off";
@@ -78,6 +86,12 @@ TEST_F(LocalizationShellTest, DefineLocalizationThenProcessGps) {
               std::string::npos);
     ASSERT_TRUE(std::filesystem::exists(kept));
     ASSERT_TRUE(std::filesystem::exists(dir / "site.ini"));
+    // The plan shows each alignment point's residual, magnified as stated.
+    d->dispatch(cmd::Plot);
+    ASSERT_NE(d->plotWindow(), nullptr);
+    EXPECT_EQ(d->plotWindow()->count(PlotWindow::ResidualItem), 4);
+    EXPECT_TRUE(d->plotWindow()->legend().contains(
+        QString("Localization residuals x %1").arg(d->plotWindow()->residualFactor())));
 
     shell.files = {kept.string()};
     d->dispatch(cmd::ProcessGps);
