@@ -5,7 +5,9 @@
 #include "reduce/adjust_methods.h"
 #include "reduce/direct_reverse.h"
 
+#include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -55,6 +57,9 @@ struct ProcessOptions {
     /// The coordinate file the report names (the user's file, not the
     /// working copy processing writes to); empty: the written file's path.
     std::string coordinateFileName;
+    /// Told how many records of how many the walk has passed; empty: the
+    /// walk costs one test per record and nothing more.
+    std::function<void(std::size_t done, std::size_t total)> progress;
 };
 
 } // namespace tramline::reduce
