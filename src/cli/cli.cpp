@@ -17,6 +17,9 @@ int run(const std::vector<std::string> &args, std::ostream &out, std::ostream &e
     app.require_subcommand(1);
     app.set_version_flag("--version", "tramline-cli 0.1.0");
     CommandContext context{out, err};
+    // Global options may follow the sub-command ("process job.rw5 --quiet").
+    app.fallthrough();
+    app.add_flag("--quiet", context.quiet, "No progress line on standard error");
     addRawCommands(app, context);
     addProcessCommands(app, context);
     addCrdCommands(app, context);

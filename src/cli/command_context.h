@@ -13,6 +13,8 @@ struct CommandContext {
     std::ostream &out;
     std::ostream &err;
     int exitCode = kSuccess;
+    /// --quiet: no progress line even on a terminal.
+    bool quiet = false;
 };
 
 void addRawCommands(CLI::App &app, CommandContext &context);

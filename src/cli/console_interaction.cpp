@@ -1,5 +1,6 @@
 #include "cli/console_interaction.h"
 
+#include "base/format.h"
 #include "base/text.h"
 
 #include <algorithm>
@@ -49,6 +50,15 @@ bool ConsoleInteraction::fillForm(const std::string &title, std::vector<FormFiel
         return true;
     needAnswer(title);
     return false;
+}
+
+void ConsoleInteraction::progress(long position, long length, const std::string &caption) {
+    if (!progressLine)
+        return;
+    if (length > 1)
+        progressLine->show(format("%s %ld/%ld", caption.c_str(), position, length));
+    else
+        progressLine->show(caption);
 }
 
 } // namespace tramline::cli

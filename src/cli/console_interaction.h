@@ -6,6 +6,7 @@
 #pragma once
 
 #include "base/interaction.h"
+#include "cli/progress.h"
 
 #include <map>
 #include <ostream>
@@ -21,7 +22,8 @@ public:
                const std::vector<std::string> &buttons) override;
     bool fillForm(const std::string &title, std::vector<FormField> &fields) override;
     void message(const std::string &text) override { m_err << text << '\n'; }
-    void progress(long, long, const std::string &) override {}
+    /// Shows the step on the progress line, when there is one.
+    void progress(long position, long length, const std::string &caption) override;
 
     /// Every question is answered with this button when it is offered.
     std::string defaultAnswer;
@@ -34,6 +36,8 @@ public:
     std::map<std::string, std::string> hints;
     /// Set when a question went unanswered.
     bool unanswered = false;
+    /// Where the core's progress goes (not owned); null: nowhere.
+    Progress *progressLine = nullptr;
 
 private:
     void needAnswer(const std::string &title);

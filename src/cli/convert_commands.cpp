@@ -9,6 +9,7 @@
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
 #include "cli/ipc_progress.h"
+#include "cli/progress.h"
 #include "convert/export_flow.h"
 #include "convert/geodimeter_options.h"
 #include "convert/import_flow.h"
@@ -100,6 +101,8 @@ void addImport(CLI::App &app, CommandContext &ctx) {
         ui.answers[tr("Leica Options")] = toUpper(o->order) + "|" + coding;
         ui.answers[tr("Leica 10-20-30-40 Format")] =
             std::string("10-20-30-40|") + tr("Angle Right");
+        Progress progress(ctx.err, !ctx.quiet);
+        ui.progressLine = &progress;
         convert::GeodimeterOptionsAnswered answered(ui, {o->stripDecimal, o->infoCodes});
         convert::ImportSummary summary;
         const Status status =
@@ -189,6 +192,8 @@ bool openCoordinateFile(crd::CoordinateFile &file, const std::string &path, bool
 void importPoints(const convert::FormatEntry &entry, const PointOptions &options,
                   CommandContext &ctx) {
     ConsoleInteraction ui(ctx.err);
+    Progress progress(ctx.err, !ctx.quiet);
+    ui.progressLine = &progress;
     crd::CoordinateFile file(crd::CrdContext{&ui, {}, {}});
     if (!openCoordinateFile(file, options.crd, true, ctx))
         return;
@@ -252,6 +257,8 @@ void addPoints(CLI::App &app, CommandContext &ctx) {
             return;
         }
         ConsoleInteraction ui(ctx.err);
+        Progress progress(ctx.err, !ctx.quiet);
+        ui.progressLine = &progress;
         crd::CoordinateFile file(crd::CrdContext{&ui, {}, {}});
         if (!openCoordinateFile(file, i->crd, true, ctx))
             return;

@@ -8,6 +8,7 @@
 #include "base/unset.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
+#include "cli/progress.h"
 #include "crd/coordinate_file.h"
 #include "crd/coordinate_report.h"
 #include "crd/history_file.h"
@@ -169,7 +170,10 @@ bool parsePointLine(std::string_view line, CrdPoint &point) {
 // the file instead of one per point.
 void putFrom(Store &store, const std::string &source) {
     std::vector<CrdPoint> points;
+    Progress progress(store.ctx.err, !store.ctx.quiet);
     bool ok = forEachLine(source, store.ctx, [&](std::string_view line, long number) {
+        if (number % 4096 == 0)
+            progress.update(static_cast<std::size_t>(number));
         if (trim(line).empty())
             return true;
         CrdPoint p;
@@ -193,6 +197,7 @@ void putFrom(Store &store, const std::string &source) {
                 before[i] = CrdPoint{};
     }
     std::vector<int> errors;
+    progress.show(tr("Storing points"));
     const long stored = store.file.writePoints(points, crd::Verbosity::Messages, &errors);
     if (store.file.historyKeeping()) {
         // The file went from each name's old values straight to its last

@@ -5,6 +5,7 @@
 #include "base/unset.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
+#include "cli/progress.h"
 #include "cli/system_definition.h"
 #include "crd/coordinate_file.h"
 #include "geodesy/crs_transform.h"
@@ -50,17 +51,12 @@ void addCrdTransformCommand(CLI::App &crdApp, CommandContext &ctx) {
         std::error_code ec;
         if (std::filesystem::equivalent(o->input, o->output, ec))
             return fail(ctx, tr(kSameFile));
-        std::string from, to;
-        Status status = systemDefinition(o->from, from);
-        if (status)
-            status = systemDefinition(o->to, to);
         geodesy::CrsTransform transform;
-        if (status)
-            status = transform.open(from, to);
-        if (!status)
+        if (Status status = openTransform(o->from, o->to, transform); !status)
             return fail(ctx, status.message);
 
         ConsoleInteraction ui(ctx.err);
+        Progress progress(ctx.err, !ctx.quiet);
         crd::CrdContext context;
         context.messages = &ui;
         crd::CoordinateFile source(context);
@@ -68,8 +64,11 @@ void addCrdTransformCommand(CLI::App &crdApp, CommandContext &ctx) {
             return fail(ctx, crd::CoordinateFile::errorText(source.lastError()));
         std::vector<crd::CrdPoint> points;
         crd::CrdPoint p;
-        for (source.setCurrentIndex(-1); source.readNext(p);)
+        for (source.setCurrentIndex(-1); source.readNext(p);) {
             points.push_back(p);
+            if (points.size() % 4096 == 0)
+                progress.update(points.size());
+        }
         if (source.lastError() != crd::kPointNotFound)
             return fail(ctx, crd::CoordinateFile::errorText(source.lastError()));
         source.close();
@@ -80,6 +79,7 @@ void addCrdTransformCommand(CLI::App &crdApp, CommandContext &ctx) {
             y[i] = points[i].northing;
             z[i] = isUnset(points[i].elevation) ? 0.0 : points[i].elevation;
         }
+        progress.show(tr("Converting"));
         transform.transform(x.data(), y.data(), z.data(), points.size());
         std::vector<crd::CrdPoint> converted;
         converted.reserve(points.size());
@@ -95,11 +95,16 @@ void addCrdTransformCommand(CLI::App &crdApp, CommandContext &ctx) {
                 point.elevation = z[i];
             converted.push_back(std::move(point));
         }
+        // A point without a height keeps none: the marker is copied, not
+        // converted, and the store must not turn it into 0.
+        context.keepUnsetElevation = true;
         crd::CoordinateFile target(context);
         if (!target.open(o->output))
             return fail(ctx, crd::CoordinateFile::errorText(target.lastError()));
+        progress.show(tr("Storing points"));
         const long stored = target.writePoints(converted, crd::Verbosity::Messages);
         target.close();
+        progress.clear();
         ctx.out << format(tr(kTransformed), stored) << '\n';
         if (stored != static_cast<long>(converted.size()))
             ctx.exitCode = kFailure;

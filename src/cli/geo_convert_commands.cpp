@@ -1,16 +1,19 @@
 // tramline-cli geo convert: many points from one system to another, read
 // from a file or standard input, in the manner of PROJ's cs2cs.
 #include "base/csv_writer.h"
+#include "base/folders.h"
 #include "base/format.h"
 #include "base/text.h"
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/coordinate_line.h"
+#include "cli/geoid_names.h"
 #include "cli/progress.h"
 #include "cli/stream_files.h"
 #include "cli/system_definition.h"
 #include "geodesy/coordinate_system_family.h"
 #include "geodesy/crs_transform.h"
+#include "geodesy/geoid_models.h"
 #include "geodesy/zones.h"
 
 #include <nlohmann/json.hpp>
@@ -34,6 +37,9 @@ constexpr const char *kNotConverted = trNoop("Error: line %zu: the point cannot 
 constexpr const char *kOutsideArea = trNoop("Warning: line %zu: outside the area of use of %s");
 constexpr const char *kSouthernPoint =
     trNoop("Warning: line %zu: south of the equator in a northern zone (use the southern zone)");
+constexpr const char *kNoSeparation = trNoop("Error: line %zu: %s");
+constexpr const char *kGeoidNeedsLatLon =
+    trNoop("Error: --geoid needs latitude and longitude on one side of the conversion");
 constexpr const char *kMoreWarnings = trNoop("Warning: %zu more points outside the area of use");
 
 constexpr std::size_t kBatch = 4096;
@@ -54,8 +60,9 @@ double unitFactor(const std::string &name, const char *option) {
 
 } // namespace
 
-Status systemDefinition(const std::string &text, std::string &definition) {
+Status systemDefinition(const std::string &text, std::string &definition, std::string &area) {
     const std::string trimmed(trim(text));
+    area.clear();
     if (const auto colon = trimmed.find(':'); colon != std::string::npos) {
         if (const auto family = familyFromName(trim(std::string_view(trimmed).substr(0, colon)))) {
             const std::string zone =
@@ -63,6 +70,8 @@ Status systemDefinition(const std::string &text, std::string &definition) {
             CoordinateSystem system;
             if (Status status = zoneSystem(*family, zone, ZoneOptions{}, system); !status)
                 return status;
+            if (system.epsgCode != 0)
+                area = "EPSG:" + std::to_string(system.epsgCode);
             return crsDefinition(system, false, definition);
         }
     }
@@ -70,11 +79,21 @@ Status systemDefinition(const std::string &text, std::string &definition) {
     return Status::success();
 }
 
+Status openTransform(const std::string &from, const std::string &to, CrsTransform &transform) {
+    std::string source, target, sourceArea, targetArea;
+    Status status = systemDefinition(from, source, sourceArea);
+    if (status)
+        status = systemDefinition(to, target, targetArea);
+    if (status)
+        status = transform.open(source, target, sourceArea, targetArea);
+    return status;
+}
+
 namespace {
 
 struct ConvertOptions {
-    std::string from, to, input = "-", output = "-", units, fromUnits;
-    bool json = false, csv = false, factors = false, quiet = false;
+    std::string from, to, input = "-", output = "-", units, fromUnits, geoid, geoidData;
+    bool json = false, csv = false, factors = false;
 };
 
 // Appends a number with a fixed count of decimals, without the locale.
@@ -133,6 +152,13 @@ public:
                          .dump()
                   << ",\"points\":[";
         }
+    }
+
+    /// Heights on the latitude and longitude side are ellipsoidal, on the
+    /// grid side above the geoid of model `code`.
+    void useGeoid(GeoidModels *models, int code) {
+        m_geoid = models;
+        m_geoidModel = code;
     }
 
     /// Takes one input line; converts when a batch is full.
@@ -218,6 +244,39 @@ private:
                  true);
     }
 
+    // orthometric = ellipsoidal - N, at the point's latitude and longitude.
+    bool applyGeoid(std::size_t i, std::string &text) {
+        const bool fromGeographic = m_transform.sourceUnit().geographic;
+        const double latitude = fromGeographic ? m_inY[i] : y[i];
+        const double longitude = fromGeographic ? m_inX[i] : x[i];
+        double separation = 0;
+        Status status;
+        if (m_geoidFailure.empty())
+            status = m_geoid->separation(m_geoidModel, latitude, longitude, separation);
+        if (m_geoidFailure.empty() && status) {
+            z[i] += fromGeographic ? -separation : separation;
+            return true;
+        }
+        if (m_geoidFailure.empty() && status.code != StatusCode::OutOfRange) {
+            // A grid that cannot be had fails every point alike: say how to
+            // get it once, not a download attempt a line.
+            reportGeoidFailure(m_ctx, status, m_geoidModel, m_geoid->folders());
+            m_geoidFailure = status.message;
+        }
+        const std::string message =
+            format(tr(kNoSeparation), m_numbers[i],
+                   (m_geoidFailure.empty() ? status.message : m_geoidFailure).c_str());
+        m_ctx.err << message << '\n';
+        m_failures.push_back(message);
+        if (!m_o.json && !m_o.csv) {
+            text += "*\t*";
+            if (!m_points[i].rest.empty())
+                (text += '\t') += m_points[i].rest;
+            text += '\n';
+        }
+        return false;
+    }
+
     void write(std::size_t i, std::string &text) {
         const CoordinateLine &p = m_points[i];
         if (x[i] == HUGE_VAL) {
@@ -233,6 +292,8 @@ private:
             return;
         }
         checkArea(i);
+        if (m_geoid && p.hasThird && !applyGeoid(i, text))
+            return;
         const double first = y[i] * m_outScale, second = x[i] * m_outScale;
         double scale = 0, convergence = 0;
         const bool factors =
@@ -302,6 +363,9 @@ private:
     std::vector<double> m_inX, m_inY;
     std::size_t m_count = 0, m_lineNumber = 0, m_outside = 0, m_written = 0;
     std::vector<std::string> m_warnings, m_failures;
+    GeoidModels *m_geoid = nullptr;
+    int m_geoidModel = 0;
+    std::string m_geoidFailure;
 };
 
 } // namespace
@@ -324,30 +388,44 @@ void addGeoConvertCommands(CLI::App &geo, CommandContext &ctx) {
     cmd->add_option("--units", o->units,
                     "Unit of the output grid coordinates: m, ft or us-ft (default: the "
                     "target system's own)");
-    cmd->add_flag("--quiet", o->quiet, "No progress line on a terminal");
     cmd->add_option("--from-units", o->fromUnits,
                     "Unit of the input grid coordinates: m, ft or us-ft (default: the source "
                     "system's own)");
+    cmd->add_option("--geoid", o->geoid,
+                    "Geoid model (code or name, see geoid list): heights on the latitude and "
+                    "longitude side are ellipsoidal, on the grid side above the geoid");
+    cmd->add_option("--geoid-data", o->geoidData,
+                    "The folder holding the geoid grids (default: the settings folder)");
     cmd->callback([&ctx, o] {
-        std::string from, to;
-        Status status = systemDefinition(o->from, from);
-        if (status)
-            status = systemDefinition(o->to, to);
         CrsTransform transform;
-        if (status)
-            status = transform.open(from, to);
-        if (!status) {
+        if (Status status = openTransform(o->from, o->to, transform); !status) {
             ctx.err << status.message << '\n';
             ctx.exitCode = kFailure;
             return;
         }
+        int geoidModel = 0;
+        if (!o->geoid.empty()) {
+            geoidModel = geoidModelFromText(o->geoid);
+            if (geoidModel == 0)
+                throw CLI::ValidationError("--geoid",
+                                           "no geoid model " + o->geoid + " (see geoid list)");
+            if (transform.sourceUnit().geographic == transform.targetUnit().geographic) {
+                ctx.err << tr(kGeoidNeedsLatLon) << '\n';
+                ctx.exitCode = kFailure;
+                return;
+            }
+        }
+        GeoidModels geoid(GeoidFolders{o->geoidData.empty() ? settingsFolder()
+                                                            : std::filesystem::path(o->geoidData)});
         InputFile input;
         OutputFile output;
         if (!input.open(o->input, ctx) || !output.open(o->output, ctx))
             return;
         Converter converter(*o, transform, ctx, output.stream());
+        if (geoidModel != 0)
+            converter.useGeoid(&geoid, geoidModel);
         converter.header();
-        Progress progress(ctx.err, !o->quiet);
+        Progress progress(ctx.err, !ctx.quiet);
         std::string line;
         for (std::size_t count = 1; std::getline(input.stream(), line); ++count) {
             converter.add(std::move(line));

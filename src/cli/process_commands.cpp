@@ -9,6 +9,7 @@
 #include "base/unset.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
+#include "cli/progress.h"
 #include "crd/coordinate_file.h"
 #include "geodesy/coordinate_system_family.h"
 #include "geodesy/geoid_models.h"
@@ -279,6 +280,11 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
         {tr("SDR Horiz Adjustment"), "--answer \"SDR Horiz Adjustment=Yes\" (or No)"},
         {tr("SDR Vertical Adjustment"), "--answer \"SDR Vertical Adjustment=Yes\" (or No)"}};
 
+    Progress progress(ctx.err, !ctx.quiet);
+    if (progress.enabled())
+        options.progress = [&progress](std::size_t done, std::size_t total) {
+            progress.records(done, total);
+        };
     raw::RawFile file;
     if (const Status status = raw::readRawFile(o.file, file); !status) {
         ctx.err << statusText(status) << '\n';
@@ -309,6 +315,7 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
     }
     coordinates.close();
 
+    progress.clear();
     printReport(result.report, result.pointsStored, result.error, o.json, ctx, result.figures);
     if (result.status != reduce::ProcessResult::Status::Done) {
         // A question nobody could answer has named the options to give;

@@ -13,20 +13,43 @@ Progress::Progress(std::ostream &err, bool enabled)
       m_start(std::chrono::steady_clock::now()), m_last(m_start) {}
 
 Progress::~Progress() {
-    if (m_shown)
-        m_err << "\r\033[K" << std::flush; // the line goes; the results stay
+    clear();
 }
 
-void Progress::update(std::size_t done) {
+void Progress::clear() {
+    if (m_shown)
+        m_err << "\r\033[K" << std::flush; // the line goes; the results stay
+    m_shown = false;
+}
+
+bool Progress::due() {
     if (!m_enabled)
-        return;
+        return false;
     const auto now = std::chrono::steady_clock::now();
     if (now - m_start < std::chrono::seconds(1) ||
         (m_shown && now - m_last < std::chrono::milliseconds(250)))
-        return;
+        return false;
     m_last = now;
+    return true;
+}
+
+void Progress::update(std::size_t done) {
+    if (due())
+        show(format(tr("%zu lines"), done));
+}
+
+void Progress::records(std::size_t done, std::size_t total) {
+    if (due())
+        show(format(tr("%zu of %zu records"), done, total));
+}
+
+void Progress::show(const std::string &text) {
+    if (!m_enabled)
+        return;
+    if (!m_shown && std::chrono::steady_clock::now() - m_start < std::chrono::seconds(1))
+        return;
     m_shown = true;
-    m_err << '\r' << format(tr("%zu lines"), done) << std::flush;
+    m_err << "\r\033[K" << text << std::flush;
 }
 
 } // namespace tramline::cli

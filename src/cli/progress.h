@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstddef>
 #include <ostream>
+#include <string>
 
 namespace tramline::cli {
 
@@ -20,8 +21,18 @@ public:
 
     /// Shows "`done` lines" once a second has passed, at most four times a second.
     void update(std::size_t done);
+    /// Shows "`done` of `total` records", timed as update().
+    void records(std::size_t done, std::size_t total);
+    /// Shows `text` (what the command is doing), timed as update().
+    void show(const std::string &text);
+    /// Takes the line away (before the command's own output).
+    void clear();
+    /// Whether a line would be shown at all.
+    bool enabled() const { return m_enabled; }
 
 private:
+    bool due();
+
     std::ostream &m_err;
     bool m_enabled;
     bool m_shown = false;

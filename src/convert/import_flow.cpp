@@ -37,6 +37,7 @@ long writeImportedPoints(crd::CoordinateFile &file, std::span<const crd::CrdPoin
 Status runImport(ImportFunction convert, const ImportPaths &paths, Interaction &ui,
                  ImportSummary &summary) {
     SourceLines lines;
+    ui.progress(0, 1, tr("Reading the source file"));
     {
         std::ifstream in(paths.source, std::ios::binary);
         std::error_code ec;
@@ -49,6 +50,7 @@ Status runImport(ImportFunction convert, const ImportPaths &paths, Interaction &
     }
 
     ImportOutput out;
+    ui.progress(0, 1, tr("Converting"));
     if (Status converted = convert(lines, ui, out); !converted)
         return converted;
 
@@ -92,6 +94,7 @@ Status runImport(ImportFunction convert, const ImportPaths &paths, Interaction &
     summary.skipped = out.skipped;
     summary.report = out.report;
     if (file.isOpen()) {
+        ui.progress(0, 1, tr("Storing points"));
         summary.pointsStored = writeImportedPoints(file, out.points, summary.report);
         summary.pointsRefused = long(out.points.size()) - summary.pointsStored;
         own.close();

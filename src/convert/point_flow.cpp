@@ -13,6 +13,7 @@ namespace tramline::convert {
 Status runPointImport(PointImportFunction import, const std::filesystem::path &source,
                       crd::CoordinateFile &file, Interaction &ui, ImportSummary &summary) {
     SourceLines lines;
+    ui.progress(0, 1, tr("Reading the source file"));
     std::ifstream in(source, std::ios::binary);
     std::error_code ec;
     if (!in || std::filesystem::is_directory(source, ec) || !readSourceLines(in, lines)) {
@@ -20,6 +21,7 @@ Status runPointImport(PointImportFunction import, const std::filesystem::path &s
         return Status::failure(StatusCode::Io, tr("Error: unable to read file"));
     }
     ImportOutput out;
+    ui.progress(0, 1, tr("Converting"));
     if (Status s = import(lines, ui, out); !s) {
         if (s.code != StatusCode::Cancelled)
             ui.message(s.message);
@@ -28,6 +30,7 @@ Status runPointImport(PointImportFunction import, const std::filesystem::path &s
     summary.records = out.records;
     summary.skipped = out.skipped;
     summary.report = out.report;
+    ui.progress(0, 1, tr("Storing points"));
     summary.pointsStored = writeImportedPoints(file, out.points, summary.report);
     summary.pointsRefused = long(out.points.size()) - summary.pointsStored;
     // A format with its own closing word says it; else the count.

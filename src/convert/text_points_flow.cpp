@@ -21,6 +21,7 @@ Status importTextPointsFile(const std::filesystem::path &source, crd::Coordinate
         return Status::failure(StatusCode::Io, tr("Error: unable to read file"));
     }
     TextPointsRead read;
+    ui.progress(0, 1, tr("Reading the source file"));
     const PointNames names = file.format() == 0 ? PointNames::Numeric : PointNames::Alphanumeric;
     if (Status status = readTextPoints(in, columns, names, read); !status) {
         ui.message(status.message);
@@ -29,6 +30,7 @@ Status importTextPointsFile(const std::filesystem::path &source, crd::Coordinate
     numberUnnamedPoints(read.points, file.highestName());
     summary.lines = read.lines;
     summary.notPoints = read.notPoints;
+    ui.progress(0, 1, tr("Storing points"));
     summary.pointsStored = writeImportedPoints(file, read.points, summary.report);
     ui.message(format(tr("Read in %ld points."), summary.pointsStored));
     return Status::success();

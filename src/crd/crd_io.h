@@ -34,6 +34,9 @@ struct CrdContext {
     /// Waits this many milliseconds before a retry; false means the user
     /// cancelled. Empty: sleep, calling messages->idle() every 50 ms.
     std::function<bool(int milliseconds)> wait;
+    /// Writes a missing elevation (98765432.1) as it is rather than as 0.0,
+    /// for copies of points whose heights were never given.
+    bool keepUnsetElevation = false;
 
     /// Waits before a retry as set above; false when the user cancelled.
     bool waitFor(int milliseconds) const;

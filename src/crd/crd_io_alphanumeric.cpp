@@ -224,7 +224,7 @@ bool CrdIOMorvane::writeAlphanumeric(const CrdPoint &point, bool quiet, CrdPoint
     AlphaRecord record{};
     putDouble(record.data() + kNorthing, point.northing);
     putDouble(record.data() + kEasting, point.easting);
-    putDouble(record.data() + kElevation, isUnset(point.elevation) ? 0.0 : point.elevation);
+    putDouble(record.data() + kElevation, storedElevation(point.elevation));
     putText(record.data() + kDescription, kTextField, description);
     putText(record.data() + kName, kNameField, name);
 

@@ -80,8 +80,7 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
         Item item{std::move(name), {}};
         putDouble(item.record.data() + kNorthing, point.northing);
         putDouble(item.record.data() + kEasting, point.easting);
-        putDouble(item.record.data() + kElevation,
-                  isUnset(point.elevation) ? 0.0 : point.elevation);
+        putDouble(item.record.data() + kElevation, storedElevation(point.elevation));
         putText(item.record.data() + kDescription, kTextField, description);
         putText(item.record.data() + kName, kNameField, item.name);
         consistent = consistent && !hasDot(item.name);

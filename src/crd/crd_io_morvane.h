@@ -5,6 +5,7 @@
 // alphanumeric file once.
 #pragma once
 
+#include "base/unset.h"
 #include "crd/byte_store.h"
 #include "crd/crd_io.h"
 
@@ -95,6 +96,11 @@ private:
     bool beginMove(std::uint64_t from);
     bool finishMove();
     bool abandonMove();
+    /// What a point's elevation becomes in a record: a missing one is 0.0
+    /// unless the context keeps it.
+    double storedElevation(double elevation) const {
+        return isUnset(elevation) && !m_context.keepUnsetElevation ? 0.0 : elevation;
+    }
 
     CrdContext m_context;
     std::unique_ptr<ByteStore> m_store;

@@ -95,7 +95,7 @@ bool CrdIOMorvane::writeNumeric(const CrdPoint &point, bool quiet, CrdPoint *pre
     // A missing elevation is 0.0; a point at 0, 0, 0 gets the tiny elevation
     // that keeps it from reading as an empty slot. The missing elevation is
     // settled first, so that a point at the origin without one is kept too.
-    double elevation = isUnset(point.elevation) ? 0.0 : point.elevation;
+    double elevation = storedElevation(point.elevation);
     if (point.northing == 0.0 && point.easting == 0.0 && elevation == 0.0)
         elevation = kZeroPointElevation;
     std::string_view description = fileDescription(point.description);

@@ -72,6 +72,9 @@ struct CoordinateSystem {
     double userSemiMajorAxis = 0.0;     ///< metres, for an ellipsoid of its own
     double userInverseFlattening = 0.0; ///< for an ellipsoid of its own, 0 for a sphere
     ProjectionParameters parameters;
+    /// The EPSG system the parameters were taken from (0 when none): it
+    /// tells where the system is meant to be used.
+    int epsgCode = 0;
 
     /// The ellipsoid the system uses.
     Ellipsoid ellipsoid() const;

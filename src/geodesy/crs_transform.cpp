@@ -64,16 +64,21 @@ CrsUnit unitOf(PJ_CONTEXT *ctx, const PJ *crs) {
     return unit;
 }
 
-// A box in the system's own coordinates around its area of use. PROJ
-// strings carry no area: for a transverse Mercator one the zone is taken
+// A box in the system's own coordinates around its area of use. Other
+// PROJ strings carry no area: for a transverse Mercator one the zone is taken
 // as 6 degrees either side of its meridian, in the hemisphere its false
 // northing implies.
-CrsArea areaOf(PJ_CONTEXT *ctx, const PJ *crs, const std::string &definition) {
+CrsArea areaOf(PJ_CONTEXT *ctx, const PJ *crs, const std::string &definition,
+               const std::string &areaSystem) {
     CrsArea area;
     double west = 0, south = 0, east = 0, north = 0;
     const char *name = nullptr;
-    bool found =
-        proj_get_area_of_use(ctx, crs, &west, &south, &east, &north, &name) && west > -1000;
+    // A system of this program reaches PROJ as a string without an area;
+    // the database system it was taken from knows where it is meant for.
+    PjPtr stated(areaSystem.empty() ? nullptr : proj_create(ctx, areaSystem.c_str()));
+    bool found = proj_get_area_of_use(ctx, stated ? stated.get() : crs, &west, &south, &east,
+                                      &north, &name) &&
+                 west > -1000;
     if (found) {
         area.name = name ? name : "";
     } else if (definition.find("+proj=tmerc") != std::string::npos ||
@@ -174,7 +179,8 @@ CrsTransform::~CrsTransform() = default;
 CrsTransform::CrsTransform(CrsTransform &&) noexcept = default;
 CrsTransform &CrsTransform::operator=(CrsTransform &&) noexcept = default;
 
-Status CrsTransform::open(const std::string &from, const std::string &to) {
+Status CrsTransform::open(const std::string &from, const std::string &to,
+                          const std::string &fromArea, const std::string &toArea) {
     m_impl.reset();
     auto impl = std::make_unique<Impl>();
     impl->ctx = detail::newContext();
@@ -222,7 +228,8 @@ Status CrsTransform::open(const std::string &from, const std::string &to) {
     impl->target = unitOf(ctx, target.get());
     impl->areaOnSource = impl->target.geographic && !impl->source.geographic;
     const PjPtr &gridSide = impl->areaOnSource ? source : target;
-    impl->area = areaOf(ctx, gridSide.get(), impl->areaOnSource ? from : to);
+    impl->area = impl->areaOnSource ? areaOf(ctx, gridSide.get(), from, fromArea)
+                                    : areaOf(ctx, gridSide.get(), to, toArea);
     if (!(impl->source.geographic && impl->target.geographic)) {
         PjPtr horizontal = horizontalOf(ctx, gridSide.get());
         PjPtr geographic(horizontal ? proj_crs_get_geodetic_crs(ctx, horizontal.get()) : nullptr);

@@ -48,7 +48,10 @@ public:
     /// "latlon": the latitude and longitude on the datum of the other side
     /// (WGS 84 when both are "latlon"). Fails with InvalidInput naming the
     /// side PROJ refuses, and NotFound when no operation joins the two.
-    Status open(const std::string &from, const std::string &to);
+    /// `fromArea` and `toArea` may name a system ("EPSG:26953") whose area
+    /// of use in PROJ's database stands for that side's.
+    Status open(const std::string &from, const std::string &to, const std::string &fromArea = {},
+                const std::string &toArea = {});
 
     const CrsUnit &sourceUnit() const;
     const CrsUnit &targetUnit() const;

@@ -276,6 +276,7 @@ Status systemFromEpsg(int code, CoordinateSystem &system) {
                     towgs84[4],       towgs84[5],       invertScalePpm(towgs84[6])};
     }
 
+    cs.epsgCode = code;
     std::lock_guard<std::mutex> guard(cacheMutex);
     cache[code] = cs;
     system = std::move(cs);

@@ -272,6 +272,7 @@ Status isgSystem(const AustralianGrid &grid, const ZoneOptions &options, Coordin
     CoordinateSystem cs = datumSource;
     cs.type = ProjectionType::TransverseMercator;
     cs.parameters = {};
+    cs.epsgCode = 0; // a grid of its own, not the datum's zone
     cs.parameters.centralMeridian = -180.0 + 6.0 * (zone - 1) + 2.0 * sub - 1.0;
     cs.parameters.scaleFactor = 0.99994;
     cs.parameters.falseEasting = 300000.0;

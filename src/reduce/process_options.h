@@ -5,7 +5,9 @@
 #include "reduce/adjust_methods.h"
 #include "reduce/direct_reverse.h"
 
+#include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -58,6 +60,9 @@ struct ProcessOptions {
     /// Fill ProcessFigures::stored, a copy of every stored point (the
     /// command line's JSON wants them; a million points are 100 MB).
     bool keepStoredPoints = false;
+    /// Told how many records of how many the walk has passed; empty: the
+    /// walk costs one test per record and nothing more.
+    std::function<void(std::size_t done, std::size_t total)> progress;
 };
 
 } // namespace tramline::reduce

@@ -69,7 +69,11 @@ public:
     }
 
     WalkOutcome run() {
+        const std::size_t total = m_file.nodes.size();
+        std::size_t done = 0;
         for (const auto &node : m_file.nodes) {
+            if (m_opt.progress)
+                m_opt.progress(done++, total);
             if (!m_ui.idle())
                 stop(tr("Function cancelled at user request"), WalkOutcome::Status::Stopped);
             if (m_out.status != WalkOutcome::Status::Done)

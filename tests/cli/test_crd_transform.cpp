@@ -62,7 +62,8 @@ TEST_F(CrdTransform, EveryPointAsGeoConvertGivesIt) {
         EXPECT_NEAR(point["northing"].get<double>(), n, 1e-4);
         EXPECT_NEAR(point["easting"].get<double>(), e, 1e-4);
     }
-    EXPECT_EQ(points[0]["elevation"], 1600.0); // heights stay as they are
+    EXPECT_EQ(points[0]["elevation"], 1600.0);                  // heights stay as they are
+    EXPECT_TRUE(points[1]["elevation"].is_null()) << points[1]; // and a missing one stays missing
     EXPECT_EQ(
         runCli({"crd", "transform", in, "--from", "EPSG:32613", "--to", "EPSG:2231", "-o", in})
             .code,

@@ -214,6 +214,11 @@ TEST_F(GeoConvert, WarnsAndFailsPerLine) {
         {"-10 -105", "EPSG:32613", 0, "Warning: line 1: south of the equator"},
         {"-10 -105", "UTM:13", 0, "Warning: line 1: south of the equator"},
         {"40 -75", "UTM:13", 0, "Warning: line 1: outside the area of use"},
+        // Lambert and oblique Mercator zones take their area from the database.
+        {"40.5 -105.2", "State Plane 83:CO North", 0, ""},
+        {"31 -100", "State Plane 83:CO North", 0, "Warning: line 1: outside the area of use of"},
+        {"57 -134", "State Plane 83:AK Zone 1", 0, ""},
+        {"40 -105", "State Plane 83:AK Zone 1", 0, "Warning: line 1: outside the area of use of"},
         {"north east", "EPSG:32613", 1, "Error: line 1: not a coordinate line"},
         {"95 -105", "EPSG:32613", 1, "Error: line 1: the point cannot be converted"},
     };
@@ -248,3 +253,63 @@ TEST_F(GeoConvert, FilesAndSystemsThatCannotBeUsed) {
               0);
     EXPECT_EQ(lines(tramline::test::slurp(out)).size(), 1u);
 }
+
+namespace {
+
+// Heights through a geoid model, against PROJ's vertical grid shift of the
+// same grid: the grid is PROJ's own EGM96, converted by "geoid import".
+TEST_F(GeoConvert, GeoidHeightsAgreeWithVgridshift) {
+    const std::string gtx = "/usr/share/proj/egm96_15.gtx";
+    if (!std::filesystem::exists(gtx) || std::system("command -v cct >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "PROJ's egm96_15.gtx or cct is not installed";
+    const auto grd = (dir / "egm96.grd").string();
+    ASSERT_EQ(runCli({"geoid", "import", gtx, grd}).code, 0);
+    const double points[][3] = {{40.0, -105.0, 1600.0}, {-33.9, 18.4, 50.0}, {51.5, -0.1, 100.0},
+                                {-8.3, 115.2, 12.0},    {64.1, -21.9, 30.0}, {0.0, 0.0, 0.0}};
+    std::string input, theirsIn;
+    for (const auto &p : points) {
+        input +=
+            std::to_string(p[0]) + " " + std::to_string(p[1]) + " " + std::to_string(p[2]) + "\n";
+        theirsIn +=
+            std::to_string(p[1]) + " " + std::to_string(p[0]) + " " + std::to_string(p[2]) + " 0\n";
+    }
+    const auto inFile = write("geodetic.txt", input);
+    const auto theirsFile = write("cct.txt", theirsIn);
+    const auto theirs = lines(runProgram("cct -d 6 +proj=vgridshift +grids=egm96_15.gtx "
+                                         "+multiplier=-1 " +
+                                         theirsFile.string()));
+    const auto grid = runCli({"geo", "convert", "--from", "latlon", "--to", "EPSG:4087", "--geoid",
+                              "EGM96", "--geoid-data", dir.string(), inFile.string()});
+    ASSERT_EQ(grid.code, 0) << grid.err;
+    const auto ours = lines(grid.out);
+    ASSERT_EQ(ours.size(), std::size(points));
+    ASSERT_EQ(theirs.size(), std::size(points));
+    std::string gridText;
+    for (std::size_t i = 0; i < ours.size(); ++i) {
+        std::istringstream row(theirs[i]);
+        double lon = 0, lat = 0, height = 0;
+        row >> lon >> lat >> height;
+        const auto f = fields(ours[i]);
+        ASSERT_EQ(f.size(), 3u) << ours[i];
+        // Both interpolate the same nodes bilinearly.
+        EXPECT_NEAR(std::stod(f[2]), height, 1e-3) << ours[i];
+        gridText += ours[i] + "\n";
+    }
+    // Back again: the elevation above the geoid becomes the ellipsoid height.
+    const auto back =
+        runCli({"geo", "convert", "--from", "EPSG:4087", "--to", "latlon", "--geoid", "6",
+                "--geoid-data", dir.string(), write("grid.txt", gridText).string()});
+    ASSERT_EQ(back.code, 0) << back.err;
+    const auto returned = lines(back.out);
+    ASSERT_EQ(returned.size(), std::size(points));
+    for (std::size_t i = 0; i < returned.size(); ++i)
+        EXPECT_NEAR(std::stod(fields(returned[i])[2]), points[i][2], 2e-4) << returned[i];
+
+    // Grid to grid has no ellipsoid height to speak of.
+    EXPECT_EQ(runCli({"geo", "convert", "--from", "EPSG:32613", "--to", "EPSG:2231", "--geoid", "6",
+                      "--geoid-data", dir.string(), inFile.string()})
+                  .code,
+              1);
+}
+
+} // namespace

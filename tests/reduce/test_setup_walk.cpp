@@ -96,3 +96,34 @@ TEST(SetupWalk, ShotFromAnotherOccupiedPointIsNotStored) {
 }
 
 } // namespace
+
+// The walk reports each record as it passes, so that a long run can show
+// how far it is; a cancelled walk stops reporting.
+TEST(SetupWalk, ReportsProgressRecordByRecord) {
+    const raw::RawFile file = readRawText("SP,PN1,N 1000,E 1000,EL10,--\n"
+                                          "SP,PN9,N 1000,E 900,EL10,--\n"
+                                          "OC,OP1,N ,E ,EL,--\n"
+                                          "BK,OP1,BP9,BS,BC0.0000\n"
+                                          "TR,OP1,FP2,AR90.0000,ZE90.0000,SD100.000,--\n");
+    struct Case {
+        int cancelAfterIdles;
+        std::size_t calls;
+    };
+    const Case cases[] = {{0, file.nodes.size()}, {3, 3}};
+    for (const Case &c : cases) {
+        std::vector<std::pair<std::size_t, std::size_t>> seen;
+        ProcessOptions options;
+        options.progress = [&seen](std::size_t done, std::size_t total) {
+            seen.emplace_back(done, total);
+        };
+        test::WalkRecorder recorder;
+        ScriptedInteraction ui;
+        ui.cancelAfterIdles = c.cancelAfterIdles;
+        walkSetups(file, options, 0.0, recorder, ui);
+        ASSERT_EQ(seen.size(), c.calls) << c.cancelAfterIdles;
+        for (std::size_t i = 0; i < seen.size(); ++i) {
+            EXPECT_EQ(seen[i].first, i);
+            EXPECT_EQ(seen[i].second, file.nodes.size());
+        }
+    }
+}
