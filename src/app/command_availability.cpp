@@ -133,7 +133,7 @@ std::string CKELMADlg::unavailableReason(int id) const {
     }
     if (const auto *method = reduce::adjustMethodByMenuCommand(id))
         return method->built ? std::string() : tramline::tr("This command is not available yet.");
-    if (handledBySwitch(id))
+    if (handledBySwitch(id) || isDataTransfer(id))
         return {};
     if (const auto *entry = converterOf(id)) {
         const bool runs = entry->built && (entry->import || entry->exporter || entry->pointImport ||

@@ -338,6 +338,10 @@ void CKELMADlg::runCommand(int id) {
         // no entry (separators, 0) do nothing.
         if (runConverter(id))
             return;
+        if (isDataTransfer(id)) {
+            dataTransfer(id);
+            return;
+        }
         if (isMenuCommand(id))
             notAvailable(id);
         return;

@@ -44,21 +44,33 @@ void CKELMADlg::importRawFormat(const char *menuName) {
     // records of an earlier one behind.
     const auto scratch = convert::scratchImportPath(m_folders.working);
     std::ofstream(scratch, std::ios::trunc).close();
-    // The Geodimeter options start from "readgeod.ini" and are kept there.
     convert::GeodimeterOptions geodimeter;
-    if (entry->import == convert::importGeodimeter) {
-        const auto ini = m_folders.program / convert::kGeodimeterIni;
-        if (Status s = convert::loadGeodimeterOptions(ini, geodimeter); !s)
-            ui().message(s.message);
-        if (!convert::askGeodimeterOptions(ui(), geodimeter))
-            return;
-        convert::saveGeodimeterOptions(ini, geodimeter);
-    }
+    if (!askImportOptions(*entry, geodimeter))
+        return;
     convert::GeodimeterOptionsAnswered answered(ui(), geodimeter);
     convert::ImportSummary summary;
     convert::ImportPaths paths{source, scratch, m_workingCrdPath, m_workingFile.get()};
     if (!convert::runImport(entry->import, paths, answered, summary))
         return;
+    showImportedJob(summary);
+}
+
+bool CKELMADlg::askImportOptions(const convert::FormatEntry &entry,
+                                 convert::GeodimeterOptions &geodimeter) {
+    // The Geodimeter options start from "readgeod.ini" and are kept there.
+    if (entry.import != convert::importGeodimeter)
+        return true;
+    const auto ini = m_folders.program / convert::kGeodimeterIni;
+    if (Status s = convert::loadGeodimeterOptions(ini, geodimeter); !s)
+        ui().message(s.message);
+    if (!convert::askGeodimeterOptions(ui(), geodimeter))
+        return false;
+    convert::saveGeodimeterOptions(ini, geodimeter);
+    return true;
+}
+
+void CKELMADlg::showImportedJob(const convert::ImportSummary &summary) {
+    const auto scratch = convert::scratchImportPath(m_folders.working);
     if (summary.pointsStored > 0)
         m_coordinateModified = true;
     refreshCoordinateGrid();

@@ -11,6 +11,7 @@
 #include "app/report_windows.h"
 #include "app/shell_folders.h"
 #include "app/shell_settings.h"
+#include "base/interaction.h"
 #include "crd/point_fields.h"
 #include "raw/document.h"
 #include "reduce/process_options.h"
@@ -29,7 +30,14 @@ namespace tramline {
 class Interaction;
 namespace convert {
 struct FormatEntry;
-}
+struct GeodimeterOptions;
+struct ImportSummary;
+} // namespace convert
+namespace transfer {
+enum class Instrument;
+enum class UploadProtocol;
+struct PortSettings;
+} // namespace transfer
 namespace crd {
 class CoordinateFile;
 class WorkingCopy;
@@ -183,6 +191,11 @@ private:
     void exportTextPoints();
     void importRegistryPoints(const char *menuName);
     void exportRegistryPoints(const char *menuName);
+    /// The import's own questions before it runs (the Geodimeter options).
+    bool askImportOptions(const convert::FormatEntry &entry,
+                          convert::GeodimeterOptions &geodimeter);
+    /// Loads the converted job of "rimport.tmp" and the points it stored.
+    void showImportedJob(const convert::ImportSummary &summary);
     void startCompanion(const char *name);
     // availability and the registry's converters (command_availability.cpp)
     static const convert::FormatEntry *converterOf(int id);
@@ -191,6 +204,21 @@ private:
     bool runConverter(int id);
     void importPoints(const convert::FormatEntry &entry);
     void exportPoints(const convert::FormatEntry &entry);
+    // Tools > Data Transfer (transfer_commands.cpp)
+    static bool isDataTransfer(int id);
+    std::filesystem::path settingsFilePath() const;
+    transfer::PortSettings portSettings() const;
+    void portDialog();
+    /// A data-collection dialog with OK, the port dialog's button and
+    /// Cancel; the port dialog opens as often as asked. The button pressed.
+    int askTransferDialog(const std::string &title, std::vector<FormField> &fields);
+    void dataTransfer(int id);
+    void downloadFrom(transfer::Instrument instrument, const std::string &title,
+                      const std::string &file);
+    void uploadRawFile(const std::string &title, const std::string &file);
+    void uploadPointsTo(transfer::UploadProtocol protocol, const std::string &title,
+                        const std::string &file);
+    void nikonTransfer();
     void about();
     /// Runs a command that edits a grid as one undoable step.
     void recordEdit(int id);

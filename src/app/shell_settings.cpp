@@ -26,6 +26,14 @@ std::optional<int> parseInteger(std::string_view text) {
     return parsed;
 }
 
+bool isShellKeyLine(std::string_view line) {
+    for (std::string_view key :
+         {"tmpdir=", "ang_display_mode=", "ne_order=", "lang_mode=", "window="})
+        if (line.starts_with(key))
+            return true;
+    return false;
+}
+
 } // namespace
 
 void applySettingsLine(std::string_view line, ShellSettings &settings) {
@@ -88,7 +96,19 @@ std::string settingsText(const ShellSettings &settings) {
 }
 
 bool writeSettingsFile(const std::filesystem::path &path, const ShellSettings &settings) {
-    return saveTextAtomically(path, settingsText(settings));
+    // Lines the shell does not own (the port dialog's, a newer version's)
+    // stay, after the shell's own keys.
+    std::string text = settingsText(settings);
+    if (std::ifstream in(path, std::ios::binary); in) {
+        std::string line;
+        while (std::getline(in, line)) {
+            if (line.ends_with('\r'))
+                line.pop_back();
+            if (!line.empty() && !isShellKeyLine(line))
+                text += line + '\n';
+        }
+    }
+    return saveTextAtomically(path, text);
 }
 
 } // namespace tramline::app

@@ -1,6 +1,7 @@
 // The settings file "tramline.ini": one line a setting, key "=" value,
-// read at start-up and written at exit. Only four keys are known; any other
-// line is skipped, so a file from a newer or older version still reads.
+// read at start-up and written at exit. Only these keys are known; any other
+// line is skipped, so a file from a newer or older version still reads, and
+// kept when the file is written again.
 #pragma once
 
 #include "base/units.h"
@@ -51,7 +52,9 @@ bool readSettingsFile(const std::filesystem::path &path, ShellSettings &settings
 /// ne_order, lang_mode, and the window's place once it has one.
 std::string settingsText(const ShellSettings &settings);
 
-/// Writes the file whole or not at all. False when it cannot be written.
+/// Writes the file whole or not at all, keeping the lines of keys the shell
+/// does not own (the port settings) after its own. False when it cannot be
+/// written.
 bool writeSettingsFile(const std::filesystem::path &path, const ShellSettings &settings);
 
 } // namespace tramline::app

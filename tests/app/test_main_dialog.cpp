@@ -115,7 +115,8 @@ TEST_F(MainDialogTest, StartsWithSettingsFileAndAnOldWorkingFile) {
     EXPECT_EQ(dialog->coordinateModel()->headerData(1, Qt::Horizontal).toString(), "Easting");
     ASSERT_TRUE(dialog->exitProgram());
     EXPECT_EQ(withoutWindowPlace(slurp(settingsFile())),
-              "tmpdir=" + tmpdir.string() + "/\nang_display_mode=0\nne_order=1\nlang_mode=0\n");
+              "tmpdir=" + tmpdir.string() +
+                  "/\nang_display_mode=0\nne_order=1\nlang_mode=0\ncolour=blue\n");
 }
 
 TEST_F(MainDialogTest, GarbageSettingsLeaveTheDefaults) {

@@ -149,7 +149,7 @@ TEST_F(PlotWindowTest, DeadEntriesAreDisabledWithTheirReason) {
         {cmd::ImportPointsText, true, nullptr},
         {cmd::Plot, true, nullptr},
         {cmd::GeoidManager, false, "This command is not available yet."},
-        {cmd::TransferSokkiaSdr, false, "This command is not available yet."},
+        {cmd::TransferSokkiaSdr, true, nullptr},
         {cmd::ImportRawCAndG, false, ""},
         {cmd::ImageTramline, false,
          "The companion program imagery is not installed on this computer."},

@@ -625,8 +625,6 @@ TEST_F(ShellCommandTest, CommandsOfOtherFeaturesSaySoAndUnknownIdsDoNothing) {
         {cmd::ExportRawTds, "Tools > Export Raw Data > NY DOT: this command is not available yet."},
         {cmd::ExportRawDgDialog,
          "Tools > Export Raw Data > dgDialog: this command is not available yet."},
-        {cmd::TransferSokkiaSdr,
-         "Tools > Data Transfer > Sokkia SDR: this command is not available yet."},
         {cmd::GeoidManager, "Tools > Geoid Manager: this command is not available yet."},
     };
     for (const auto &c : cases) {
