@@ -46,7 +46,10 @@ std::string generateSdr33(long records) {
         out += "\r\n";
         ++written;
     };
-    for (long station = 1; written < records; ++station) {
+    // `record` counts what it writes: stations follow until there are enough.
+    for (long station = 1;; ++station) {
+        if (written >= records)
+            break;
         const std::string at = "S" + std::to_string(station);
         const std::string bs = "S" + std::to_string(station + 1);
         record("02TP", {at, "1000.000", "2000.000", "100.000", "1.550", "STATION"});
