@@ -59,9 +59,9 @@ TEST_F(SideshotFile, ListingSameFromFileAsInMemory) {
             listings[inFolder] = tab(r, "Unadjusted Data");
             if (!inFolder)
                 continue;
-            const std::string file = test::slurp(options.workingFolder / "rawedit.tmp");
-            EXPECT_TRUE(listings[inFolder].starts_with(file)) << shots;
-            EXPECT_NE(file.find("LAST\n"), std::string::npos) << shots;
+            const std::string onDisk = test::slurp(options.workingFolder / "rawedit.tmp");
+            EXPECT_TRUE(listings[inFolder].starts_with(onDisk)) << shots;
+            EXPECT_NE(onDisk.find("LAST\n"), std::string::npos) << shots;
         }
         EXPECT_EQ(listings[0], listings[1]) << shots;
     }
