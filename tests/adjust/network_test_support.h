@@ -1,7 +1,9 @@
 // Reading the published networks beside the clone and their answers.
 #pragma once
 
-#include "adjust/lsq_file.h"
+#include "adjust/lsq_run.h"
+
+#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
@@ -57,6 +59,21 @@ inline std::map<std::string, Expected> expectedAnswer(const std::string &name) {
 
 inline bool loadNetwork(const std::string &name, LsqData &data) {
     return loadLsq(networksDir() / (name + ".lsq"), data).ok();
+}
+
+/// The redundancy numbers share out the degrees of freedom, and the
+/// weighted residuals give back s0.
+inline void expectRedundancyIdentities(const LsqRun &run) {
+    const auto &s = run.solution;
+    EXPECT_NEAR(run.statistics.redundancySum, s.degreesOfFreedom, 1e-6);
+    double vtpv = 0;
+    for (std::size_t i = 0; i < run.network.observations.size(); ++i) {
+        const auto &o = run.network.observations[i];
+        vtpv += s.residual[i] * s.residual[i] / (o.sigma * o.sigma);
+    }
+    if (s.degreesOfFreedom > 0) {
+        EXPECT_NEAR(vtpv, s.degreesOfFreedom * s.s0 * s.s0, 1e-9 * (1 + vtpv));
+    }
 }
 
 } // namespace tramline::adjust::testing

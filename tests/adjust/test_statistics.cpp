@@ -27,35 +27,11 @@ LsqData quadrilateral() {
     return data;
 }
 
-void expectRedundancyIdentities(const LsqRun &run) {
-    const auto &s = run.solution;
-    // The redundancy numbers share out the degrees of freedom ...
-    EXPECT_NEAR(run.statistics.redundancySum, s.degreesOfFreedom, 1e-6);
-    // ... and the weighted residuals give back s0.
-    double vtpv = 0;
-    for (std::size_t i = 0; i < run.network.observations.size(); ++i) {
-        const auto &o = run.network.observations[i];
-        vtpv += s.residual[i] * s.residual[i] / (o.sigma * o.sigma);
-    }
-    if (s.degreesOfFreedom > 0) {
-        EXPECT_NEAR(vtpv, s.degreesOfFreedom * s.s0 * s.s0, 1e-9 * (1 + vtpv));
-    }
-}
-
-TEST(NetworkStatistics, RedundancySumsToDegreesOfFreedomOnEveryNetwork) {
-    auto names = testing::publishedNetworks();
-    for (const auto &name : names) {
-        SCOPED_TRACE(name);
-        LsqData data;
-        ASSERT_TRUE(testing::loadNetwork(name, data));
-        const LsqRun run = runLeastSquares(data, {});
-        ASSERT_TRUE(run.status.ok()) << run.status.message;
-        expectRedundancyIdentities(run);
-    }
+TEST(NetworkStatistics, RedundancySumsToDegreesOfFreedom) {
     const LsqRun run = runLeastSquares(quadrilateral(), {});
     ASSERT_TRUE(run.status.ok());
     EXPECT_EQ(run.solution.degreesOfFreedom, 20 - 6);
-    expectRedundancyIdentities(run);
+    testing::expectRedundancyIdentities(run);
 }
 
 TEST(NetworkStatistics, SnoopingNamesTheBlunderedDistanceFirst) {

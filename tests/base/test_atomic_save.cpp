@@ -38,6 +38,11 @@ bool failsOnAFullDisk(const std::function<bool()> &write) {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
+// The files in `dir`: a count above the expected one is a temporary left behind.
+long filesIn(const fs::path &dir) {
+    return long(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}));
+}
+
 TEST_F(AtomicSave, ReplacesAndKeepsPermissions) {
     const auto file = dir / "job.rw5";
     ASSERT_TRUE(saveTextAtomically(file, "old\n"));
@@ -46,8 +51,7 @@ TEST_F(AtomicSave, ReplacesAndKeepsPermissions) {
     EXPECT_EQ(slurp(file), "new\n");
     EXPECT_EQ(fs::status(file).permissions() & fs::perms::all,
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}),
-              1); // no temporaries
+    EXPECT_EQ(filesIn(dir), 1);
 }
 
 TEST_F(AtomicSave, FailuresLeaveTheOldFile) {
@@ -79,7 +83,7 @@ TEST_F(AtomicSave, FullDiskLeavesTheOldFile) {
         return saveTextAtomically(file, std::string(100000, 'x'));
     })) << "the save should have failed";
     EXPECT_EQ(slurp(file), "old\n");
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 1);
+    EXPECT_EQ(filesIn(dir), 1);
 }
 
 // A file written in pieces appears whole at the commit, and not at all
@@ -100,7 +104,7 @@ TEST_F(AtomicSave, PiecewiseWriterCommitsWholeOrNothing) {
         ASSERT_TRUE(dropped.write("half"));
     }
     EXPECT_EQ(slurp(file), "one two\n");
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 1);
+    EXPECT_EQ(filesIn(dir), 1);
     AtomicFileWriter toFolder(dir);
     std::string error;
     EXPECT_FALSE(toFolder.write("x"));
@@ -114,7 +118,7 @@ TEST_F(AtomicSave, PiecewiseWriterCommitsWholeOrNothing) {
         return ok && full.commit();
     })) << "the piecewise save should have failed";
     EXPECT_EQ(slurp(file), "one two\n");
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 1);
+    EXPECT_EQ(filesIn(dir), 1);
 }
 
 // What the user made of the target decides whether a save may replace it;
@@ -185,10 +189,6 @@ TEST_F(AtomicSave, CopyRefusesAFifoAsSource) {
     EXPECT_FALSE(fs::exists(dir / "copy"));
 }
 
-} // namespace
-
-namespace {
-
 using AtomicCopy = tramline::test::ScratchFolderTest;
 
 // Each case: what the target was, how the copy goes, what the target is
@@ -240,7 +240,7 @@ TEST_F(AtomicCopy, FullDiskLeavesTheOldTarget) {
     EXPECT_TRUE(failsOnAFullDisk([&] { return copyAtomically(source, target); }))
         << "the copy should have failed";
     EXPECT_EQ(slurp(target), "old");
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 2);
+    EXPECT_EQ(filesIn(dir), 2);
 }
 
 } // namespace

@@ -1,15 +1,7 @@
-// The Geodimeter import: every field sample with counts taken from the
-// files themselves (set-ups: label-2 blocks with a backsight or a shot;
-// observations: label-5 blocks with an angle or a distance; points:
-// label-2, 5 and 62 blocks with labels 37 and 38), and the rules of the
-// labels on small inputs.
-#include "base/angles.h"
+// The Geodimeter import's rules of the labels on small inputs (the field
+// samples are in test_field_samples.cpp).
 #include "convert/geodimeter_import.h"
 #include "convert_test_support.h"
-#include "raw/classify.h"
-
-#include <cmath>
-#include <set>
 
 namespace tramline::test {
 namespace {
@@ -21,76 +13,6 @@ convert::ImportOutput importGeodimeterBytes(const std::string &bytes,
     EXPECT_TRUE(s.ok()) << s.message;
     return out;
 }
-
-// The field after `code` in an RW5 line, up to the next comma.
-std::string fieldAfter(const std::string &line, const std::string &code) {
-    const auto at = line.find("," + code);
-    if (at == std::string::npos)
-        return "<none>";
-    const auto start = at + 1 + code.size();
-    return line.substr(start, line.find(',', start) - start);
-}
-
-struct SampleCase {
-    const char *file;
-    long setups, observations, points;
-    const char *shotTo; // one shot checked, empty: none
-    double horizontalDegrees = 0.0, zenithDegrees = 0.0;
-    const char *distance = ""; // the distance field as written
-};
-
-void PrintTo(const SampleCase &c, std::ostream *os) {
-    *os << c.file;
-}
-
-class GeodimeterSample : public ::testing::TestWithParam<SampleCase> {};
-
-TEST_P(GeodimeterSample, ImportsEveryShotAndPoint) {
-    TRAMLINE_REQUIRE_SAMPLES();
-    const SampleCase &c = GetParam();
-    const auto out =
-        importGeodimeterBytes(readBytes(samplePath(std::string("geodimeter/") + c.file)));
-    std::set<std::string> setups; // a later label 21 may orient a station again
-    for (const auto &line : linesStarting(out, "BK,"))
-        setups.insert(fieldAfter(line, "OP"));
-    EXPECT_EQ(long(setups.size()), c.setups);
-    EXPECT_EQ(out.observations, c.observations);
-    EXPECT_EQ(long(linesStarting(out, "SS,").size() + linesStarting(out, "TR,").size()),
-              c.observations);
-    EXPECT_EQ(long(out.points.size()), c.points);
-    EXPECT_EQ(long(linesStarting(out, "SP,").size()), c.points);
-    raw::RawFields fields;
-    for (const auto &line : out.lines)
-        EXPECT_NE(raw::ClassifyRawLine(std::string_view(line).substr(0, line.size() - 1),
-                                       raw::JobRecords::Recognised, fields),
-                  raw::kUnrecognised)
-            << line;
-    if (*c.shotTo == '\0')
-        return;
-    std::string shot;
-    for (const auto &line : out.lines)
-        if (line.find(std::string(",FP") + c.shotTo + ",") != std::string::npos &&
-            (line.starts_with("SS,") || line.starts_with("TR,")) && shot.empty())
-            shot = line;
-    ASSERT_FALSE(shot.empty()) << c.shotTo;
-    EXPECT_NEAR(unpackDms(std::stod(fieldAfter(shot, "AR"))), c.horizontalDegrees, 1.5e-4) << shot;
-    EXPECT_NEAR(unpackDms(std::stod(fieldAfter(shot, "ZE"))), c.zenithDegrees, 1.5e-4) << shot;
-    EXPECT_NE(shot.find(std::string(",") + c.distance + ","), std::string::npos) << shot;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Samples, GeodimeterSample,
-    ::testing::Values(
-        // Angles in gons (92.4486 cannot be ddd.mmss): 92.4486 gon is
-        // 83.20374 degrees, 109.4524 gon 98.50716 degrees.
-        SampleCase{"BSG-08-11-19.are", 3, 105, 114, "1", 83.203740, 98.507160, "SD9.6050"},
-        SampleCase{"DT.are", 0, 0, 6, "", 0.0, 0.0, ""},
-        // Face-one angle (label 24) and a horizontal distance; no vertical.
-        SampleCase{"DT.job", 9, 87, 0, "F1", 264.080278, 90.0, "HD32.3920"},
-        SampleCase{"eastern_desert11.are", 0, 0, 618, "", 0.0, 0.0, ""},
-        SampleCase{"ullo.are", 0, 0, 4, "", 0.0, 0.0, ""},
-        // Angles without a distance: the zero-distance rule.
-        SampleCase{"ullo.job", 8, 50, 0, "3059", 354.131944, 89.301389, "SD0.0"}));
 
 struct LabelCase {
     const char *name;

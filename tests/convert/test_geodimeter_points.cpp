@@ -1,5 +1,5 @@
-// Geodimeter points: the area samples with their counts, the five-line
-// export, and a coordinate file written out and read back whole.
+// Geodimeter points: the five-line export, and a coordinate file written
+// out and read back whole (the area samples are in test_field_samples.cpp).
 #include "convert/geodimeter_points.h"
 #include "convert/point_flow.h"
 #include "convert_test_support.h"
@@ -8,38 +8,6 @@
 
 namespace tramline::test {
 namespace {
-
-TEST(GeodimeterPoints, AreaSamplesGiveEveryPoint) {
-    TRAMLINE_REQUIRE_SAMPLES();
-    struct Case {
-        const char *file;
-        long points; // label-2, 5 and 62 blocks with 37 and 38, counted with awk
-        const char *name;
-        double northing, easting, elevation;
-    };
-    const Case cases[] = {
-        {"DT.are", 6, "F3", 178.397, 1056.392, 0.0},
-        {"ullo.are", 4, "GP1", 12273.89, -23779.46, 0.0}, // 38 before 37
-        {"eastern_desert11.are", 618, "az", 2936545.339, 595563.000, 99.899},
-        {"BSG-08-11-19.are", 114, "3", 497.857, 499.622, 1.348},
-        {"DT.job", 0, "", 0, 0, 0},
-    };
-    for (const auto &c : cases) {
-        ScriptedInteraction ui;
-        convert::ImportOutput out;
-        ASSERT_TRUE(
-            convert::importGeodimeterPoints(
-                sourceOf(readBytes(samplePath(std::string("geodimeter/") + c.file))), ui, out)
-                .ok());
-        EXPECT_EQ(long(out.points.size()), c.points) << c.file;
-        for (const auto &p : out.points)
-            if (p.name == c.name) {
-                EXPECT_DOUBLE_EQ(p.northing, c.northing) << c.file;
-                EXPECT_DOUBLE_EQ(p.easting, c.easting) << c.file;
-                EXPECT_DOUBLE_EQ(p.elevation, c.elevation) << c.file;
-            }
-    }
-}
 
 TEST(GeodimeterPoints, ExportWritesFiveLinesAPoint) {
     crd::CrdPoint a, b;

@@ -7,6 +7,7 @@
 #include "convert/point_flow.h"
 #include "convert_test_support.h"
 #include "crd/coordinate_file.h"
+#include "support/test_support.h"
 
 namespace tramline::test {
 namespace {
@@ -107,10 +108,9 @@ TEST(GsiPointExport, PointsComeBackThroughThePointImport) {
     }
 }
 
-TEST(GsiPointExport, FlowWritesTheCoordinateFileOut) {
-    const auto dir = std::filesystem::temp_directory_path() / "tramline_gsi_points";
-    std::filesystem::remove_all(dir);
-    std::filesystem::create_directories(dir);
+using GsiPointFiles = ScratchFolderTest;
+
+TEST_F(GsiPointFiles, FlowWritesTheCoordinateFileOut) {
     ScriptedInteraction ui;
     crd::CoordinateFile file(crd::CrdContext{&ui, {}, {}});
     ASSERT_TRUE(file.open(dir / "job.crd"));
@@ -129,7 +129,6 @@ TEST(GsiPointExport, FlowWritesTheCoordinateFileOut) {
                                          {"gsi16", "m"}, ui, out)
                      .ok());
     EXPECT_EQ(ui.messages.back(), "Error: unable to write file");
-    std::filesystem::remove_all(dir);
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "../support/test_support.h"
 #include "geodesy/alignment_file.h"
 #include "geodesy/localization_files.h"
 #include "geodesy/localization_plot.h"
@@ -6,8 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 
 using namespace tramline::geodesy;
@@ -26,12 +25,6 @@ AlignmentPoint point(const char *name, double lat, double lon, double x, double 
     p.hrms = 0.012;
     p.vrms = 0.02;
     return p;
-}
-
-std::filesystem::path scratch(const char *name) {
-    const auto folder = std::filesystem::temp_directory_path() / "tramline_alignment_test";
-    std::filesystem::create_directories(folder);
-    return folder / name;
 }
 
 } // namespace
@@ -99,17 +92,17 @@ TEST(AlignmentFile, SavingSkipsTheDictionaryAndReportsAFolderItCannotWrite) {
     AlignmentFile file;
     file.points = {point("1", 54, 18, 10, 20)};
     bool written = true;
-    const auto dictionary = scratch("Dictionary.dat");
-    std::filesystem::remove(dictionary);
+    const tramline::test::ScratchFolder scratch;
+    const auto dictionary = scratch.path / "Dictionary.dat";
     ASSERT_TRUE(saveAlignmentFile(dictionary, file, written));
     EXPECT_FALSE(written);
     EXPECT_FALSE(std::filesystem::exists(dictionary));
 
-    const auto missing = scratch("no-such-folder") / "a.dat";
+    const auto missing = (scratch.path / "no-such-folder") / "a.dat";
     const Status status = saveAlignmentFile(missing, file, written);
     EXPECT_EQ(status.message, "\nError: unable to save file " + missing.string());
 
-    const auto path = scratch("kept.dat");
+    const auto path = scratch.path / "kept.dat";
     ASSERT_TRUE(saveAlignmentFile(path, file, written));
     EXPECT_TRUE(written);
     AlignmentFile back;

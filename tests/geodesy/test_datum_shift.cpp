@@ -17,12 +17,9 @@
 #include <sstream>
 
 using namespace tramline::geodesy;
+using tramline::test::replaced;
 
 namespace {
-
-struct Folder : tramline::test::ScratchFolder {
-    Folder() : ScratchFolder("tramline-shift") {}
-};
 
 // An NTv2 ASCII file: 2 x 3 nodes over 40..41 N, 10..12 E (seconds, west
 // positive), latitude shifts 1, 2, 3..., longitude shifts 10, 20, 30...
@@ -44,11 +41,6 @@ std::string ntv2(const std::string &overview = "", const std::string &sub = "", 
                       0.0);
         text += line;
     }
-    return text;
-}
-
-std::string replaced(std::string text, const std::string &from, const std::string &to) {
-    text.replace(text.find(from), from.size(), to);
     return text;
 }
 
@@ -123,7 +115,7 @@ TEST(SevenParameterShift, MatchesCs2csAndReturns) {
 }
 
 TEST(ShiftGrids, OpenInterpolateAndRefuse) {
-    Folder f;
+    const tramline::test::ScratchFolder f;
     Status status;
     ShiftGrids grids;
     status = grids.open("Belgium", f.path);
@@ -246,7 +238,7 @@ TEST(Ntv2Grid, AgreesWithProjOnARealGrid) {
 }
 
 TEST(Ostn02, PairShiftsAndReturns) {
-    Folder f;
+    const tramline::test::ScratchFolder f;
     Ostn02 ostn;
     EXPECT_EQ(ostn.open(f.path).message,
               "Error: missing OSTN file " + (f.path / "ostn02_x.bin").string());
@@ -292,7 +284,7 @@ TEST(Ostn02, PairShiftsAndReturns) {
 }
 
 TEST(NadConverter, MissingGridsAndAGridThatIsThere) {
-    Folder f;
+    const tramline::test::ScratchFolder f;
     NadConverter converter;
     Status status = converter.open(f.path, "no_such_grid.tif");
     EXPECT_EQ(status.message, "\nInternal Error1: failed to open NadConverter");

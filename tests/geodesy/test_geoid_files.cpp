@@ -1,3 +1,4 @@
+#include "../support/test_support.h"
 #include "geodesy/geoid_files.h"
 #include "geodesy/geoid_models.h"
 #include "loopback_server.h"
@@ -25,21 +26,13 @@ void write(const std::filesystem::path &path, const std::string &text) {
     std::ofstream(path, std::ios::binary) << text;
 }
 
-struct Folders {
-    std::filesystem::path root;
-    std::filesystem::path data;   // the program's data folder
-    std::filesystem::path served; // what the server serves
-
+struct Folders : tramline::test::ScratchFolder {
+    std::filesystem::path data = path / "data";     // the program's data folder
+    std::filesystem::path served = path / "server"; // what the server serves
     Folders() {
-        root = std::filesystem::temp_directory_path() /
-               ("tramline-geoid-files-" + std::to_string(::getpid()) + "-" +
-                ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        data = root / "data";
-        served = root / "server";
         std::filesystem::create_directories(data);
         std::filesystem::create_directories(served / "GeoidGrids");
     }
-    ~Folders() { std::filesystem::remove_all(root); }
 };
 
 std::string refusedServer() {
@@ -53,25 +46,23 @@ TEST(GeoidFiles, UrlIsBaseGeoidGridsAndTheLowerCaseName) {
     EXPECT_EQ(geoidGridUrl("http://h/x", "egm96.grd"), "http://h/x/GeoidGrids/egm96.grd");
 }
 
-TEST(GeoidFiles, PresentFileIsUsedAsItIs) {
-    Folders f;
-    write(f.data / "egm96.grd", kWorld);
-    GeoidModels models({f.data, refusedServer(), 5});
-    double n = 0;
-    ASSERT_TRUE(models.separation(6, 45, -100, n).ok());
-    EXPECT_NEAR(n, 14.5, 1e-9);
-}
-
-TEST(GeoidFiles, CopiedFromTheGeoidsFolderWithoutDownload) {
-    Folders f;
-    write(f.data / "geoids" / "egm96.grd", kWorld);
-    // No server answers: a download would fail.
-    GeoidModels models({f.data, refusedServer(), 5});
-    double n = 0;
-    const Status status = models.separation(6, -45, 10, n);
-    ASSERT_TRUE(status.ok()) << status.message;
-    EXPECT_NEAR(n, 5.5, 1e-9);
-    EXPECT_TRUE(std::filesystem::exists(f.data / "egm96.grd"));
+// A grid in the data folder is used as it is; one in its "geoids" folder
+// is copied up. No server answers: a download would fail.
+TEST(GeoidFiles, PresentOrCopiedFileNeedsNoDownload) {
+    const struct {
+        const char *where;
+        double latitude, longitude, separation;
+    } cases[] = {{"", 45, -100, 14.5}, {"geoids", -45, 10, 5.5}};
+    for (const auto &c : cases) {
+        Folders f;
+        write(f.data / c.where / "egm96.grd", kWorld);
+        GeoidModels models({f.data, refusedServer(), 5});
+        double n = 0;
+        const Status status = models.separation(6, c.latitude, c.longitude, n);
+        ASSERT_TRUE(status.ok()) << c.where << ": " << status.message;
+        EXPECT_NEAR(n, c.separation, 1e-9) << c.where;
+        EXPECT_TRUE(std::filesystem::exists(f.data / "egm96.grd")) << c.where;
+    }
 }
 
 TEST(GeoidFiles, DownloadedFromTheServer) {
@@ -89,45 +80,35 @@ TEST(GeoidFiles, DownloadedFromTheServer) {
     EXPECT_FALSE(std::filesystem::exists(f.data / "Norway15B.grd.part"));
 }
 
-TEST(GeoidFiles, MissingOnTheServer) {
+// A server without the file (404), one that never answers (curl's time-out,
+// 28) and none at all (7): the message says which, and nothing that looks
+// like a grid is left behind.
+TEST(GeoidFiles, FailedDownloadsSayWhy) {
     Folders f;
-    LoopbackServer server(f.served);
-    if (!server.running())
+    LoopbackServer missing(f.served);
+    if (!missing.running())
         GTEST_SKIP() << "python3's http.server could not be started";
-    GeoidModels models({f.data, server.base(), 10});
-    double n = 0;
-    const Status status = models.separation(6, 45, 10, n);
-    EXPECT_EQ(status.code, StatusCode::Download);
-    EXPECT_EQ(status.message, "Error 404: failed to download geoid from\n" + server.base() +
-                                  "GeoidGrids/egm96.grd");
-    // Nothing that looks like a grid is left behind.
-    EXPECT_FALSE(std::filesystem::exists(f.data / "egm96.grd"));
-    EXPECT_FALSE(std::filesystem::exists(f.data / "egm96.grd.part"));
-}
-
-TEST(GeoidFiles, ServerThatNeverAnswers) {
-    Folders f;
-    SilentServer server;
-    GeoidModels models({f.data, server.base(), 2});
-    double n = 0;
-    const auto start = std::chrono::steady_clock::now();
-    const Status status = models.separation(6, 45, 10, n);
-    const auto seconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    EXPECT_EQ(status.code, StatusCode::Download);
-    EXPECT_EQ(status.message,
-              "Error 28: failed to download geoid from\n" + server.base() + "GeoidGrids/egm96.grd");
-    EXPECT_LT(seconds, 10.0) << "the download must give up by its time limit";
-}
-
-TEST(GeoidFiles, NoServerAtAll) {
-    Folders f;
-    const std::string base = refusedServer();
-    GeoidModels models({f.data, base, 5});
-    double n = 0;
-    const Status status = models.separation(6, 45, 10, n);
-    EXPECT_EQ(status.message,
-              "Error 7: failed to download geoid from\n" + base + "GeoidGrids/egm96.grd");
+    SilentServer silent;
+    const struct {
+        std::string base;
+        int seconds;
+        const char *error;
+    } cases[] = {{missing.base(), 5, "Error 404"},
+                 {silent.base(), 2, "Error 28"},
+                 {refusedServer(), 5, "Error 7"}};
+    for (const auto &c : cases) {
+        GeoidModels models({f.data, c.base, c.seconds});
+        double n = 0;
+        const auto start = std::chrono::steady_clock::now();
+        const Status status = models.separation(6, 45, 10, n);
+        const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+        EXPECT_EQ(status.code, StatusCode::Download) << c.error;
+        EXPECT_EQ(status.message, std::string(c.error) + ": failed to download geoid from\n" +
+                                      c.base + "GeoidGrids/egm96.grd");
+        EXPECT_LT(took.count(), 10.0) << c.error << ": the download must give up by its time limit";
+        EXPECT_FALSE(std::filesystem::exists(f.data / "egm96.grd")) << c.error;
+        EXPECT_FALSE(std::filesystem::exists(f.data / "egm96.grd.part")) << c.error;
+    }
 }
 
 TEST(GeoidFiles, GpsReductionMessages) {

@@ -1,3 +1,4 @@
+#include "../support/test_support.h"
 #include "geodesy/geoid_grid.h"
 #include "geodesy/gtx_import.h"
 
@@ -27,13 +28,6 @@ GeoidGrid smallGrid() {
     GeoidGrid grid;
     EXPECT_TRUE(GeoidGrid::read(in, "small.grd", grid).ok());
     return grid;
-}
-
-std::filesystem::path tempDir() {
-    auto dir =
-        std::filesystem::temp_directory_path() / ("tramline-geoid-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(dir);
-    return dir;
 }
 
 void writeBigEndian(std::ostream &out, const void *value, int bytes) {
@@ -93,13 +87,13 @@ TEST(GeoidGrid, WritesTheLayoutItReads) {
     ASSERT_TRUE(grid.write(out));
     EXPECT_EQ(out.str(), kSmallGrid);
 
-    const auto path = tempDir() / "written.grd";
+    const tramline::test::ScratchFolder folder;
+    const auto path = folder.path / "written.grd";
     ASSERT_TRUE(grid.save(path).ok());
     GeoidGrid back;
     ASSERT_TRUE(GeoidGrid::load(path, back).ok());
     EXPECT_EQ(back.node(2, 3), grid.node(2, 3));
-    EXPECT_EQ(GeoidGrid::load(path.parent_path() / "absent.grd", back).code, StatusCode::Io);
-    std::filesystem::remove_all(path.parent_path());
+    EXPECT_EQ(GeoidGrid::load(folder.path / "absent.grd", back).code, StatusCode::Io);
 }
 
 TEST(GeoidGrid, BadFilesAreRefused) {
@@ -114,12 +108,7 @@ TEST(GeoidGrid, BadFilesAreRefused) {
         {"header only", good.substr(0, good.find("1.0000\n2.0000")),
          "Error: grid file bad.grd is truncated"},
         {"missing nodes", good.substr(0, good.size() - 9), "Error: grid file bad.grd is truncated"},
-        {"a node of text",
-         [&] {
-             std::string s = good;
-             s.replace(s.find("13.0000"), 7, "13.x000");
-             return s;
-         }(),
+        {"a node of text", tramline::test::replaced(good, "13.0000", "13.x000"),
          "Error: bad.grd is not a grid file"},
         {"north below south", "12\n350\n10\n353\n2.0\n3.0\n", "Error: bad.grd is not a grid file"},
         {"fractional intervals", "10\n350\n12\n353\n2.5\n3.0\n",
@@ -131,19 +120,9 @@ TEST(GeoidGrid, BadFilesAreRefused) {
         {"overlong header line", std::string(400, '1') + "\n350\n12\n353\n2.0\n3.0\n",
          "Error: bad.grd is not a grid file"},
         // Finite as a double, infinite as the float a node is kept in.
-        {"a node of 440 digits",
-         [&] {
-             std::string s = good;
-             s.replace(s.find("13.0000"), 7, std::string(440, '9'));
-             return s;
-         }(),
+        {"a node of 440 digits", tramline::test::replaced(good, "13.0000", std::string(440, '9')),
          "Error: bad.grd is not a grid file"},
-        {"a node of 1e300",
-         [&] {
-             std::string s = good;
-             s.replace(s.find("13.0000"), 7, "-1e300");
-             return s;
-         }(),
+        {"a node of 1e300", tramline::test::replaced(good, "13.0000", "-1e300"),
          "Error: bad.grd is not a grid file"},
     };
     for (const auto &c : cases) {
@@ -199,7 +178,8 @@ TEST(GtxImport, AgreesWithProjAtAThousandPoints) {
     if (!std::filesystem::exists(source))
         GTEST_SKIP() << source
                      << " is absent (install proj-data); the agreement with PROJ is not checked";
-    const auto converted = tempDir() / "egm96.grd";
+    const tramline::test::ScratchFolder folder;
+    const auto converted = folder.path / "egm96.grd";
     ASSERT_TRUE(importGtx(source, converted).ok());
     GeoidGrid grid;
     ASSERT_TRUE(GeoidGrid::load(converted, grid).ok());
@@ -225,15 +205,13 @@ TEST(GtxImport, AgreesWithProjAtAThousandPoints) {
     RecordProperty("worst_difference_m", std::to_string(worst));
     proj_destroy(pj);
     proj_context_destroy(ctx);
-    std::filesystem::remove_all(converted.parent_path());
 }
 
 // The binary copy answers only for the grid it was made from: a grid
 // rewritten since, or a damaged copy, is parsed again.
 TEST(GeoidGrid, CachedCopyFollowsItsGrid) {
-    const auto dir = tempDir() / "cache-test";
-    std::filesystem::remove_all(dir);
-    std::filesystem::create_directories(dir);
+    const tramline::test::ScratchFolder folder;
+    const auto &dir = folder.path;
     const auto previous = GeoidGrid::cacheFolder();
     GeoidGrid::setCacheFolder(dir / "cache");
     const auto grid = dir / "small.grd";
@@ -286,5 +264,4 @@ TEST(GeoidGrid, CachedCopyFollowsItsGrid) {
     EXPECT_NEAR(separationAt(10.0, 350.0), 1.0, 1e-6);
     EXPECT_FALSE(std::filesystem::exists(dir / "cache"));
     GeoidGrid::setCacheFolder(previous);
-    std::filesystem::remove_all(dir);
 }

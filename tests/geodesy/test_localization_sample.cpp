@@ -1,5 +1,6 @@
 // A real GPS job: positions with the grid coordinates the field software
 // gave them (Polish 2000 zone 6). Four points fitted must predict the rest.
+#include "../support/test_support.h"
 #include "geodesy/datum_shift.h"
 #include "geodesy/localization.h"
 
@@ -9,7 +10,6 @@
 #include <cstdio>
 #include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 
 using namespace tramline::geodesy;
@@ -28,10 +28,7 @@ std::string between(const std::string &text, const std::string &tag, std::size_t
 
 // The reduced points holding both a WGS 84 position and grid coordinates.
 std::map<std::string, AlignmentPoint> reducedPoints(const std::string &file) {
-    std::ifstream in(file, std::ios::binary);
-    std::stringstream whole;
-    whole << in.rdbuf();
-    const std::string text = whole.str();
+    const std::string text = tramline::test::slurp(file);
     std::map<std::string, AlignmentPoint> points;
     std::size_t at = text.find("<Reductions>");
     while (at != std::string::npos) {

@@ -5,16 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <sstream>
 
 using namespace tramline;
 using namespace tramline::geodesy;
 
 namespace {
-
-struct Folder : tramline::test::ScratchFolder {
-    Folder() : ScratchFolder("tramline-setgeoid") {}
-};
 
 // A one-degree world-wide model whose node value encodes its position
 // (row * 1000 + column), so that a cut can be checked node by node.
@@ -27,17 +22,10 @@ void writeModel(const std::filesystem::path &file) {
     ASSERT_TRUE(grid.save(file).ok());
 }
 
-std::string slurp(const std::filesystem::path &path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
 } // namespace
 
 TEST(SetGeoidArea, CutsTheSquareOnTheModelsNodes) {
-    Folder f;
+    const tramline::test::ScratchFolder f;
     writeModel(f.path / "egm96.grd");
     GeoidModels models({f.path, "http://127.0.0.1:9/", 2});
     GeoidAreaSettings s;
@@ -69,7 +57,7 @@ TEST(SetGeoidArea, CutsTheSquareOnTheModelsNodes) {
 }
 
 TEST(SetGeoidArea, MilesAndEdges) {
-    Folder f;
+    const tramline::test::ScratchFolder f;
     writeModel(f.path / "egm96.grd");
     GeoidModels models({f.path, "http://127.0.0.1:9/", 2});
     GeoidAreaSettings s;
@@ -98,7 +86,7 @@ TEST(SetGeoidArea, MilesAndEdges) {
 }
 
 TEST(SetGeoidArea, Messages) {
-    Folder f;
+    const tramline::test::ScratchFolder f;
     writeModel(f.path / "egm96.grd");
     std::ofstream(f.path / "osgm02.grd") << "49\n350\n61\n362\n1.0\n1.0\n1\n2\n3\n4\n";
     std::ofstream(f.path / "israel.grd") << "29\n34\n33.5\n36\n2.0\n"; // truncated
@@ -140,7 +128,7 @@ TEST(SetGeoidArea, Messages) {
 }
 
 TEST(SetGeoidArea, IniFileInItsOrder) {
-    Folder f;
+    const tramline::test::ScratchFolder f;
     GeoidAreaSettings s;
     s.latitude = 45.3015;
     s.longitude = 100.1;
@@ -151,7 +139,7 @@ TEST(SetGeoidArea, IniFileInItsOrder) {
     s.sizeUnit = AreaSizeUnit::Miles;
     const auto ini = f.path / kSetGeoidIni;
     ASSERT_TRUE(saveGeoidAreaSettings(ini, s));
-    EXPECT_EQ(slurp(ini),
+    EXPECT_EQ(tramline::test::slurp(ini),
               "lat_val=45.3015\nlon_val=100.1000\nis_geoid99=6\nsize=2.50\nis_north=1\nis_east=0\n"
               "is_deg=0\n");
     GeoidAreaSettings back;

@@ -9,6 +9,7 @@
 
 using namespace tramline;
 using namespace tramline::geodesy;
+using tramline::test::replaced;
 using tramline::test::slurp;
 
 namespace {
@@ -285,46 +286,17 @@ TEST(Wkt, MalformedTextIsRefusedWithAMessage) {
         "COMPD_CS[\"unterminated",
         good.substr(0, good.find("TOWGS84[") + 20),
         good.substr(0, good.find("SPHEROID[") + 12),
-        [&] {
-            std::string s = good;
-            s.replace(s.find("Transverse_Mercator"), 19, "Polyconic");
-            return s;
-        }(),
-        [&] {
-            std::string s = good;
-            s.replace(s.find("400000.0000"), 11, "4e5x");
-            return s;
-        }(),
-        [&] {
-            std::string s = good;
-            s.replace(s.find("6377563.396"), 11, "-1");
-            return s;
-        }(),
+        replaced(good, "Transverse_Mercator", "Polyconic"),
+        replaced(good, "400000.0000", "4e5x"),
+        replaced(good, "6377563.396", "-1"),
         std::string("COMPD_CS[\"a\",") + std::string(5000, '[') + "\xff\x00garbage",
         // Axes that "%.3f" cannot write back, or that no computation survives.
-        [&] {
-            std::string s = good;
-            s.replace(s.find("6377563.396"), 11, "0.0001");
-            return s;
-        }(),
-        [&] {
-            std::string s = good;
-            s.replace(s.find("6377563.396"), 11, "1e300");
-            return s;
-        }(),
-        [&] { // a scale of the datum shift far beyond any datum's
-            std::string s = good;
-            const std::size_t close = s.find(']', s.find("TOWGS84["));
-            const std::size_t comma = s.rfind(',', close);
-            s.replace(comma + 1, close - comma - 1, "2.89e55");
-            return s;
-        }(),
-        [&] { // a latitude of origin no turn of the circle reaches
-            std::string s = good;
-            const std::size_t at = s.find("latitude_of_origin\",") + 20;
-            s.replace(at, s.find(']', at) - at, "943125.157");
-            return s;
-        }(),
+        replaced(good, "6377563.396", "0.0001"),
+        replaced(good, "6377563.396", "1e300"),
+        // A scale of the datum shift far beyond any datum's.
+        replaced(good, "-20.48900000", "2.89e55"),
+        // A latitude of origin no turn of the circle reaches.
+        replaced(good, "0.85521133348", "943125.157"),
     };
     for (const auto &text : bad) {
         CoordinateSystem cs = britishGrid();

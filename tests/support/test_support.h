@@ -38,6 +38,13 @@ inline bool runUnprivileged(const std::function<bool()> &check) {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
+/// `text` with the first `from` in it replaced by `to`: a good input spoilt
+/// in one place.
+inline std::string replaced(std::string text, const std::string &from, const std::string &to) {
+    text.replace(text.find(from), from.size(), to);
+    return text;
+}
+
 /// Writes bytes to a file, replacing it.
 inline void spit(const std::filesystem::path &path, const std::string &bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
