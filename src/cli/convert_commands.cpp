@@ -172,7 +172,8 @@ void addExport(CLI::App &app, CommandContext &ctx) {
         if (withIpc)
             ipc.finish(ok ? kSuccess : kFailure);
         if (!ok) {
-            if (!destination.error().empty())
+            // The export's message cannot name the stream, nor say why.
+            if (destination.isStream() && !destination.error().empty())
                 ctx.err << destination.error() << '\n';
             ctx.exitCode = kFailure;
             return;
@@ -237,7 +238,7 @@ void exportPoints(const convert::FormatEntry &entry, const PointOptions &options
     convert::ExportOutput out;
     FileOutput destination = outputFor(options.output, ctx);
     if (!convert::runPointExport(entry.pointExport, file, destination, exportOptions, ui, out)) {
-        if (!destination.error().empty())
+        if (destination.isStream() && !destination.error().empty())
             ctx.err << destination.error() << '\n';
         ctx.exitCode = kFailure;
         return;
@@ -332,7 +333,8 @@ void addPoints(CLI::App &app, CommandContext &ctx) {
         long written = 0;
         FileOutput destination = outputFor(e->output, ctx);
         if (!convert::exportTextPointsFile(file, destination, options, e->range, ui, written)) {
-            if (!destination.error().empty())
+            // The export's message cannot name the stream, nor say why.
+            if (destination.isStream() && !destination.error().empty())
                 ctx.err << destination.error() << '\n';
             ctx.exitCode = kFailure;
             return;

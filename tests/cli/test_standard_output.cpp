@@ -87,8 +87,9 @@ TEST_F(StandardOutput, SameBytesAsTheFile) {
         EXPECT_FALSE(file.empty()) << name;
         EXPECT_EQ(withoutTimeStamp(toOutput.out), withoutTimeStamp(file)) << name;
         // The summary a file run prints moves to standard error.
-        if (!toFile.out.empty())
+        if (!toFile.out.empty()) {
             EXPECT_NE(toOutput.err.find(toFile.out), std::string::npos) << name << toOutput.err;
+        }
     }
 }
 
