@@ -4,6 +4,7 @@
 #include "app/coordinate_grid_model.h"
 #include "app/display_commands.h"
 #include "app/edit_history.h"
+#include "app/long_line_warning.h"
 #include "app/main_dialog.h"
 #include "app/qt_text.h"
 #include "app/raw_grid_model.h"
@@ -405,6 +406,9 @@ bool CKELMADlg::openRawFile(const std::string &path) {
     m_rawGrid->setCurrentIndex({});
     refreshRawGrid();
     updateTitle();
+    // The file is open and shown; now say which of its lines were split.
+    if (const std::string warning = longLinesWarning(path); !warning.empty())
+        ui().message(warning);
     return true;
 }
 

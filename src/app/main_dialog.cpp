@@ -12,6 +12,7 @@
 #include "app/raw_grid_model.h"
 #include "app/report_windows.h"
 #include "base/format.h"
+#include "base/forwarding_interaction.h"
 #include "crd/coordinate_file.h"
 #include "crd/working_copy.h"
 #include "raw/classify.h"
@@ -38,29 +39,15 @@ constexpr const char *kWorkingCoordinateFile = "tramlinetmp.crd";
 // The working file's messages, passed on to the user except while the
 // file is being made: a first failure there is followed by a retry, and
 // only the end of the story is worth a message.
-class StoreMessages : public Interaction {
+class StoreMessages : public ForwardingInteraction {
 public:
-    explicit StoreMessages(Interaction &target) : m_target(target) {}
-    int choose(const std::string &title, const std::string &message,
-               const std::vector<std::string> &buttons) override {
-        return m_target.choose(title, message, buttons);
-    }
-    bool fillForm(const std::string &title, std::vector<FormField> &fields) override {
-        return m_target.fillForm(title, fields);
-    }
+    explicit StoreMessages(Interaction &target) : ForwardingInteraction(target) {}
     void message(const std::string &text) override {
         if (!muted)
-            m_target.message(text);
+            ForwardingInteraction::message(text);
     }
-    void progress(long position, long length, const std::string &caption) override {
-        m_target.progress(position, length, caption);
-    }
-    bool idle() override { return m_target.idle(); }
 
     bool muted = false;
-
-private:
-    Interaction &m_target;
 };
 
 QTableView *makeGrid(QWidget *parent, int id) {

@@ -2,34 +2,16 @@
 
 #include "base/atomic_save.h"
 #include "base/format.h"
-#include "base/line_reader.h"
+#include "base/settings_file.h"
 #include "base/text.h"
-
-#include <charconv>
-#include <fstream>
-#include <optional>
 
 namespace tramline::app {
 
 namespace {
 
-// Decimal, as atoi reads it (leading blanks, then digits), but a value
-// without digits leaves the setting alone rather than making it 0.
-std::optional<int> parseInteger(std::string_view text) {
-    text = trimLeft(text);
-    if (!text.empty() && text.front() == '+')
-        text.remove_prefix(1);
-    int parsed = 0;
-    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), parsed, 10);
-    if (ec != std::errc() || end == text.data())
-        return std::nullopt;
-    return parsed;
-}
-
-bool isShellKeyLine(std::string_view line) {
-    for (std::string_view key :
-         {"tmpdir=", "ang_display_mode=", "ne_order=", "lang_mode=", "window="})
-        if (line.starts_with(key))
+bool isShellKey(std::string_view key) {
+    for (std::string_view shell : {"tmpdir", "ang_display_mode", "ne_order", "lang_mode", "window"})
+        if (key == shell)
             return true;
     return false;
 }
@@ -37,22 +19,20 @@ bool isShellKeyLine(std::string_view line) {
 } // namespace
 
 void applySettingsLine(std::string_view line, ShellSettings &settings) {
-    const size_t eq = line.find('=');
-    if (eq == std::string_view::npos || eq + 1 >= line.size())
+    std::string_view key, value;
+    if (!splitSettingsLine(line, key, value))
         return;
-    const std::string_view key = line.substr(0, eq);
-    const std::string_view value = line.substr(eq + 1);
     if (key == "tmpdir")
         settings.tmpdir.assign(value);
     else if (key == "ang_display_mode") {
-        if (const auto n = parseInteger(value))
+        if (const auto n = parseSettingsInteger(value))
             settings.angleDisplay = *n == 0 ? AngleUnit::Gons : AngleUnit::DegreesMinutesSeconds;
     } else if (key == "ne_order") {
-        if (const auto n = parseInteger(value))
+        if (const auto n = parseSettingsInteger(value))
             settings.coordinateOrder = *n == 1 ? raw::CoordinateOrder::EastingNorthing
                                                : raw::CoordinateOrder::NorthingEasting;
     } else if (key == "lang_mode") {
-        if (const auto n = parseInteger(value))
+        if (const auto n = parseSettingsInteger(value))
             settings.language = *n == 1 ? LanguageMode::System : LanguageMode::English;
     } else if (key == "window") {
         const auto parts = split(value, ',');
@@ -60,7 +40,7 @@ void applySettingsLine(std::string_view line, ShellSettings &settings) {
             return;
         int numbers[4];
         for (size_t i = 0; i < 4; ++i) {
-            const auto n = parseInteger(trim(parts[i]));
+            const auto n = parseSettingsInteger(trim(parts[i]));
             if (!n)
                 return;
             numbers[i] = static_cast<int>(*n);
@@ -72,14 +52,8 @@ void applySettingsLine(std::string_view line, ShellSettings &settings) {
 }
 
 bool readSettingsFile(const std::filesystem::path &path, ShellSettings &settings) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
-        return false;
-    LineReader reader(in, 222);
-    std::string line;
-    while (reader.next(line))
-        applySettingsLine(line, settings);
-    return true;
+    return readSettingsLines(path,
+                             [&](std::string_view line) { applySettingsLine(line, settings); });
 }
 
 std::string settingsText(const ShellSettings &settings) {
@@ -98,16 +72,7 @@ std::string settingsText(const ShellSettings &settings) {
 bool writeSettingsFile(const std::filesystem::path &path, const ShellSettings &settings) {
     // Lines the shell does not own (the port dialog's, a newer version's)
     // stay, after the shell's own keys.
-    std::string text = settingsText(settings);
-    if (std::ifstream in(path, std::ios::binary); in) {
-        std::string line;
-        while (std::getline(in, line)) {
-            if (line.ends_with('\r'))
-                line.pop_back();
-            if (!line.empty() && !isShellKeyLine(line))
-                text += line + '\n';
-        }
-    }
+    std::string text = settingsText(settings) + otherSettingsLines(path, isShellKey);
     return saveTextAtomically(path, text);
 }
 

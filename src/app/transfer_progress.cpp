@@ -11,7 +11,7 @@
 namespace tramline::app {
 
 TransferProgress::TransferProgress(Interaction &ui, QWidget *parent, const std::string &title)
-    : m_ui(ui), m_dialog(std::make_unique<QProgressDialog>(parent)) {
+    : ForwardingInteraction(ui), m_dialog(std::make_unique<QProgressDialog>(parent)) {
     m_dialog->setObjectName(QStringLiteral("transferProgress"));
     m_dialog->setWindowTitle(qstr(title));
     m_dialog->setCancelButtonText(qtr("Cancel"));
@@ -38,13 +38,13 @@ void TransferProgress::progress(long position, long length, const std::string &c
     } else {
         m_dialog->setRange(0, 0);
     }
-    m_ui.progress(position, length, caption);
+    ForwardingInteraction::progress(position, length, caption);
     QApplication::processEvents();
 }
 
 bool TransferProgress::idle() {
     QApplication::processEvents();
-    return !m_dialog->wasCanceled() && m_ui.idle();
+    return !m_dialog->wasCanceled() && ForwardingInteraction::idle();
 }
 
 } // namespace tramline::app

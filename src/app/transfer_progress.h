@@ -5,7 +5,7 @@
 // wait. Questions and messages go on to the shell's own answers.
 #pragma once
 
-#include "base/interaction.h"
+#include "base/forwarding_interaction.h"
 
 #include <memory>
 
@@ -14,25 +14,16 @@ class QWidget;
 
 namespace tramline::app {
 
-class TransferProgress : public Interaction {
+class TransferProgress : public ForwardingInteraction {
 public:
     TransferProgress(Interaction &ui, QWidget *parent, const std::string &title);
     ~TransferProgress() override;
 
-    int choose(const std::string &title, const std::string &message,
-               const std::vector<std::string> &buttons) override {
-        return m_ui.choose(title, message, buttons);
-    }
-    bool fillForm(const std::string &title, std::vector<FormField> &fields) override {
-        return m_ui.fillForm(title, fields);
-    }
-    void message(const std::string &text) override { m_ui.message(text); }
     void progress(long position, long length, const std::string &caption) override;
     /// False once the user pressed Cancel (or the shell's own hook says stop).
     bool idle() override;
 
 private:
-    Interaction &m_ui;
     std::unique_ptr<QProgressDialog> m_dialog;
 };
 

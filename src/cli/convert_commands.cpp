@@ -10,6 +10,7 @@
 #include "cli/console_interaction.h"
 #include "cli/ipc_progress.h"
 #include "cli/progress.h"
+#include "cli/stream_files.h"
 #include "convert/export_flow.h"
 #include "convert/geodimeter_options.h"
 #include "convert/import_flow.h"
@@ -86,7 +87,7 @@ void addImport(CLI::App &app, CommandContext &ctx) {
     cmd->add_flag("--info-codes", o->infoCodes, "Geodimeter: use info codes in point descriptions");
     cmd->callback([&ctx, o] {
         const auto *entry = builtFormat(FormatKind::RawImport, o->format, ctx);
-        if (!entry)
+        if (!entry || (!o->crd.empty() && !coordinateFilePath(o->crd, ctx)))
             return;
         ConsoleInteraction ui(ctx.err);
         ui.answers[tr("Backsight Measurements")] =
@@ -131,7 +132,7 @@ void addExport(CLI::App &app, CommandContext &ctx) {
     auto o = std::make_shared<ExportOptions>();
     cmd->add_option("FORMAT", o->format, "Converter name (tramline-cli formats)")->required();
     cmd->add_option("FILE", o->file, "RW5 file")->required();
-    cmd->add_option("-o,--output", o->output, "File to write")->required();
+    cmd->add_option("-o,--output", o->output, "File to write, - for standard output")->required();
     cmd->add_option("--format", o->layout, "sdr33 (default) or sdr2x")
         ->check(CLI::IsMember({"sdr33", "sdr2x"}, CLI::ignore_case));
     cmd->add_flag("--ipc", o->ipc,
@@ -149,26 +150,39 @@ void addExport(CLI::App &app, CommandContext &ctx) {
         console.answers[tr("Raw File Units")] =
             std::string(equalsIgnoreCase(o->angle, "gon") ? tr("Gon") : tr("Deg/Min/Sec")) + "|" +
             (equalsIgnoreCase(o->distance, "ft") ? tr("Feet") : tr("Meters"));
+        const bool toOutput = isStandardStream(o->output);
+        if (toOutput && o->ipc) {
+            ctx.err << tr("Error: --ipc writes its lines to standard output; give -o a file")
+                    << '\n';
+            ctx.exitCode = kUsage;
+            return;
+        }
         IpcProgress ipc(console, ctx.out);
-        const bool withIpc = o->ipc || ipcRequestedByEnvironment();
+        // The file itself goes to standard output: no progress lines in it.
+        const bool withIpc = o->ipc || (ipcRequestedByEnvironment() && !toOutput);
         Interaction &ui = withIpc ? static_cast<Interaction &>(ipc) : console;
         convert::ExportOptions options;
         options.format = o->layout.empty() ? "sdr33" : o->layout;
         convert::ExportOutput out;
         if (entry->readError)
             out.readError = tr(entry->readError);
+        FileOutput destination = outputFor(o->output, ctx);
         const bool ok =
-            bool(convert::runExport(entry->exporter, o->file, o->output, options, ui, out));
+            bool(convert::runExport(entry->exporter, o->file, destination, options, ui, out));
         if (withIpc)
             ipc.finish(ok ? kSuccess : kFailure);
         if (!ok) {
+            // The export's message cannot name the stream, nor say why.
+            if (destination.isStream() && !destination.error().empty())
+                ctx.err << destination.error() << '\n';
             ctx.exitCode = kFailure;
             return;
         }
         long skipped = 0;
         for (const auto &[reason, count] : out.skipped)
             skipped += count;
-        ctx.out << format(tr("Wrote %ld records, %ld lines skipped"), out.records, skipped) << '\n';
+        summaryStream(o->output, ctx)
+            << format(tr("Wrote %ld records, %ld lines skipped"), out.records, skipped) << '\n';
     });
 }
 
@@ -180,6 +194,8 @@ struct PointOptions {
 
 bool openCoordinateFile(crd::CoordinateFile &file, const std::string &path, bool forWriting,
                         CommandContext &ctx) {
+    if (!coordinateFilePath(path, ctx))
+        return false;
     const bool ok = forWriting ? file.open(path) : file.openForReading(path);
     if (!ok) {
         ctx.err << format(tr("Error: unable to open coordinate file %s"), path.c_str()) << '\n';
@@ -220,11 +236,14 @@ void exportPoints(const convert::FormatEntry &entry, const PointOptions &options
     exportOptions.variant = options.gsi8 ? "gsi8" : "gsi16";
     exportOptions.unit = toLower(options.unit);
     convert::ExportOutput out;
-    if (!convert::runPointExport(entry.pointExport, file, options.output, exportOptions, ui, out)) {
+    FileOutput destination = outputFor(options.output, ctx);
+    if (!convert::runPointExport(entry.pointExport, file, destination, exportOptions, ui, out)) {
+        if (destination.isStream() && !destination.error().empty())
+            ctx.err << destination.error() << '\n';
         ctx.exitCode = kFailure;
         return;
     }
-    ctx.out << format(tr("Wrote %ld points"), out.records) << '\n';
+    summaryStream(options.output, ctx) << format(tr("Wrote %ld points"), out.records) << '\n';
     // The file is whole, but a GSI-8 reader cannot take it.
     if (out.completion.starts_with("Error"))
         ctx.exitCode = kFailure;
@@ -280,7 +299,7 @@ void addPoints(CLI::App &app, CommandContext &ctx) {
     auto e = std::make_shared<PointOptions>();
     out->add_option("FORMAT", e->format, "Converter name (tramline-cli formats)")->required();
     out->add_option("CRD", e->crd, "Coordinate file")->required();
-    out->add_option("-o,--output", e->output, "File to write")->required();
+    out->add_option("-o,--output", e->output, "File to write, - for standard output")->required();
     out->add_option("--order", e->order, "PNEZD (default), PENZD, NEZD or ENZD");
     out->add_option("--delimiter", e->delimiter, "comma (default) or space")
         ->check(CLI::IsMember({"comma", "space"}, CLI::ignore_case));
@@ -312,11 +331,15 @@ void addPoints(CLI::App &app, CommandContext &ctx) {
         if (!openCoordinateFile(file, e->crd, false, ctx))
             return;
         long written = 0;
-        if (!convert::exportTextPointsFile(file, e->output, options, e->range, ui, written)) {
+        FileOutput destination = outputFor(e->output, ctx);
+        if (!convert::exportTextPointsFile(file, destination, options, e->range, ui, written)) {
+            // The export's message cannot name the stream, nor say why.
+            if (destination.isStream() && !destination.error().empty())
+                ctx.err << destination.error() << '\n';
             ctx.exitCode = kFailure;
             return;
         }
-        ctx.out << format(tr("Wrote %ld points"), written) << '\n';
+        summaryStream(e->output, ctx) << format(tr("Wrote %ld points"), written) << '\n';
     });
 }
 

@@ -9,6 +9,7 @@
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
 #include "cli/progress.h"
+#include "cli/stream_files.h"
 #include "crd/coordinate_file.h"
 #include "crd/coordinate_report.h"
 #include "crd/history_file.h"
@@ -67,6 +68,8 @@ struct Store {
         ctx.exitCode = kFailure;
     }
     bool openForUpdate(const std::string &path, bool history) {
+        if (!coordinateFilePath(path, ctx))
+            return false;
         if (!file.open(path)) {
             failed();
             return false;
@@ -76,6 +79,8 @@ struct Store {
         return true;
     }
     bool openForReading(const std::string &path) {
+        if (!coordinateFilePath(path, ctx))
+            return false;
         if (file.openForReading(path))
             return true;
         failed();
@@ -121,6 +126,8 @@ void addNew(CLI::App &crdApp, CommandContext &ctx) {
         const int layout = o->numeric ? crd::kFormatNumeric
                            : o->alpha ? crd::kFormatAlphanumeric
                                       : -1;
+        if (!coordinateFilePath(o->file, ctx))
+            return;
         if (!store.file.open(o->file, crd::Create::Always, layout))
             return store.failed();
         ctx.out << format("Created %s (%s)", o->file.c_str(), formatName(store.file.format()))
@@ -322,13 +329,14 @@ void addGet(CLI::App &crdApp, CommandContext &ctx) {
 void addList(CLI::App &crdApp, CommandContext &ctx) {
     auto *cmd = crdApp.add_subcommand("list", "Print the points in the file's order");
     struct Options {
-        std::string file, range;
+        std::string file, range, output = "-";
         bool json = false;
     };
     auto o = std::make_shared<Options>();
     cmd->add_option("FILE", o->file, "Coordinate file")->required();
     cmd->add_option("--range", o->range, "Only these points, like 1-20 or A1-A9,B4");
     cmd->add_flag("--json", o->json, "Write a JSON array of points");
+    cmd->add_option("-o,--output", o->output, "Write here (default and -: standard output)");
     cmd->callback([&ctx, o] {
         PointList range;
         if (!o->range.empty() && !range.parse(o->range))
@@ -336,9 +344,12 @@ void addList(CLI::App &crdApp, CommandContext &ctx) {
         Store store(ctx);
         if (!store.openForReading(o->file))
             return;
+        // Lines go out as they are read: a large file is never held whole.
+        FileOutput out = outputFor(o->output, ctx);
         nlohmann::json points = nlohmann::json::array();
         CrdPoint p;
-        for (store.file.setCurrentIndex(-1); store.file.readNext(p);) {
+        bool written = true;
+        for (store.file.setCurrentIndex(-1); written && store.file.readNext(p);) {
             if (!o->range.empty() && !range.contains(p.name))
                 continue;
             if (o->json)
@@ -349,12 +360,18 @@ void addList(CLI::App &crdApp, CommandContext &ctx) {
                                                                      : nlohmann::json(p.elevation)},
                                   {"description", p.description}});
             else
-                ctx.out << pointLine(p) << '\n';
+                written = out.write(pointLine(p) + '\n');
         }
         if (o->json)
-            ctx.out << points.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+            written = out.write(
+                points.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) + '\n');
+        if (!written)
+            return reportOutputError(out, ctx);
+        // A damaged record stopped the walk: a file keeps what it had.
         if (store.file.lastError() != crd::kPointNotFound)
-            store.failed(); // a damaged record stopped the walk
+            return store.failed();
+        if (!out.commit())
+            reportOutputError(out, ctx);
     });
 }
 

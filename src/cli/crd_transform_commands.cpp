@@ -6,6 +6,7 @@
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
 #include "cli/progress.h"
+#include "cli/stream_files.h"
 #include "cli/system_definition.h"
 #include "crd/coordinate_file.h"
 #include "geodesy/crs_transform.h"
@@ -48,6 +49,8 @@ void addCrdTransformCommand(CLI::App &crdApp, CommandContext &ctx) {
     cmd->add_option("-o,--out", o->output, "Coordinate file to write (made when missing)")
         ->required();
     cmd->callback([&ctx, o] {
+        if (!coordinateFilePath(o->input, ctx) || !coordinateFilePath(o->output, ctx))
+            return;
         std::error_code ec;
         if (std::filesystem::equivalent(o->input, o->output, ec))
             return fail(ctx, tr(kSameFile));

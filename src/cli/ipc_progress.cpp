@@ -11,7 +11,7 @@ bool ipcRequestedByEnvironment() {
 }
 
 void IpcProgress::progress(long position, long length, const std::string &caption) {
-    m_ui.progress(position, length, caption);
+    ForwardingInteraction::progress(position, length, caption);
     if (length != m_length || caption != m_caption) {
         m_length = length;
         m_caption = caption;

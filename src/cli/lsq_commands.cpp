@@ -9,6 +9,7 @@
 #include "base/translation.h"
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
+#include "cli/stream_files.h"
 #include "crd/coordinate_file.h"
 #include "raw/reader.h"
 #include "reduce/adjust_methods.h"
@@ -206,7 +207,10 @@ void addLsqCommands(CLI::App &app, CommandContext &ctx) {
     prepare->add_option("-o,--output", p->output,
                         "Least-squares file (default: beside the raw file, .lsq)");
     prepare->add_option("--crd", p->crd, "Coordinate file holding the control points");
-    prepare->callback([&ctx, p] { runPrepare(*p, ctx); });
+    prepare->callback([&ctx, p] {
+        if (coordinateFilePath(p->crd, ctx))
+            runPrepare(*p, ctx);
+    });
 
     auto s = std::make_shared<SolveCliOptions>();
     auto *solve = lsq->add_subcommand(
@@ -220,7 +224,10 @@ void addLsqCommands(CLI::App &app, CommandContext &ctx) {
                     "Write points, s0, chi-square, iterations and observations as JSON");
     solve->add_option("--plot", s->plot, "Write the network picture as SVG to this file");
     solve->add_flag("--debug", s->debug, "Add the step-by-step listing with its matrices");
-    solve->callback([&ctx, s] { runSolve(*s, ctx); });
+    solve->callback([&ctx, s] {
+        if (coordinateFilePath(s->crd, ctx))
+            runSolve(*s, ctx);
+    });
 }
 
 } // namespace tramline::cli

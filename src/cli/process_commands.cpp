@@ -10,6 +10,7 @@
 #include "cli/command_context.h"
 #include "cli/console_interaction.h"
 #include "cli/progress.h"
+#include "cli/stream_files.h"
 #include "crd/coordinate_file.h"
 #include "geodesy/coordinate_system_family.h"
 #include "geodesy/geoid_models.h"
@@ -391,7 +392,10 @@ void addProcessCommands(CLI::App &app, CommandContext &ctx) {
     cmd->add_option("--workdir", o->workdir,
                     "Working folder for the temporary files (default: Documents/Halvren Tramline)");
     cmd->add_flag("--json", o->json, "Write the report as JSON");
-    cmd->callback([&ctx, o] { runProcess(*o, ctx); });
+    cmd->callback([&ctx, o] {
+        if (coordinateFilePath(o->crd, ctx))
+            runProcess(*o, ctx);
+    });
 }
 
 } // namespace tramline::cli

@@ -40,8 +40,17 @@ bool openDocument(const std::string &file, raw::RawDocument &doc, CommandContext
     return true;
 }
 
-// Saves to -o when given, else over the file itself (atomically).
+// Saves to -o when given, else over the file itself (atomically); "-"
+// writes the RW5 text to standard output.
 bool saveDocument(raw::RawDocument &doc, const std::string &output, CommandContext &ctx) {
+    if (isStandardStream(output)) {
+        FileOutput out = outputFor(output, ctx);
+        if (out.write(doc.text()) && out.commit())
+            return true;
+        ctx.err << tr("Error: failed to write rawfile") << '\n' << out.error() << '\n';
+        ctx.exitCode = kFailure;
+        return false;
+    }
     ConsoleInteraction ui(ctx.err);
     const bool ok = output.empty() ? doc.save(ui) : doc.saveAs(output, ui);
     if (!ok)
@@ -87,10 +96,12 @@ void addShow(CLI::App &raw, CommandContext &ctx) {
     auto json = std::make_shared<bool>(false);
     cmd->add_option("FILE", opts->file, "RW5 file")->required();
     cmd->add_flag("--json", *json, "Write a JSON array of rows");
+    cmd->add_option("-o,--output", opts->output, "Write here (default and -: standard output)");
     cmd->callback([&ctx, opts, json] {
         raw::RawDocument doc;
         if (!openDocument(opts->file, doc, ctx))
             return;
+        std::string text;
         if (*json) {
             nlohmann::json rows = nlohmann::json::array();
             for (size_t i = 0; i < doc.rowCount(); ++i) {
@@ -100,16 +111,18 @@ void addShow(CLI::App &raw, CommandContext &ctx) {
                                 {"captions", doc.captions(row.type)},
                                 {"cells", row.cells}});
             }
-            ctx.out << rows.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
-            return;
+            text = rows.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
+        } else {
+            for (size_t i = 0; i < doc.rowCount(); ++i) {
+                const auto &row = doc.row(i);
+                text += std::to_string(i + 1) + '\t' + row.type;
+                for (const auto &cell : row.cells)
+                    text += '\t' + cell;
+                text += '\n';
+            }
         }
-        for (size_t i = 0; i < doc.rowCount(); ++i) {
-            const auto &row = doc.row(i);
-            ctx.out << i + 1 << '\t' << row.type;
-            for (const auto &cell : row.cells)
-                ctx.out << '\t' << cell;
-            ctx.out << '\n';
-        }
+        FileOutput out = outputFor(opts->output.empty() ? "-" : opts->output, ctx);
+        writeOutput(out, text, ctx);
     });
 }
 
@@ -133,7 +146,8 @@ void addModify(CLI::App &raw, CommandContext &ctx) {
                                    "Range of points, like 1-5,7,A10 (foresight points)");
     auto *lines = cmd->add_option("--lines", o->lines, "Start and end line, like 4-20 (grid rows)");
     points->excludes(lines);
-    cmd->add_option("-o,--output", o->output, "Write here instead of over FILE");
+    cmd->add_option("-o,--output", o->output,
+                    "Write here instead of over FILE (-: standard output)");
     cmd->callback([&ctx, o, cmd] {
         if (o->points.empty() && o->lines.empty())
             throw CLI::ValidationError("--points or --lines", "give the rows to modify");
@@ -175,7 +189,7 @@ void addModify(CLI::App &raw, CommandContext &ctx) {
         if (count > 0 || !o->output.empty())
             if (!saveDocument(doc, o->output, ctx))
                 return;
-        ctx.out << format(tr("Modified %d values"), count) << '\n';
+        summaryStream(o->output, ctx) << format(tr("Modified %d values"), count) << '\n';
     });
 }
 
@@ -191,7 +205,8 @@ void addAppend(CLI::App &raw, CommandContext &ctx) {
     cmd->add_option("OTHER", o->other, "The raw file to add")->required();
     cmd->add_flag("--tds", o->tds,
                   "OTHER is a TDS collector's raw file (its job and mode records are left out)");
-    cmd->add_option("-o,--output", o->output, "Write here instead of over FILE");
+    cmd->add_option("-o,--output", o->output,
+                    "Write here instead of over FILE (-: standard output)");
     cmd->callback([&ctx, o] {
         raw::RawDocument doc;
         if (!openDocument(o->file, doc, ctx))
@@ -204,7 +219,8 @@ void addAppend(CLI::App &raw, CommandContext &ctx) {
         }
         if (!saveDocument(doc, o->output, ctx))
             return;
-        ctx.out << format("Added %zu records", doc.rowCount() - before) << '\n';
+        summaryStream(o->output, ctx)
+            << format("Added %zu records", doc.rowCount() - before) << '\n';
     });
 }
 

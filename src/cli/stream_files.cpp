@@ -11,6 +11,10 @@ namespace {
 
 constexpr const char *kCannotRead = trNoop("Error: unable to read file");
 constexpr const char *kCannotWrite = trNoop("Error: unable to write file");
+constexpr const char *kStandardOutput = trNoop("standard output");
+constexpr const char *kNoStreamForCoordinates =
+    trNoop("Error: a coordinate file cannot be standard input or output (\"-\"): it is read and "
+           "written in place");
 
 } // namespace
 
@@ -22,6 +26,40 @@ void reportFileError(CommandContext &ctx, const std::string &message, const std:
                      int error) {
     ctx.err << message << '\n' << fileReason(path, error) << '\n';
     ctx.exitCode = kFailure;
+}
+
+bool isStandardStream(const std::string &path) {
+    return path == "-";
+}
+
+FileOutput outputFor(const std::string &path, CommandContext &ctx) {
+    if (isStandardStream(path))
+        return FileOutput(ctx.out, tr(kStandardOutput));
+    return FileOutput(path);
+}
+
+void reportOutputError(const FileOutput &output, CommandContext &ctx) {
+    ctx.err << tr(kCannotWrite) << '\n' << output.error() << '\n';
+    ctx.exitCode = kFailure;
+}
+
+bool writeOutput(FileOutput &output, std::string_view bytes, CommandContext &ctx) {
+    if (output.write(bytes) && output.commit())
+        return true;
+    reportOutputError(output, ctx);
+    return false;
+}
+
+std::ostream &summaryStream(const std::string &output, CommandContext &ctx) {
+    return isStandardStream(output) ? ctx.err : ctx.out;
+}
+
+bool coordinateFilePath(const std::string &path, CommandContext &ctx) {
+    if (!isStandardStream(path))
+        return true;
+    ctx.err << tr(kNoStreamForCoordinates) << '\n';
+    ctx.exitCode = kUsage;
+    return false;
 }
 
 bool InputFile::open(const std::string &path, CommandContext &ctx) {
@@ -52,9 +90,14 @@ bool OutputFile::open(const std::string &path, CommandContext &ctx) {
 }
 
 bool OutputFile::close(CommandContext &ctx) {
+    errno = 0;
     stream().flush();
-    if (m_out)
-        return static_cast<bool>(*m_out);
+    if (m_out) {
+        if (*m_out)
+            return true;
+        reportFileError(ctx, tr(kCannotWrite), tr(kStandardOutput), errno ? errno : EIO);
+        return false;
+    }
     errno = 0;
     m_file.close();
     if (m_file)

@@ -4,6 +4,7 @@
 // file or directory").
 #pragma once
 
+#include "base/file_output.h"
 #include "cli/command_context.h"
 
 #include <fstream>
@@ -19,6 +20,26 @@ std::string fileReason(const std::string &path, int error);
 /// error stream, and sets the failure exit code.
 void reportFileError(CommandContext &ctx, const std::string &message, const std::string &path,
                      int error);
+
+/// True for "-", standard input or output.
+bool isStandardStream(const std::string &path);
+
+/// The file a command writes: `path` saved atomically, or the command's
+/// output stream for "-", written as the bytes come.
+FileOutput outputFor(const std::string &path, CommandContext &ctx);
+/// Writes `bytes` and commits; reports a failure ("Error: unable to write
+/// file" and the reason) and sets the failure exit code.
+bool writeOutput(FileOutput &output, std::string_view bytes, CommandContext &ctx);
+/// Reports the failure of `output`, as writeOutput() does.
+void reportOutputError(const FileOutput &output, CommandContext &ctx);
+/// Where a command's own lines (counts, summaries) go: standard error when
+/// its file goes to standard output, so that the file stays as it is.
+std::ostream &summaryStream(const std::string &output, CommandContext &ctx);
+
+/// A coordinate file is read and written in place by record, with seeking,
+/// so a pipe cannot stand for it: "-" is refused with a message that says
+/// so (bad usage). True when `path` may be used.
+bool coordinateFilePath(const std::string &path, CommandContext &ctx);
 
 class InputFile {
 public:

@@ -1,6 +1,5 @@
 #include "convert/export_flow.h"
 
-#include "base/atomic_save.h"
 #include "base/format.h"
 #include "base/line_reader.h"
 #include "base/translation.h"
@@ -13,6 +12,20 @@ namespace tramline::convert {
 Status runExport(ExportFunction exporter, const std::filesystem::path &rawFile,
                  const std::filesystem::path &destination, const ExportOptions &options,
                  Interaction &ui, ExportOutput &out) {
+    FileOutput file(destination);
+    return runExport(exporter, rawFile, file, options, ui, out);
+}
+
+Status runExport(ExportFunction exporter, const std::vector<std::string> &lines,
+                 const std::filesystem::path &destination, const ExportOptions &options,
+                 Interaction &ui, ExportOutput &out) {
+    FileOutput file(destination);
+    return runExport(exporter, lines, file, options, ui, out);
+}
+
+Status runExport(ExportFunction exporter, const std::filesystem::path &rawFile,
+                 FileOutput &destination, const ExportOptions &options, Interaction &ui,
+                 ExportOutput &out) {
     std::vector<std::string> lines;
     {
         std::ifstream in(rawFile, std::ios::binary);
@@ -35,12 +48,10 @@ Status runExport(ExportFunction exporter, const std::filesystem::path &rawFile,
     return runExport(exporter, lines, destination, options, ui, out);
 }
 
-Status runExport(ExportFunction exporter, const std::vector<std::string> &lines,
-                 const std::filesystem::path &destination, const ExportOptions &options,
-                 Interaction &ui, ExportOutput &out) {
+Status runExport(ExportFunction exporter, const std::vector<std::string> &lines, FileOutput &file,
+                 const ExportOptions &options, Interaction &ui, ExportOutput &out) {
     // Pieces an exporter hands on go straight to the file; the file takes
     // the destination's place only when the export is complete.
-    AtomicFileWriter file(destination);
     out.sink = [&file](std::string_view bytes) { return file.write(bytes); };
     Status made = exporter(lines, options, ui, out);
     out.sink = nullptr;
@@ -48,10 +59,9 @@ Status runExport(ExportFunction exporter, const std::vector<std::string> &lines,
         return made;
     if (!file.write(out.bytes) || !file.commit()) {
         // A write error may name the file ("... gsi file %s").
-        const std::string message =
-            out.writeError.find("%s") != std::string::npos
-                ? format(out.writeError.c_str(), destination.string().c_str())
-                : out.writeError;
+        const std::string message = out.writeError.find("%s") != std::string::npos
+                                        ? format(out.writeError.c_str(), file.name().c_str())
+                                        : out.writeError;
         ui.message(message);
         return Status::failure(StatusCode::Io, message);
     }

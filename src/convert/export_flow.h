@@ -2,6 +2,7 @@
 // exporter write the foreign file, save it atomically.
 #pragma once
 
+#include "base/file_output.h"
 #include "base/interaction.h"
 #include "base/status.h"
 #include "convert/format.h"
@@ -23,5 +24,13 @@ Status runExport(ExportFunction exporter, const std::filesystem::path &rawFile,
 Status runExport(ExportFunction exporter, const std::vector<std::string> &rawLines,
                  const std::filesystem::path &destination, const ExportOptions &options,
                  Interaction &ui, ExportOutput &out);
+
+/// The same into a file or a stream (standard output).
+Status runExport(ExportFunction exporter, const std::filesystem::path &rawFile,
+                 FileOutput &destination, const ExportOptions &options, Interaction &ui,
+                 ExportOutput &out);
+Status runExport(ExportFunction exporter, const std::vector<std::string> &rawLines,
+                 FileOutput &destination, const ExportOptions &options, Interaction &ui,
+                 ExportOutput &out);
 
 } // namespace tramline::convert

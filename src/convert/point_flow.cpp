@@ -1,6 +1,5 @@
 #include "convert/point_flow.h"
 
-#include "base/atomic_save.h"
 #include "base/format.h"
 #include "base/translation.h"
 #include "convert/import_flow.h"
@@ -42,6 +41,13 @@ Status runPointImport(PointImportFunction import, const std::filesystem::path &s
 Status runPointExport(PointExportFunction exporter, crd::CoordinateFile &file,
                       const std::filesystem::path &destination, const PointExportOptions &options,
                       Interaction &ui, ExportOutput &out) {
+    FileOutput output(destination);
+    return runPointExport(exporter, file, output, options, ui, out);
+}
+
+Status runPointExport(PointExportFunction exporter, crd::CoordinateFile &file,
+                      FileOutput &destination, const PointExportOptions &options, Interaction &ui,
+                      ExportOutput &out) {
     std::vector<crd::CrdPoint> points;
     if (!crd::readAllPoints(file, points)) {
         ui.message(tr("Error: unable to read file"));
@@ -49,7 +55,7 @@ Status runPointExport(PointExportFunction exporter, crd::CoordinateFile &file,
     }
     if (Status s = exporter(points, options, ui, out); !s)
         return s;
-    if (!saveTextAtomically(destination, out.bytes)) {
+    if (!destination.write(out.bytes) || !destination.commit()) {
         ui.message(out.writeError);
         return Status::failure(StatusCode::Io, out.writeError);
     }

@@ -3,6 +3,7 @@
 // points out to a foreign file, saved atomically.
 #pragma once
 
+#include "base/file_output.h"
 #include "base/interaction.h"
 #include "base/status.h"
 #include "convert/format.h"
@@ -26,5 +27,9 @@ Status runPointImport(PointImportFunction import, const std::filesystem::path &s
 Status runPointExport(PointExportFunction exporter, crd::CoordinateFile &file,
                       const std::filesystem::path &destination, const PointExportOptions &options,
                       Interaction &ui, ExportOutput &out);
+/// The same into a file or a stream (standard output).
+Status runPointExport(PointExportFunction exporter, crd::CoordinateFile &file,
+                      FileOutput &destination, const PointExportOptions &options, Interaction &ui,
+                      ExportOutput &out);
 
 } // namespace tramline::convert

@@ -39,6 +39,13 @@ Status importTextPointsFile(const std::filesystem::path &source, crd::Coordinate
 Status exportTextPointsFile(crd::CoordinateFile &file, const std::filesystem::path &destination,
                             const TextExportOptions &options, std::string_view range,
                             Interaction &ui, long &written) {
+    FileOutput output(destination);
+    return exportTextPointsFile(file, output, options, range, ui, written);
+}
+
+Status exportTextPointsFile(crd::CoordinateFile &file, FileOutput &destination,
+                            const TextExportOptions &options, std::string_view range,
+                            Interaction &ui, long &written) {
     PointList selection;
     if (!range.empty() && !selection.parse(range)) {
         const std::string message =
@@ -49,20 +56,18 @@ Status exportTextPointsFile(crd::CoordinateFile &file, const std::filesystem::pa
     std::vector<crd::CrdPoint> points;
     readAllPoints(file, points);
     written = 0;
-    const bool ok = saveAtomically(destination, [&](std::ostream &out) {
-        for (const auto &point : points) {
-            if (!selection.empty() && !selection.contains(point.name))
-                continue;
-            out << formatPointLine(point, options);
-            ++written;
-        }
-        return bool(out);
-    });
-    if (!ok) {
+    std::string text;
+    for (const auto &point : points) {
+        if (!selection.empty() && !selection.contains(point.name))
+            continue;
+        text += formatPointLine(point, options);
+        ++written;
+    }
+    if (!destination.write(text) || !destination.commit()) {
         ui.message(tr("Error: unable to write file"));
         return Status::failure(StatusCode::Io, tr("Error: unable to write file"));
     }
-    ui.message(format(tr("File %s successfully written."), destination.string().c_str()));
+    ui.message(format(tr("File %s successfully written."), destination.name().c_str()));
     return Status::success();
 }
 

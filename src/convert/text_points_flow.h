@@ -3,6 +3,7 @@
 // written.", "Error: unable to read file", "Error: unable to write file".
 #pragma once
 
+#include "base/file_output.h"
 #include "base/interaction.h"
 #include "base/status.h"
 #include "convert/text_points_export.h"
@@ -34,6 +35,10 @@ Status importTextPointsFile(const std::filesystem::path &source, crd::Coordinate
 /// as users type it; empty: all), in the file's order. `written` gets the
 /// count.
 Status exportTextPointsFile(crd::CoordinateFile &file, const std::filesystem::path &destination,
+                            const TextExportOptions &options, std::string_view range,
+                            Interaction &ui, long &written);
+/// The same into a file or a stream (standard output).
+Status exportTextPointsFile(crd::CoordinateFile &file, FileOutput &destination,
                             const TextExportOptions &options, std::string_view range,
                             Interaction &ui, long &written);
 

@@ -2,12 +2,11 @@
 
 #include "base/atomic_save.h"
 #include "base/format.h"
-#include "base/line_reader.h"
+#include "base/settings_file.h"
 #include "base/text.h"
 #include "transfer/port_list.h"
 
 #include <charconv>
-#include <fstream>
 
 namespace tramline::transfer {
 
@@ -26,9 +25,9 @@ bool parseChoice(std::string_view text, int low, int high, int &value) {
     return true;
 }
 
-bool isPortKey(std::string_view line) {
-    for (std::string_view key : {"com_port=", "com_parity=", "com_baud=", "com_device="})
-        if (line.starts_with(key))
+bool isPortKey(std::string_view key) {
+    for (std::string_view port : {"com_port", "com_parity", "com_baud", "com_device"})
+        if (key == port)
             return true;
     return false;
 }
@@ -67,7 +66,12 @@ LineSettings lineSettings(const PortSettings &settings) {
 
 void applyPortSettingsLine(std::string_view line, PortSettings &settings) {
     std::string_view key, value;
-    if (!splitKeyValue(line, '=', key, value) || value.empty())
+    if (!splitSettingsLine(line, key, value))
+        return;
+    // The port dialog has always tolerated blanks around its keys and values.
+    key = trim(key);
+    value = trim(value);
+    if (value.empty())
         return;
     if (key == "com_port")
         parseChoice(value, 1, 4, settings.port);
@@ -80,25 +84,12 @@ void applyPortSettingsLine(std::string_view line, PortSettings &settings) {
 }
 
 bool readPortSettings(const std::filesystem::path &path, PortSettings &settings) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
-        return false;
-    LineReader reader(in, 222);
-    std::string line;
-    while (reader.next(line))
-        applyPortSettingsLine(line, settings);
-    return true;
+    return readSettingsLines(path,
+                             [&](std::string_view line) { applyPortSettingsLine(line, settings); });
 }
 
 bool savePortSettings(const std::filesystem::path &path, const PortSettings &settings) {
-    std::string text;
-    if (std::ifstream in(path, std::ios::binary); in) {
-        LineReader reader(in, 222);
-        std::string line;
-        while (reader.next(line))
-            if (!isPortKey(line))
-                text += line + '\n';
-    }
+    std::string text = otherSettingsLines(path, isPortKey);
     appendFormat(text, "com_port=%d\ncom_parity=%d\ncom_baud=%d\n", settings.port, settings.parity,
                  settings.baud);
     if (!settings.device.empty())

@@ -48,6 +48,40 @@ protected:
 };
 
 // Row 9 of the example: SS,OP1,FP101,AR345.4539,ZE90.0027,SD85.824.
+// Lines past the reader's limit are split on reading: opening the file
+// says so once, with the first ten line numbers and a count of the rest.
+TEST_F(ShellCommandTest, OpeningWarnsOnceAboutOverlongLines) {
+    const std::string records =
+        "JB,NMlong,DT01-01-2024,TM10:00:00\nMO,AD0,UN2,SF1.00000000,EC0,EO0,AU0\n";
+    const std::string longNote = "--" + std::string(220, 'x') + "\n";   // 222 characters
+    const std::string edgeNote = "--" + std::string(219, 'x') + "\r\n"; // 221: taken whole
+    std::string many = records;
+    for (int i = 0; i < 12; ++i)
+        many += longNote + "SS,OP1,FP2,AR0.0000,ZE90.0000,SD10.000,--\n";
+    const struct {
+        const char *name;
+        std::string text;
+        std::vector<std::string> messages;
+    } cases[] = {
+        {"clean.rw5", records + edgeNote + edgeNote, {}},
+        {"two.rw5",
+         records + longNote + edgeNote + longNote,
+         {"Warning: lines longer than 221 characters are read as several lines: 3, 5"}},
+        {"many.rw5",
+         many,
+         {"Warning: lines longer than 221 characters are read as several lines: 3, 5, 7, 9, "
+          "11, 13, 15, 17, 19, 21 and 2 more"}},
+    };
+    auto d = start();
+    for (const auto &c : cases) {
+        shell.messages.clear();
+        shell.files = {write(c.name, c.text).string()};
+        d->dispatch(cmd::OpenRaw);
+        EXPECT_EQ(d->rawDocument().path().filename(), c.name);
+        EXPECT_EQ(shell.messages, c.messages) << c.name;
+    }
+}
+
 TEST_F(ShellCommandTest, DisplayModesOverALoadedFile) {
     auto d = startWithExample();
     setCurrent(*d, 9, 1);

@@ -7,6 +7,7 @@
 #include "app/menu_table.h"
 #include "app/shell_folders.h"
 #include "app/shell_settings.h"
+#include "transfer/port_settings.h"
 
 #include <gtest/gtest.h>
 
@@ -121,6 +122,29 @@ TEST_F(SettingsFileTest, OverlongLinesAndGarbage) {
     ShellSettings untouched;
     EXPECT_FALSE(readSettingsFile(dir / "none.ini", untouched));
     EXPECT_EQ(untouched.angleDisplay, AngleUnit::DegreesMinutesSeconds);
+}
+
+// The shell and the port dialog write the same file, each keeping the
+// other's lines, and lines of neither (a newer version's) whole, however
+// long: the reader's 221-character pieces are for reading only.
+TEST_F(SettingsFileTest, ShellAndPortKeepEachOthersLines) {
+    const std::string foreign = "plot_colours=" + std::string(300, 'c');
+    const auto path = write("tramline.ini", "ne_order=1\r\ncom_port=3\n\n" + foreign +
+                                                "\nno key here\ncom_baud=2\n");
+    ShellSettings shell;
+    ASSERT_TRUE(readSettingsFile(path, shell));
+    ASSERT_TRUE(writeSettingsFile(path, shell));
+    EXPECT_EQ(tramline::test::slurp(path),
+              "tmpdir=\nang_display_mode=1\nne_order=1\nlang_mode=0\ncom_port=3\n" + foreign +
+                  "\nno key here\ncom_baud=2\n");
+    transfer::PortSettings port;
+    ASSERT_TRUE(transfer::readPortSettings(path, port));
+    EXPECT_EQ(port.port, 3);
+    port.baud = 5;
+    ASSERT_TRUE(transfer::savePortSettings(path, port));
+    EXPECT_EQ(tramline::test::slurp(path),
+              "tmpdir=\nang_display_mode=1\nne_order=1\nlang_mode=0\n" + foreign +
+                  "\nno key here\ncom_port=3\ncom_parity=1\ncom_baud=5\n");
 }
 
 TEST_F(SettingsFileTest, ProgramFolder) {
