@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
 
     std::vector<std::string> raw;
     for (const auto &line : lines)
-        raw.push_back(line.text);
+        raw.emplace_back(line.text);
     convert::ExportOutput exported;
     convert::exportJxlAt(raw, "2026-01-01T00:00:00", ui, exported);
     return 0;

@@ -1,10 +1,15 @@
 // Feeds arbitrary bytes to the GSI import (every coding, both orders),
 // the point import, and the import's output to the raw export and its
-// points to the point export: none may crash, hang or read out of bounds.
+// points to the point export and to the name order they are stored in:
+// none may crash, hang or read out of bounds.
 #include "base/interaction.h"
 #include "convert/gsi_export.h"
 #include "convert/gsi_import.h"
 #include "convert/gsi_point_export.h"
+#include "convert/import_flow.h"
+
+#include <algorithm>
+#include <cstdlib>
 
 #include <cstddef>
 #include <cstdint>
@@ -34,6 +39,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
             convert::exportGsi(raw, {}, ui, exported);
             convert::ExportOutput points;
             convert::exportGsiPoints(out.points, {"gsi8", "m"}, ui, points);
+            // The order the points are stored in must be a permutation.
+            auto stored = convert::pointNameOrder(out.points);
+            std::sort(stored.begin(), stored.end());
+            for (std::size_t i = 0; i < stored.size(); ++i)
+                if (stored[i] != i)
+                    std::abort();
         }
     }
     return 0;

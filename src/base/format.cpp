@@ -40,15 +40,63 @@ void appendFormat(std::string &out, const char *pattern, ...) {
     va_end(args);
 }
 
+namespace {
+
+// "%.*f" for the common case: a value that, scaled to an integer of
+// decimal places, is inside the exact range of a double and not on a
+// rounding tie. Then the rounded integer is the correctly rounded result
+// of the exact value, and its digits with a decimal point are what printf
+// writes. False (nothing written) for the rest, which takes the general
+// route.
+bool fixedByInteger(char *buffer, double value, int decimals, size_t &length) {
+    static constexpr double kPowers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+    if (decimals < 0 || decimals > 9 || !std::isfinite(value))
+        return false;
+    const double scaled = std::fabs(value) * kPowers[decimals];
+    if (scaled >= 0x1p52)
+        return false;
+    const double whole = std::floor(scaled);
+    const double fraction = scaled - whole; // exact
+    // Rounding the product to nearest never carries it past a tie, which
+    // is a double here: only a product that lands on one may have come
+    // from either side of it.
+    if (fraction == 0.5)
+        return false;
+    auto digits = static_cast<unsigned long long>(whole) + (fraction > 0.5 ? 1 : 0);
+    char reversed[24];
+    int n = 0;
+    do {
+        reversed[n++] = char('0' + digits % 10);
+        digits /= 10;
+    } while (digits != 0);
+    while (n < decimals + 1)
+        reversed[n++] = '0';
+    size_t at = 0;
+    if (std::signbit(value))
+        buffer[at++] = '-'; // printf keeps the sign of a negative zero
+    for (int i = n - 1; i >= 0; --i) {
+        if (i == decimals - 1)
+            buffer[at++] = '.';
+        buffer[at++] = reversed[i];
+    }
+    length = at;
+    return true;
+}
+
+} // namespace
+
 void appendFixed(std::string &out, double value, int decimals, int width) {
     char buffer[400];
-    const auto [end, ec] =
-        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, decimals);
-    if (ec != std::errc()) {
-        out += format("%*.*f", width, decimals, value);
-        return;
+    size_t length = 0;
+    if (!fixedByInteger(buffer, value, decimals, length)) {
+        const auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, value,
+                                             std::chars_format::fixed, decimals);
+        if (ec != std::errc()) {
+            out += format("%*.*f", width, decimals, value);
+            return;
+        }
+        length = static_cast<size_t>(end - buffer);
     }
-    const size_t length = static_cast<size_t>(end - buffer);
     if (width > 0 && length < static_cast<size_t>(width))
         out.append(static_cast<size_t>(width) - length, ' ');
     out.append(buffer, length);

@@ -1,5 +1,7 @@
 #include "base/text.h"
 
+#include <algorithm>
+
 namespace tramline {
 
 std::string_view trimLeft(std::string_view text) {
@@ -104,9 +106,21 @@ std::string_view cutAtCharacter(std::string_view text, std::size_t maxBytes) {
     return text.substr(0, end);
 }
 
-std::string xmlEscaped(std::string_view text) {
-    std::string out;
-    out.reserve(text.size());
+namespace {
+
+bool needsXmlEscape(char c) {
+    const auto u = static_cast<unsigned char>(c);
+    return c == '&' || c == '<' || c == '>' || c == '\'' || c == '"' ||
+           (u < 0x20 && c != '\t' && c != '\n');
+}
+
+} // namespace
+
+void appendXmlEscaped(std::string &out, std::string_view text) {
+    if (std::none_of(text.begin(), text.end(), needsXmlEscape)) {
+        out += text;
+        return;
+    }
     for (const char c : text) {
         switch (c) {
         case '&':
@@ -118,14 +132,23 @@ std::string xmlEscaped(std::string_view text) {
         case '>':
             out += "&gt;";
             break;
+        case '\'':
+            out += "&apos;";
+            break;
         case '"':
             out += "&quot;";
             break;
         default:
-            if (static_cast<unsigned char>(c) >= 0x20 || c == '\t' || c == '\n')
+            if (!needsXmlEscape(c))
                 out += c;
         }
     }
+}
+
+std::string xmlEscaped(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    appendXmlEscaped(out, text);
     return out;
 }
 

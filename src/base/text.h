@@ -60,8 +60,13 @@ bool splitKeyValue(std::string_view text, char separator, std::string_view &key,
 /// would not fit whole (a description must not end in half a character).
 std::string_view cutAtCharacter(std::string_view text, std::size_t maxBytes);
 
-/// `text` as XML character data or an attribute value: &, <, > and " as
-/// entities, control characters (which XML forbids) dropped.
+/// `text` as XML character data or an attribute value, whichever quote the
+/// attribute takes: &, <, >, ' and " as entities, control characters other
+/// than tab and line end (which XML forbids) dropped.
 std::string xmlEscaped(std::string_view text);
+
+/// As xmlEscaped(), appended to `out`: text that needs nothing, the most,
+/// is copied whole.
+void appendXmlEscaped(std::string &out, std::string_view text);
 
 } // namespace tramline

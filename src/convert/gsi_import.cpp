@@ -100,7 +100,7 @@ private:
     void setUp(const std::string &station, const Words &words, int e, int n, int z);
     std::string point(const std::string &name, const Words &words, int e, int n, int z,
                       const std::string &description);
-    static std::string storePointLine(const crd::CrdPoint &p);
+    std::string storePointLine(const crd::CrdPoint &p);
     void codeBlock(const Words &words);
     void wildSoftCode(int code, const Words &words);
     void tenTwentyCode(int code, const Words &words);
@@ -127,6 +127,7 @@ private:
     std::string m_closingPoint;                 // named by a code-4 block
     // The last point block, for a code-90 description after it.
     std::size_t m_lastPointLine = std::string::npos;
+    std::string m_line; // where shot and point lines are built
 };
 
 void GsiImport::run() {
@@ -137,7 +138,11 @@ void GsiImport::run() {
             if (readWords(line.text, words) && words.front().index == 11 &&
                 (findWord(words, 84) || findWord(words, 85)))
                 m_stations.insert(nameOf(words.front()));
-    m_out.lines.reserve(m_source.size() + 8);
+    // A block gives up to two lines (a shot and its point).
+    m_out.lines.reserve(2 * m_source.size() + 8);
+    // Room for a point per block, so that a large job's points are not
+    // moved as they come; pages never written cost nothing.
+    m_out.points.reserve(m_source.size());
     for (const auto &line : m_source) {
         ++m_out.records;
         if (!readWords(line.text, words)) {
@@ -246,8 +251,8 @@ void GsiImport::setUp(const std::string &station, const Words &words, int e, int
     double easting = 0.0, northing = 0.0, elevation = 0.0;
     if (number(words, e, easting) && number(words, n, northing)) {
         const bool hasZ = number(words, z, elevation);
-        emit(raw::writeOccupy(station, format("%.4f", northing), format("%.4f", easting),
-                              hasZ ? format("%.4f", elevation) : "", ""));
+        emit(raw::writeOccupy(station, fixed4(northing), fixed4(easting),
+                              hasZ ? fixed4(elevation) : "", ""));
         emit(point(station, words, e, n, z, ""));
     } else {
         emit(raw::writeOccupy(station, "", "", "", ""));
@@ -260,17 +265,31 @@ std::string GsiImport::point(const std::string &name, const Words &words, int e,
     number(words, e, easting);
     number(words, n, northing);
     const bool hasZ = number(words, z, elevation);
-    crd::CrdPoint p;
+    crd::CrdPoint &p = m_out.points.emplace_back();
     p.set(easting, northing, elevation, name, description);
     if (!hasZ)
         p.elevation = kUnsetPositive;
-    m_out.points.push_back(p);
     return storePointLine(p);
 }
 
 std::string GsiImport::storePointLine(const crd::CrdPoint &p) {
-    return raw::writeStorePoint(p.name, fixed4(p.northing), fixed4(p.easting),
-                                isUnset(p.elevation) ? "" : fixed4(p.elevation), p.description);
+    // "SP,PN%s,N %s,E %s,EL%s,--%s\n" with "%.4f" numbers, built by
+    // appending: a large job writes hundreds of thousands of them.
+    std::string &line = m_line;
+    line.clear();
+    line += "SP,PN";
+    line += p.name;
+    line += ",N ";
+    appendFixed(line, p.northing, 4);
+    line += ",E ";
+    appendFixed(line, p.easting, 4);
+    line += ",EL";
+    if (!isUnset(p.elevation))
+        appendFixed(line, p.elevation, 4);
+    line += ",--";
+    line += p.description;
+    line += '\n';
+    return std::string(line); // only the room it needs: a million lines are kept
 }
 
 void GsiImport::codeBlock(const Words &words) {
@@ -498,8 +517,11 @@ void GsiImport::writeReading(Reading &reading, SetRole role, bool first) {
         emit(format("LS,HR%.3f\n", reading.targetHeight));
         m_writtenHeight = reading.targetHeight;
     }
-    // "%s,OP%s,FP%s,AR%s,ZE%s,SD%.4f,--%s\n", built by appending.
-    std::string line = type;
+    // "%s,OP%s,FP%s,AR%s,ZE%s,SD%.4f,--%s\n", built by appending into
+    // room made once, and kept in a string of just its size.
+    std::string &line = m_line;
+    line.clear();
+    line += type;
     line += ",OP";
     line += m_station;
     line += ",FP";
@@ -515,7 +537,7 @@ void GsiImport::writeReading(Reading &reading, SetRole role, bool first) {
     if (closes)
         line += reading.note.empty() ? "CLO" : " CLO";
     line += '\n';
-    emit(std::move(line));
+    emit(std::string(line));
     ++m_out.observations;
     if (first && reading.point != std::string::npos)
         emit(storePointLine(m_out.points[reading.point]));

@@ -13,8 +13,10 @@
 #include "convert/format.h"
 #include "crd/crd_point.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <span>
+#include <vector>
 
 namespace tramline::crd {
 class CoordinateFile;
@@ -52,10 +54,20 @@ struct ImportSummary {
 Status runImport(ImportFunction convert, const ImportPaths &paths, Interaction &ui,
                  ImportSummary &summary);
 
-/// Writes `points` into the open file, replacing points of the same names.
-/// Each refused point adds "\n%s: %s %s %s" (Error, the file's error text,
+/// The positions of `points` in point-name order (digit runs by value,
+/// other characters without case); points of equal names keep the order
+/// given, so that the last one still wins.
+std::vector<std::uint32_t> pointNameOrder(std::span<const crd::CrdPoint> points);
+
+/// Writes `points` into the open file, replacing points of the same names
+/// (handed to the file in name order, which it writes fastest). Each
+/// refused point adds "\n%s: %s %s %s" (Error, the file's error text,
 /// "Unable to write point", the name) to `report`. Returns the count stored.
 long writeImportedPoints(crd::CoordinateFile &file, std::span<const crd::CrdPoint> points,
+                         std::string &report);
+/// As above, for points the caller hands over: they are put in name order
+/// in place, without a copy.
+long writeImportedPoints(crd::CoordinateFile &file, std::vector<crd::CrdPoint> &&points,
                          std::string &report);
 
 /// "Read %ld records: %ld observations, %ld points stored, %ld lines

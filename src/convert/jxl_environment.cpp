@@ -33,49 +33,79 @@ void writeJxlDisplaySettings(JxlWriter &out, LinearUnit unit) {
 
 namespace {
 
+using namespace jxl;
+
+// The parts of the two coordinate system forms that never change.
+constexpr JxlField kEllipsoid[] = {open("Ellipsoid"), value("EarthRadius", "6378137"),
+                                   value("Flattening", "0.00335281068751"), close("Ellipsoid")};
+constexpr JxlField kLocalSite[] = {open("LocalSite"),
+                                   value("Type", "Grid"),
+                                   empty("ProjectLocationLatitude"),
+                                   empty("ProjectLocationLongitude"),
+                                   value("ProjectLocationHeight", "0"),
+                                   close("LocalSite")};
+constexpr JxlField kNoHorizontalAdjustment[] = {
+    open("HorizontalAdjustment"), value("Type", "NoAdjustment"), close("HorizontalAdjustment")};
+
+constexpr JxlField kScaleOnlyProjection[] = {open("Projection"),
+                                             value("Type", "ScaleOnly"),
+                                             value("Scale", "1"),
+                                             value("SouthAzimuth", "false"),
+                                             value("GridOrientation", "IncreasingNorthEast"),
+                                             value("ApplySeaLevelCorrection", "false"),
+                                             close("Projection")};
+constexpr JxlField kScaleOnlyDatum[] = {open("Datum"), value("Type", "NoDatum"), close("Datum")};
+constexpr JxlField kScaleOnlyRest[] = {open("VerticalAdjustment"),
+                                       value("Type", "NoAdjustment"),
+                                       close("VerticalAdjustment"),
+                                       open("CombinedScaleFactor"),
+                                       open("Location"),
+                                       empty("Latitude"),
+                                       empty("Longitude"),
+                                       value("Height", "0"),
+                                       close("Location"),
+                                       value("Scale", "1"),
+                                       close("CombinedScaleFactor")};
+
+constexpr JxlField kUtmProjectionEnd[] = {
+    value("SouthAzimuth", "false"), value("GridOrientation", "IncreasingNorthEast"),
+    value("ApplySeaLevelCorrection", "true"), close("Projection")};
+constexpr JxlField kUtmDatum[] = {open("Datum"),
+                                  value("Type", "ThreeParameter"),
+                                  value("Direction", "WGS84ToLocal"),
+                                  value("EarthRadius", "6378137"),
+                                  value("Flattening", "0.00335281067183"),
+                                  value("TranslationX", "0"),
+                                  value("TranslationY", "0"),
+                                  value("TranslationZ", "0"),
+                                  close("Datum")};
+constexpr JxlField kUtmRest[] = {open("VerticalAdjustment"), value("Type", "GeoidModel"),
+                                 value("GeoidName", "G12AUS"), close("VerticalAdjustment"),
+                                 empty("CombinedScaleFactor")};
+
+constexpr JxlField kJobSettingsAndTimeZone[] = {open("JobSettings"),
+                                                open("NeighbourhoodAdjustment"),
+                                                value("Applied", "false"),
+                                                value("WeightExponent", "0.5"),
+                                                close("NeighbourhoodAdjustment"),
+                                                close("JobSettings"),
+                                                open("TimeZone"),
+                                                value("ZoneName", "Eastern Standard Time"),
+                                                value("HoursToUTC", "5"),
+                                                close("TimeZone")};
+
 void scaleOnly(JxlWriter &out) {
-    out.open("Ellipsoid");
-    out.raw("EarthRadius", "6378137");
-    out.raw("Flattening", "0.00335281068751");
-    out.close("Ellipsoid");
-    out.open("Projection");
-    out.raw("Type", "ScaleOnly");
-    out.raw("Scale", "1");
-    out.raw("SouthAzimuth", "false");
-    out.raw("GridOrientation", "IncreasingNorthEast");
-    out.raw("ApplySeaLevelCorrection", "false");
-    out.close("Projection");
-    out.open("LocalSite");
-    out.raw("Type", "Grid");
-    out.empty("ProjectLocationLatitude");
-    out.empty("ProjectLocationLongitude");
-    out.raw("ProjectLocationHeight", "0");
-    out.close("LocalSite");
-    out.open("Datum");
-    out.raw("Type", "NoDatum");
-    out.close("Datum");
-    out.open("HorizontalAdjustment");
-    out.raw("Type", "NoAdjustment");
-    out.close("HorizontalAdjustment");
-    out.open("VerticalAdjustment");
-    out.raw("Type", "NoAdjustment");
-    out.close("VerticalAdjustment");
-    out.open("CombinedScaleFactor");
-    out.open("Location");
-    out.empty("Latitude");
-    out.empty("Longitude");
-    out.raw("Height", "0");
-    out.close("Location");
-    out.raw("Scale", "1");
-    out.close("CombinedScaleFactor");
+    out.fixed(kEllipsoid);
+    out.fixed(kScaleOnlyProjection);
+    out.fixed(kLocalSite);
+    out.fixed(kScaleOnlyDatum);
+    out.fixed(kNoHorizontalAdjustment);
+    out.fixed(kScaleOnlyRest);
 }
 
 void utm(JxlWriter &out, const JxlGrid &grid) {
     out.raw("ZoneName", format("%d%c", grid.zone, grid.south ? 'S' : 'N'));
-    out.open("Ellipsoid");
-    out.raw("EarthRadius", "6378137");
-    out.raw("Flattening", "0.00335281068751");
-    out.close("Ellipsoid");
+    out.fixed(kEllipsoid);
     out.open("Projection");
     out.raw("Type", "TransverseMercator");
     out.number("CentralLatitude", 0.0, 8);
@@ -83,33 +113,11 @@ void utm(JxlWriter &out, const JxlGrid &grid) {
     out.raw("FalseNorthing", format("%f", grid.south ? 10000000.0 : 0.0));
     out.raw("FalseEasting", format("%f", 500000.0));
     out.raw("Scale", format("%f", 0.9996));
-    out.raw("SouthAzimuth", "false");
-    out.raw("GridOrientation", "IncreasingNorthEast");
-    out.raw("ApplySeaLevelCorrection", "true");
-    out.close("Projection");
-    out.open("LocalSite");
-    out.raw("Type", "Grid");
-    out.empty("ProjectLocationLatitude");
-    out.empty("ProjectLocationLongitude");
-    out.raw("ProjectLocationHeight", "0");
-    out.close("LocalSite");
-    out.open("Datum");
-    out.raw("Type", "ThreeParameter");
-    out.raw("Direction", "WGS84ToLocal");
-    out.raw("EarthRadius", "6378137");
-    out.raw("Flattening", "0.00335281067183");
-    out.raw("TranslationX", "0");
-    out.raw("TranslationY", "0");
-    out.raw("TranslationZ", "0");
-    out.close("Datum");
-    out.open("HorizontalAdjustment");
-    out.raw("Type", "NoAdjustment");
-    out.close("HorizontalAdjustment");
-    out.open("VerticalAdjustment");
-    out.raw("Type", "GeoidModel");
-    out.raw("GeoidName", "G12AUS");
-    out.close("VerticalAdjustment");
-    out.empty("CombinedScaleFactor");
+    out.fixed(kUtmProjectionEnd);
+    out.fixed(kLocalSite);
+    out.fixed(kUtmDatum);
+    out.fixed(kNoHorizontalAdjustment);
+    out.fixed(kUtmRest);
 }
 
 } // namespace
@@ -125,16 +133,7 @@ void writeJxlEnvironment(JxlWriter &out, LinearUnit unit, const JxlGrid &grid) {
     else
         scaleOnly(out);
     out.close("CoordinateSystem");
-    out.open("JobSettings");
-    out.open("NeighbourhoodAdjustment");
-    out.raw("Applied", "false");
-    out.raw("WeightExponent", "0.5");
-    out.close("NeighbourhoodAdjustment");
-    out.close("JobSettings");
-    out.open("TimeZone");
-    out.raw("ZoneName", "Eastern Standard Time");
-    out.raw("HoursToUTC", "5");
-    out.close("TimeZone");
+    out.fixed(kJobSettingsAndTimeZone);
     out.close("Environment");
 }
 

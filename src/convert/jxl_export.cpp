@@ -65,6 +65,47 @@ std::string valueAfter(std::string_view note, std::string_view key) {
 
 constexpr std::size_t kPiece = std::size_t(1) << 20;
 
+using namespace jxl;
+
+// The runs of records that never change.
+constexpr JxlField kInstrumentBody[] = {value("Type", "Unknown"),
+                                        empty("RefractiveIndex"),
+                                        empty("CarrierWavelength"),
+                                        value("EDMMeasurementMode", "Fine"),
+                                        value("SetHorizontalCircleMode", "DoNothing"),
+                                        value("Servo", "NoServo"),
+                                        empty("AnglesOnlyRate"),
+                                        value("TurnToZero", "false"),
+                                        value("AverageMeasurements", "1"),
+                                        empty("HorizontalAnglePrecision"),
+                                        empty("VerticalAnglePrecision"),
+                                        empty("EDMPrecision"),
+                                        empty("EDMppm"),
+                                        value("InstrumentPrecisionsSource", "UserEntered"),
+                                        value("CenteringError", "0"),
+                                        close("InstrumentRecord")};
+constexpr JxlField kStationEnd[] = {value("NumberOfBacksightMeasurements", "1"),
+                                    value("NumberOfBacksightPoints", "1"),
+                                    value("ScaleFactor", "1"),
+                                    value("ScaleType", "Fixed"),
+                                    empty("ScaleFactorStandardError"),
+                                    value("StationType", "StationSetup"),
+                                    close("StationRecord")};
+constexpr JxlField kPrism[] = {value("PrismType", "CustomPrism"), value("PrismConstant", "0.000")};
+constexpr JxlField kCircleEnd[] = {empty("HorizontalCircleStandardError"),
+                                   empty("VerticalCircleStandardError"),
+                                   empty("EDMDistanceStandardError"), close("Circle")};
+constexpr JxlField kAtmosphereEnd[] = {
+    value("ApplyEarthCurvatureCorrection", "true"), value("ApplyRefractionCorrection", "true"),
+    value("RefractionCoefficient", "0.142"), value("PressureInputMethod", "KeyedIn"),
+    close("AtmosphereRecord")};
+constexpr JxlField kAntennaEnd[] = {value("AntennaNumber", "0"),
+                                    value("AntennaMethod", "1"),
+                                    value("AntennaTapeAdjustment", "0.000000"),
+                                    value("AntennaHorizontalOffset", "0.000000"),
+                                    value("AntennaVerticalOffset", "0.000000"),
+                                    close("AntennaRecord")};
+
 class JxlExport {
 public:
     JxlExport(const std::vector<std::string> &lines, const std::string &stamp, Interaction &ui)
@@ -103,6 +144,15 @@ private:
         backBearing(m_backsight);
     }
     void target();
+    /// A raw instrument or target height: measured true height, no offsets.
+    void rawHeight(const char *element, double height) {
+        m_out.open(element);
+        m_out.raw("MeasurementMethod", "TrueHeight");
+        m_out.number("MeasuredHeight", metres(height), 8);
+        m_out.raw("HorizontalOffset", "0");
+        m_out.raw("VerticalOffset", "0");
+        m_out.close(element);
+    }
     void observation(std::string_view line, const raw::RawFields &f);
     void rounds(std::string_view type);
     void endRounds();
@@ -313,23 +363,10 @@ void JxlExport::atmosphere(std::string_view text) {
     if (m_unit != LinearUnit::Metres)
         temperature = (temperature - 32.0) * 5.0 / 9.0;
     m_atmosphere = m_out.record("AtmosphereRecord");
-    if (pressureText.empty())
-        m_out.empty("Pressure");
-    else
-        m_out.number("Pressure", pressure, 8);
-    if (temperatureText.empty())
-        m_out.empty("Temperature");
-    else
-        m_out.number("Temperature", temperature, 8);
-    if (ppmText.empty())
-        m_out.empty("PPM");
-    else
-        m_out.number("PPM", numberOr(ppmText, 0.0), 8);
-    m_out.raw("ApplyEarthCurvatureCorrection", "true");
-    m_out.raw("ApplyRefractionCorrection", "true");
-    m_out.raw("RefractionCoefficient", "0.142");
-    m_out.raw("PressureInputMethod", "KeyedIn");
-    m_out.close("AtmosphereRecord");
+    m_out.numberIf(!pressureText.empty(), "Pressure", pressure, 8);
+    m_out.numberIf(!temperatureText.empty(), "Temperature", temperature, 8);
+    m_out.numberIf(!ppmText.empty(), "PPM", numberOr(ppmText, 0.0), 8);
+    m_out.fixed(kAtmosphereEnd);
 }
 
 void JxlExport::equipment(std::string_view text) {
@@ -347,12 +384,7 @@ void JxlExport::antenna(std::string_view text) {
     m_antenna = m_out.record("AntennaRecord");
     m_out.text("AntennaType", parts.size() > 0 ? trim(parts[0]) : "");
     m_out.text("AntennaSerialNumber", parts.size() > 1 ? trim(parts[1]) : "");
-    m_out.raw("AntennaNumber", "0");
-    m_out.raw("AntennaMethod", "1");
-    m_out.raw("AntennaTapeAdjustment", "0.000000");
-    m_out.raw("AntennaHorizontalOffset", "0.000000");
-    m_out.raw("AntennaVerticalOffset", "0.000000");
-    m_out.close("AntennaRecord");
+    m_out.fixed(kAntennaEnd);
 }
 
 void JxlExport::setup(const std::string &station, bool fresh) {
@@ -360,46 +392,17 @@ void JxlExport::setup(const std::string &station, bool fresh) {
         return;
     if (m_instrument == 0) {
         m_instrument = m_out.record("InstrumentRecord");
-        m_out.raw("Type", "Unknown");
-        m_out.empty("RefractiveIndex");
-        m_out.empty("CarrierWavelength");
-        m_out.raw("EDMMeasurementMode", "Fine");
-        m_out.raw("SetHorizontalCircleMode", "DoNothing");
-        m_out.raw("Servo", "NoServo");
-        m_out.empty("AnglesOnlyRate");
-        m_out.raw("TurnToZero", "false");
-        m_out.raw("AverageMeasurements", "1");
-        m_out.empty("HorizontalAnglePrecision");
-        m_out.empty("VerticalAnglePrecision");
-        m_out.empty("EDMPrecision");
-        m_out.empty("EDMppm");
-        m_out.raw("InstrumentPrecisionsSource", "UserEntered");
-        m_out.raw("CenteringError", "0");
-        m_out.close("InstrumentRecord");
+        m_out.fixed(kInstrumentBody);
     }
     m_stationName = station;
     m_backBearing = 0;
     m_station = m_out.record("StationRecord");
     m_out.text("StationName", station);
     m_out.number("TheodoliteHeight", metres(m_hi), 8);
-    m_out.open("RawTheodoliteHeight");
-    m_out.raw("MeasurementMethod", "TrueHeight");
-    m_out.number("MeasuredHeight", metres(m_hi), 8);
-    m_out.raw("HorizontalOffset", "0");
-    m_out.raw("VerticalOffset", "0");
-    m_out.close("RawTheodoliteHeight");
+    rawHeight("RawTheodoliteHeight", m_hi);
     m_out.id("InstrumentID", m_instrument);
-    if (m_atmosphere)
-        m_out.id("AtmosphereID", m_atmosphere);
-    else
-        m_out.empty("AtmosphereID");
-    m_out.raw("NumberOfBacksightMeasurements", "1");
-    m_out.raw("NumberOfBacksightPoints", "1");
-    m_out.raw("ScaleFactor", "1");
-    m_out.raw("ScaleType", "Fixed");
-    m_out.empty("ScaleFactorStandardError");
-    m_out.raw("StationType", "StationSetup");
-    m_out.close("StationRecord");
+    m_out.idOrEmpty("AtmosphereID", m_atmosphere);
+    m_out.fixed(kStationEnd);
 }
 
 void JxlExport::backBearing(const raw::RawFields &f) {
@@ -407,10 +410,8 @@ void JxlExport::backBearing(const raw::RawFields &f) {
     m_out.id("StationRecordID", m_station);
     m_out.text("Station", f[0]);
     m_out.text("BackSight", f[1]);
-    if (trim(f[3]).empty())
-        m_out.empty("Face1HorizontalCircle");
-    else
-        m_out.number("Face1HorizontalCircle", unpackDms(numberOr(f[3], 0.0)), 10);
+    m_out.numberIf(!trim(f[3]).empty(), "Face1HorizontalCircle", unpackDms(numberOr(f[3], 0.0)),
+                   10);
     m_out.empty("Face2HorizontalCircle");
     m_out.number("OrientationCorrection", 0.0, 10);
     m_out.empty("OrientationCorrectionStandardError");
@@ -420,15 +421,9 @@ void JxlExport::backBearing(const raw::RawFields &f) {
 void JxlExport::target() {
     m_writtenHr = m_hr;
     m_target = m_out.record("TargetRecord");
-    m_out.raw("PrismType", "CustomPrism");
-    m_out.raw("PrismConstant", "0.000");
+    m_out.fixed(kPrism);
     m_out.number("TargetHeight", metres(m_hr), 8);
-    m_out.open("RawTargetHeight");
-    m_out.raw("MeasurementMethod", "TrueHeight");
-    m_out.number("MeasuredHeight", metres(m_hr), 8);
-    m_out.raw("HorizontalOffset", "0");
-    m_out.raw("VerticalOffset", "0");
-    m_out.close("RawTargetHeight");
+    rawHeight("RawTargetHeight", m_hr);
     m_out.close("TargetRecord");
 }
 
@@ -502,20 +497,11 @@ void JxlExport::observation(std::string_view line, const raw::RawFields &f) {
     m_out.open("Circle");
     m_out.number("HorizontalCircle", horizontal, 10);
     m_out.number("VerticalCircle", zenith, 10);
-    if (angleOnly)
-        m_out.empty("EDMDistance");
-    else
-        m_out.number("EDMDistance", metres(distance), 8);
+    m_out.numberIf(!angleOnly, "EDMDistance", metres(distance), 8);
     m_out.raw("Face", face2 ? "Face2" : "Face1");
-    m_out.empty("HorizontalCircleStandardError");
-    m_out.empty("VerticalCircleStandardError");
-    m_out.empty("EDMDistanceStandardError");
-    m_out.close("Circle");
+    m_out.fixed(kCircleEnd);
     m_out.id("StationID", m_station);
-    if (m_backBearing)
-        m_out.id("BackBearingID", m_backBearing);
-    else
-        m_out.empty("BackBearingID");
+    m_out.idOrEmpty("BackBearingID", m_backBearing);
     m_out.id("TargetID", m_target);
     m_out.close("PointRecord");
 }
@@ -531,10 +517,7 @@ void JxlExport::keyedIn(const raw::RawFields &f) {
     m_out.open("Grid");
     m_out.number("North", metres(numberOr(f[1], 0.0)), 8);
     m_out.number("East", metres(numberOr(f[2], 0.0)), 8);
-    if (trim(f[3]).empty())
-        m_out.empty("Elevation");
-    else
-        m_out.number("Elevation", metres(numberOr(f[3], 0.0)), 8);
+    m_out.numberIf(!trim(f[3]).empty(), "Elevation", metres(numberOr(f[3], 0.0)), 8);
     m_out.close("Grid");
     m_out.close("PointRecord");
 }
@@ -580,10 +563,7 @@ void JxlExport::flushGps() {
 void JxlExport::gps(const raw::RawFields &f) {
     const Quality &q = m_quality;
     auto value = [this](const char *name, double v, int decimals) {
-        if (std::isnan(v))
-            m_out.empty(name);
-        else
-            m_out.number(name, v, decimals);
+        m_out.numberIf(!std::isnan(v), name, v, decimals);
     };
     m_out.record("PointRecord");
     m_out.text("Name", f[0]);
@@ -651,10 +631,7 @@ void JxlExport::vector(const raw::RawFields &f) {
         m_baseName = base;
         m_reference = m_out.record("ReferenceRecord");
         m_out.text("PointName", base);
-        if (m_antenna)
-            m_out.id("AntennaID", m_antenna);
-        else
-            m_out.empty("AntennaID");
+        m_out.idOrEmpty("AntennaID", m_antenna);
         m_out.close("ReferenceRecord");
     }
     m_out.record("PointRecord");
@@ -682,10 +659,7 @@ void JxlExport::reference(const raw::RawFields &f) {
     m_baseName = f[0];
     m_reference = m_out.record("ReferenceRecord");
     m_out.text("PointName", f[0]);
-    if (m_antenna)
-        m_out.id("AntennaID", m_antenna);
-    else
-        m_out.empty("AntennaID");
+    m_out.idOrEmpty("AntennaID", m_antenna);
     m_out.close("ReferenceRecord");
 }
 

@@ -10,43 +10,6 @@ namespace tramline::convert {
 
 namespace {
 
-// Whether a byte must be written as an entity or dropped.
-bool needsEscape(char c) {
-    const auto u = static_cast<unsigned char>(c);
-    return c == '&' || c == '<' || c == '>' || c == '\'' || c == '"' ||
-           (u < 0x20 && c != '\t' && c != '\n');
-}
-
-void appendEscaped(std::string &out, std::string_view text) {
-    // Most texts need nothing: copy them whole.
-    if (std::none_of(text.begin(), text.end(), needsEscape)) {
-        out += text;
-        return;
-    }
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '\'':
-            out += "&apos;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
-            if (!needsEscape(c))
-                out += c;
-        }
-    }
-}
-
 // Eight lower-case hexadecimal digits, as record IDs are written.
 void appendHexId(std::string &out, unsigned value) {
     char digits[8];
@@ -56,13 +19,6 @@ void appendHexId(std::string &out, unsigned value) {
 }
 
 } // namespace
-
-std::string jxlEscaped(std::string_view text) {
-    std::string out;
-    out.reserve(text.size());
-    appendEscaped(out, text);
-    return out;
-}
 
 std::string jxlTimeStamp(long long time) {
     const std::time_t t = std::time_t(time);
@@ -76,7 +32,7 @@ std::string jxlTimeStamp(long long time) {
 void JxlWriter::begin(std::string_view jobName) {
     m_out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     m_out += "<JOBFile jobName=\"";
-    appendEscaped(m_out, jobName);
+    appendXmlEscaped(m_out, jobName);
     m_out += "\" TimeStamp=\"";
     m_out += m_stamp;
     m_out += "\">\n";
@@ -112,7 +68,7 @@ void JxlWriter::text(const char *name, std::string_view value) {
     m_out += '<';
     m_out += name;
     m_out += '>';
-    appendEscaped(m_out, value);
+    appendXmlEscaped(m_out, value);
     m_out += "</";
     m_out += name;
     m_out += ">\n";
@@ -138,6 +94,20 @@ void JxlWriter::number(const char *name, double value, int decimals) {
     m_out += ">\n";
 }
 
+void JxlWriter::numberIf(bool present, const char *name, double value, int decimals) {
+    if (present)
+        number(name, value, decimals);
+    else
+        empty(name);
+}
+
+void JxlWriter::idOrEmpty(const char *name, unsigned value) {
+    if (value != 0)
+        id(name, value);
+    else
+        empty(name);
+}
+
 void JxlWriter::id(const char *name, unsigned value) {
     m_out += '<';
     m_out += name;
@@ -152,6 +122,25 @@ void JxlWriter::empty(const char *name) {
     m_out += '<';
     m_out += name;
     m_out += "/>\n";
+}
+
+void JxlWriter::fixed(std::span<const JxlField> fields) {
+    for (const JxlField &field : fields) {
+        switch (field.kind) {
+        case JxlField::Open:
+            open(field.name);
+            break;
+        case JxlField::Close:
+            close(field.name);
+            break;
+        case JxlField::Value:
+            raw(field.name, field.value);
+            break;
+        case JxlField::Empty:
+            empty(field.name);
+            break;
+        }
+    }
 }
 
 } // namespace tramline::convert

@@ -3,13 +3,35 @@
 // numbers in the formats the elements take.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
 namespace tramline::convert {
 
-/// Text for XML: & < > ' " as entities, control characters dropped.
-std::string jxlEscaped(std::string_view text);
+/// One element of a run that never changes (the fixed parts of a record or
+/// of the environment), for JxlWriter::fixed().
+struct JxlField {
+    enum Kind { Open, Close, Value, Empty };
+    Kind kind;
+    const char *name;
+    const char *value = nullptr; ///< Value only: written as it stands
+};
+
+namespace jxl {
+constexpr JxlField open(const char *name) {
+    return {JxlField::Open, name};
+}
+constexpr JxlField close(const char *name) {
+    return {JxlField::Close, name};
+}
+constexpr JxlField value(const char *name, const char *text) {
+    return {JxlField::Value, name, text};
+}
+constexpr JxlField empty(const char *name) {
+    return {JxlField::Empty, name};
+}
+} // namespace jxl
 
 /// "%Y-%m-%dT%H:%M:%S" of `time` (seconds since the epoch, local time).
 std::string jxlTimeStamp(long long time);
@@ -35,10 +57,16 @@ public:
     void raw(const char *name, std::string_view value);
     /// <name>%.*f</name>.
     void number(const char *name, double value, int decimals);
+    /// <name>%.*f</name>, or <name/> when the value is not `present`.
+    void numberIf(bool present, const char *name, double value, int decimals);
     /// <name>%08x</name>: a record ID.
     void id(const char *name, unsigned value);
+    /// As id(), or <name/> for 0: no record of that kind written yet.
+    void idOrEmpty(const char *name, unsigned value);
     /// <name/>.
     void empty(const char *name);
+    /// Each field in order: <name>, </name>, <name>value</name> or <name/>.
+    void fixed(std::span<const JxlField> fields);
 
     unsigned lastId() const { return m_id; }
     std::string &bytes() { return m_out; }

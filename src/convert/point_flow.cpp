@@ -30,8 +30,9 @@ Status runPointImport(PointImportFunction import, const std::filesystem::path &s
     summary.skipped = out.skipped;
     summary.report = out.report;
     ui.progress(0, 1, tr("Storing points"));
-    summary.pointsStored = writeImportedPoints(file, out.points, summary.report);
-    summary.pointsRefused = long(out.points.size()) - summary.pointsStored;
+    const long given = long(out.points.size());
+    summary.pointsStored = writeImportedPoints(file, std::move(out.points), summary.report);
+    summary.pointsRefused = given - summary.pointsStored;
     // A format with its own closing word says it; else the count.
     ui.message(!out.completion.empty() ? out.completion
                                        : format(tr("Read in %ld points."), summary.pointsStored));

@@ -1,64 +1,10 @@
 #include "convert/sdr_face_sets.h"
 
-#include <deque>
-#include <string_view>
-#include <unordered_map>
-
 namespace tramline::convert::sdr {
 
 std::vector<PlacedReading> groupFaceReadings(const std::vector<FaceReading> &readings,
                                              const std::string &backsight) {
-    std::vector<PlacedReading> placed;
-    placed.reserve(readings.size() * 2);
-    const std::size_t n = readings.size();
-    auto opensRound = [&](std::size_t i) {
-        return !readings[i].face2 && !backsight.empty() && readings[i].to == backsight;
-    };
-
-    std::size_t i = 0;
-    for (; i < n && !opensRound(i); ++i)
-        placed.push_back({i, SetRole::Single});
-
-    std::vector<bool> used(n, false);
-    while (i < n) {
-        std::size_t end = i + 1;
-        while (end < n && !opensRound(end))
-            ++end;
-        std::size_t closing = end;
-        for (std::size_t k = i + 1; k < end && closing == end; ++k)
-            if (readings[k].face2 && readings[k].to == backsight)
-                closing = k;
-        bool anySet = false;
-        if (closing != end) {
-            // Face-2 readings by point, in the order read: pairing stays
-            // linear however many targets a round holds.
-            std::unordered_map<std::string_view, std::deque<std::size_t>> reverse;
-            for (std::size_t m = i + 1; m < end; ++m)
-                if (readings[m].face2 && readings[m].to != backsight)
-                    reverse[readings[m].to].push_back(m);
-            for (std::size_t k = i + 1; k < end; ++k) {
-                if (readings[k].face2 || readings[k].to == backsight)
-                    continue;
-                const auto found = reverse.find(readings[k].to);
-                if (found == reverse.end() || found->second.empty())
-                    continue;
-                const std::size_t m = found->second.front();
-                found->second.pop_front();
-                placed.push_back({i, SetRole::BD});
-                placed.push_back({k, SetRole::FD});
-                placed.push_back({m, SetRole::FR});
-                placed.push_back({closing, SetRole::BR});
-                used[k] = used[m] = anySet = true;
-            }
-        }
-        if (anySet)
-            used[i] = used[closing] = true;
-        for (std::size_t k = i; k < end; ++k)
-            if (!used[k])
-                placed.push_back({k, SetRole::Single});
-        i = end;
-    }
-    return placed;
+    return groupFaceSets(readings, backsight, RoundRule{false, ReverseWindow::WholeRound});
 }
 
 } // namespace tramline::convert::sdr

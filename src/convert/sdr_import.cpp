@@ -359,13 +359,13 @@ bool SdrImport::setStation(const std::string &from, const SourceLine &line) {
         if (!m_station.empty())
             return true;
         appendFormat(m_out.report, "%s %s %zu: %s", tr("\nWarning: unable to set occupy point"),
-                     tr("at line"), line.number + 1, line.text.c_str());
+                     tr("at line"), line.number + 1, std::string(line.text).c_str());
         return false;
     }
     if (!m_station.empty())
         appendFormat(m_out.report,
                      tr("\nWarning: occupy points %s and %s don't match for line:\n  %s"),
-                     m_station.c_str(), from.c_str(), line.text.c_str());
+                     m_station.c_str(), from.c_str(), std::string(line.text).c_str());
     m_station = from;
     m_backsight.clear();
     m_backsightLineDue = true;

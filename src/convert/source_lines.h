@@ -7,7 +7,8 @@
 
 #include <cstddef>
 #include <istream>
-#include <string>
+#include <memory>
+#include <string_view>
 #include <vector>
 
 namespace tramline::convert {
@@ -16,12 +17,42 @@ namespace tramline::convert {
 inline constexpr std::size_t kSourcePieceBytes = 254;
 
 struct SourceLine {
-    std::string text;       ///< the bytes as read, without the line end
+    std::string_view text;  ///< the bytes as read, without the line end; kept by the list
     std::size_t number = 0; ///< 0-based line (piece) number in the source
     bool consumed = false;  ///< set once the line has been turned into output
 };
 
-using SourceLines = std::vector<SourceLine>;
+/// The lines in file order. Their text lives in blocks of a megabyte that
+/// the list owns, not in a string each: a million-line file costs a few
+/// hundred allocations instead of a million, and less memory. Moving the
+/// list keeps every line's text where it is.
+class SourceLines {
+public:
+    using iterator = std::vector<SourceLine>::iterator;
+    using const_iterator = std::vector<SourceLine>::const_iterator;
+
+    /// Appends a copy of `text` as the line numbered `number`.
+    void push_back(std::string_view text, std::size_t number);
+    void reserve(std::size_t lines) { m_lines.reserve(lines); }
+    /// Forgets every line and gives back their memory.
+    void clear() { *this = SourceLines(); }
+
+    std::size_t size() const { return m_lines.size(); }
+    bool empty() const { return m_lines.empty(); }
+    SourceLine &operator[](std::size_t i) { return m_lines[i]; }
+    const SourceLine &operator[](std::size_t i) const { return m_lines[i]; }
+    const SourceLine &front() const { return m_lines.front(); }
+    const SourceLine &back() const { return m_lines.back(); }
+    iterator begin() { return m_lines.begin(); }
+    iterator end() { return m_lines.end(); }
+    const_iterator begin() const { return m_lines.begin(); }
+    const_iterator end() const { return m_lines.end(); }
+
+private:
+    std::vector<SourceLine> m_lines;
+    std::vector<std::unique_ptr<char[]>> m_blocks;
+    std::size_t m_used = 0, m_room = 0; // of the last block
+};
 
 /// Reads every line of `in` into `lines`: pieces of at most 254 bytes, line
 /// ends "\n", "\r\n" and "\r", lines under two bytes skipped (they keep

@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdio>
+#include <random>
+
 using namespace tramline;
 
 TEST(Format, LongOutputIsWhole) {
@@ -13,6 +17,42 @@ TEST(Format, LongOutputIsWhole) {
     std::string s = "a";
     appendFormat(s, "%d,%s", 5, "b");
     EXPECT_EQ(s, "a5,b");
+}
+
+// appendFixed writes most values through integers; printf is the judge,
+// above all next to rounding ties, where a scaled value can round the
+// other way than the exact one.
+TEST(Format, AppendFixedWritesWhatPrintfWrites) {
+    auto printf = [](double v, int decimals, int width) {
+        char buffer[512];
+        std::snprintf(buffer, sizeof buffer, "%*.*f", width, decimals, v);
+        return std::string(buffer);
+    };
+    auto fixed = [](double v, int decimals, int width) {
+        std::string out = "<";
+        appendFixed(out, v, decimals, width);
+        return out.substr(1);
+    };
+    const double edges[] = {
+        0.0,     -0.0,     1e-320,   -1e-320, 0.125, -0.125,  2.5,       0.5,
+        1.00005, -1.00005, 12.34565, 1e15,    -1e15, 9.99995, 123.45675, 4503599627370495.5,
+        1e300,   -0.00004, -0.00005};
+    for (const double v : edges)
+        for (int decimals = 0; decimals <= 10; ++decimals)
+            EXPECT_EQ(fixed(v, decimals, 0), printf(v, decimals, 0)) << v << " " << decimals;
+    std::mt19937_64 random(7);
+    std::uniform_real_distribution<double> unit(-1.0, 1.0);
+    for (int i = 0; i < 200000; ++i) {
+        const int decimals = i % 10;
+        const double v = unit(random) * std::pow(10.0, int(random() % 14) - 3);
+        ASSERT_EQ(fixed(v, decimals, 12), printf(v, decimals, 12)) << v << " " << decimals;
+        // The ties themselves and their neighbours.
+        const double tie = (double(random() % 100000000) + 0.5) / std::pow(10.0, decimals);
+        for (const double t : {tie, std::nextafter(tie, 0.0), std::nextafter(tie, 1e300), -tie})
+            ASSERT_EQ(fixed(t, decimals, 0), printf(t, decimals, 0)) << t << " " << decimals;
+    }
+    EXPECT_EQ(fixed(NAN, 4, 0), printf(NAN, 4, 0));
+    EXPECT_EQ(fixed(-INFINITY, 2, 6), printf(-INFINITY, 2, 6));
 }
 
 TEST(Format, ParseNumber) {

@@ -84,6 +84,8 @@ TEST(Text, XmlEscapedMakesAnyNameSafeInsideAnAttributeOrText) {
          "c",
          "abc"},
         {"tab\tkept", "tab\tkept"},
+        {"O'Brien's pin", "O&apos;Brien&apos;s pin"}, // safe in '...' attributes too
+        {"\n\r", "\n"},
         {"\xd0\x9f\xd1\x83", "\xd0\x9f\xd1\x83"}, // UTF-8 passes through
         {"", ""},
     };
