@@ -93,7 +93,7 @@ StoreResult storePoints(PassResult &pass, crd::CoordinateFile &coordinates,
     // at a time would leave it, later points winning.
     block = std::max<size_t>(block, 1);
     const std::vector<std::uint32_t> order = writeOrder(pass.points, coordinates.format());
-    std::vector<int> failed(pass.points.size(), 0);
+    std::vector<bool> failed(pass.points.size(), false);
     std::vector<crd::CrdPoint> points;
     std::vector<int> errors;
     for (size_t first = 0; first < order.size(); first += block) {
@@ -105,14 +105,14 @@ StoreResult storePoints(PassResult &pass, crd::CoordinateFile &coordinates,
         errors.clear();
         result.stored += coordinates.writePoints(points, crd::Verbosity::Quiet, &errors);
         for (size_t k = 0; k < points.size() && k < errors.size(); ++k)
-            failed[order[first + k]] = errors[k];
+            failed[order[first + k]] = errors[k] != 0;
     }
     std::vector<crd::CrdPoint>().swap(points);
     // Warnings and history in the order the run stored the points.
     for (size_t i = 0; i < pass.points.size(); ++i) {
         const ComputedPoint &stored = pass.points[i];
         const std::string &name = stored.point.name;
-        if (failed[i] != 0) {
+        if (failed[i]) {
             result.warnings.push_back(
                 format(tr("\nFailed to store point %s\non line %ld."), name.c_str(), stored.line));
             continue;
