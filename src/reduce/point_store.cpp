@@ -1,10 +1,13 @@
 #include "reduce/point_store.h"
 
 #include "base/format.h"
+#include "base/point_names.h"
 #include "base/translation.h"
 #include "base/unset.h"
+#include "crd/file_kinds.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <unordered_map>
 
 namespace tramline::reduce {
@@ -25,6 +28,51 @@ std::optional<TraversePoint> storedPoint(crd::CoordinateFile &coordinates,
     return t;
 }
 
+namespace {
+
+// A name the alphanumeric file keeps as it stands (bar case), so that the
+// name order of the given names is the file's and equal names stay equal.
+// Dots are left out: such names may compare inconsistently.
+bool keptAsGiven(std::string_view name) {
+    if (name.empty() || name.front() == ' ' || name.back() == ' ')
+        return false;
+    return name.find_first_of(".-,\r\n") == std::string_view::npos;
+}
+
+// The order in which the points go to the file: the name order when the
+// file is sorted by name, so that each bulk block lands after the one
+// before and appends rather than moving the file's tail again (a run of
+// interleaved traverse and sideshot numbers otherwise rewrites the whole
+// file once per block). Equal names keep their run order: the last wins.
+std::vector<std::uint32_t> writeOrder(const std::vector<ComputedPoint> &points, int format) {
+    std::vector<std::uint32_t> order(points.size());
+    for (size_t i = 0; i < order.size(); ++i)
+        order[i] = static_cast<std::uint32_t>(i);
+    if (format != crd::kFormatAlphanumeric)
+        return order;
+    for (const ComputedPoint &p : points)
+        if (!keptAsGiven(p.point.name))
+            return order;
+    const auto before = [&points](std::uint32_t a, std::uint32_t b) {
+        return comparePointNames(points[a].point.name, points[b].point.name) < 0;
+    };
+    if (!std::is_sorted(order.begin(), order.end(), before))
+        std::stable_sort(order.begin(), order.end(), before);
+    return order;
+}
+
+crd::CrdPoint crdPointOf(const TraversePoint &t) {
+    crd::CrdPoint p;
+    p.name = t.name;
+    p.northing = t.north;
+    p.easting = t.east;
+    p.elevation = t.hasElevation ? t.elevation : kUnsetPositive;
+    p.description = t.description;
+    return p;
+}
+
+} // namespace
+
 StoreResult storePoints(PassResult &pass, crd::CoordinateFile &coordinates,
                         const std::set<std::string> &adjusted, int adjustedOperation,
                         size_t block) {
@@ -44,41 +92,40 @@ StoreResult storePoints(PassResult &pass, crd::CoordinateFile &coordinates,
     // Each block is one bulk write: the file ends as writing the points one
     // at a time would leave it, later points winning.
     block = std::max<size_t>(block, 1);
+    const std::vector<std::uint32_t> order = writeOrder(pass.points, coordinates.format());
+    std::vector<bool> failed(pass.points.size(), false);
     std::vector<crd::CrdPoint> points;
     std::vector<int> errors;
-    for (size_t first = 0; first < pass.points.size(); first += block) {
-        const size_t end = std::min(pass.points.size(), first + block);
+    for (size_t first = 0; first < order.size(); first += block) {
+        const size_t end = std::min(order.size(), first + block);
         points.clear();
         points.reserve(end - first);
-        for (size_t i = first; i < end; ++i) {
-            ComputedPoint &stored = pass.points[i];
-            crd::CrdPoint p;
-            p.name = std::move(stored.point.name);
-            p.northing = stored.point.north;
-            p.easting = stored.point.east;
-            p.elevation = stored.point.hasElevation ? stored.point.elevation : kUnsetPositive;
-            p.description = std::move(stored.point.description);
-            points.push_back(std::move(p));
-        }
+        for (size_t i = first; i < end; ++i)
+            points.push_back(crdPointOf(pass.points[order[i]].point));
         errors.clear();
         result.stored += coordinates.writePoints(points, crd::Verbosity::Quiet, &errors);
-        for (size_t k = 0; k < points.size(); ++k) {
-            const ComputedPoint &stored = pass.points[first + k];
-            if (k < errors.size() && errors[k] != 0) {
-                result.warnings.push_back(format(tr("\nFailed to store point %s\non line %ld."),
-                                                 points[k].name.c_str(), stored.line));
-                continue;
-            }
-            if (!history)
-                continue;
-            const int operation = stored.control                   ? kHistoryPointStore
-                                  : adjusted.count(points[k].name) ? adjustedOperation
-                                                                   : kHistorySideshot;
-            const auto it = before.find(points[k].name);
-            coordinates.addHistory(it == before.end() ? nullptr : &it->second, &points[k],
-                                   operation);
-            before[points[k].name] = points[k]; // a later entry of the name changes this one
+        for (size_t k = 0; k < points.size() && k < errors.size(); ++k)
+            failed[order[first + k]] = errors[k] != 0;
+    }
+    std::vector<crd::CrdPoint>().swap(points);
+    // Warnings and history in the order the run stored the points.
+    for (size_t i = 0; i < pass.points.size(); ++i) {
+        const ComputedPoint &stored = pass.points[i];
+        const std::string &name = stored.point.name;
+        if (failed[i]) {
+            result.warnings.push_back(
+                format(tr("\nFailed to store point %s\non line %ld."), name.c_str(), stored.line));
+            continue;
         }
+        if (!history)
+            continue;
+        const int operation = stored.control         ? kHistoryPointStore
+                              : adjusted.count(name) ? adjustedOperation
+                                                     : kHistorySideshot;
+        const crd::CrdPoint now = crdPointOf(stored.point);
+        const auto it = before.find(name);
+        coordinates.addHistory(it == before.end() ? nullptr : &it->second, &now, operation);
+        before[name] = now; // a later entry of the name changes this one
     }
     // The pass's copies are spent: a million of them would stay in memory
     // through the notes.

@@ -64,18 +64,43 @@ TEST(PointStore, NoHistoryWhenTheFileKeepsNone) {
     EXPECT_FALSE(std::filesystem::exists(run.coordinates->historyPath()));
 }
 
-// Points go to the file in blocks; where the blocks fall changes nothing:
-// a name stored twice keeps its later position, its second history entry
-// records the change from the first, and a bad name is reported by its line.
+// Points go to the file in blocks (in name order when every name is one the
+// file keeps as given); where the blocks fall changes nothing: a name stored
+// twice keeps its later position, its second history entry records the
+// change from the first, and a bad name is reported by its line.
 TEST(PointStore, BlocksLeaveTheSameFileAndHistory) {
-    auto computed = [](const char *name, double north, long line, bool control = false) {
-        ComputedPoint c;
-        c.point.name = name;
-        c.point.north = north;
-        c.point.east = 1.0;
-        c.line = line;
-        c.control = control;
-        return c;
+    struct Given {
+        const char *name;
+        double north;
+        bool control = false;
+    };
+    struct Case {
+        std::vector<Given> points;
+        std::vector<std::string> listing; ///< "name north" of the names asked for
+        std::vector<std::string> warnings;
+        long stored;
+    };
+    const Case cases[] = {
+        // A bad name: written in run order.
+        {{{"1", 10.0, true}, {"7", 20.0}, {"", 30.0}, {"8", 40.0}, {"7", 50.0}},
+         {"1 10.0", "7 50.0", "8 40.0"},
+         {"\nFailed to store point \non line 3."},
+         4},
+        // Interleaved numbers, as traverse and sideshot points come: written
+        // in name order, equal names (case apart) still the last one winning,
+        // a name too long reported by its own line.
+        {{{"1000001", 10.0, true},
+          {"ABCDEFGHIJK", 15.0},
+          {"2", 20.0},
+          {"A1", 25.0},
+          {"1000002", 30.0},
+          {"10", 40.0},
+          {"2", 50.0},
+          {"a1", 55.0},
+          {"3", 60.0}},
+         {"2 50.0", "3 60.0", "10 40.0", "A1 55.0", "1000001 10.0", "1000002 30.0"},
+         {"\nFailed to store point ABCDEFGHIJK\non line 2."},
+         8},
     };
     struct Outcome {
         std::vector<std::string> listing;
@@ -83,17 +108,25 @@ TEST(PointStore, BlocksLeaveTheSameFileAndHistory) {
         std::vector<std::string> warnings;
         long stored = 0;
     };
-    auto store = [&](size_t block) {
+    auto store = [&](const Case &c, size_t block) {
         test::ProcessRun run;
         run.coordinates->setHistoryKeeping(true);
         PassResult pass;
-        pass.points = {computed("1", 10.0, 1, true), computed("7", 20.0, 2), computed("", 30.0, 3),
-                       computed("8", 40.0, 4), computed("7", 50.0, 5)};
+        long line = 0;
+        for (const Given &g : c.points) {
+            ComputedPoint p;
+            p.point.name = g.name;
+            p.point.north = g.north;
+            p.point.east = 1.0;
+            p.line = ++line;
+            p.control = g.control;
+            pass.points.push_back(p);
+        }
         Outcome out;
         const StoreResult r = storePoints(pass, *run.coordinates, {}, 28, block);
         out.stored = r.stored;
         out.warnings = r.warnings;
-        for (const char *name : {"1", "7", "8"})
+        for (const char *name : {"1", "2", "3", "7", "8", "10", "A1", "1000001", "1000002"})
             if (const auto p = run.point(name))
                 out.listing.push_back(std::string(name) + " " + format("%.1f", p->northing));
         const auto historyPath = run.coordinates->historyPath();
@@ -104,17 +137,19 @@ TEST(PointStore, BlocksLeaveTheSameFileAndHistory) {
             out.history.push_back(format("%s %d %u", e.name.c_str(), e.operation, e.flags));
         return out;
     };
-    const Outcome whole = store(100);
-    EXPECT_EQ(whole.listing, (std::vector<std::string>{"1 10.0", "7 50.0", "8 40.0"}));
-    EXPECT_EQ(whole.stored, 4);
-    EXPECT_EQ(whole.warnings, (std::vector<std::string>{"\nFailed to store point \non line 3."}));
-    ASSERT_EQ(whole.history.size(), 4u);
-    for (const size_t block : {1u, 2u, 3u}) {
-        const Outcome part = store(block);
-        EXPECT_EQ(part.listing, whole.listing) << block;
-        EXPECT_EQ(part.history, whole.history) << block;
-        EXPECT_EQ(part.warnings, whole.warnings) << block;
-        EXPECT_EQ(part.stored, whole.stored) << block;
+    for (const Case &c : cases) {
+        const Outcome whole = store(c, 100);
+        EXPECT_EQ(whole.listing, c.listing);
+        EXPECT_EQ(whole.stored, c.stored);
+        EXPECT_EQ(whole.warnings, c.warnings);
+        ASSERT_EQ(whole.history.size(), static_cast<size_t>(c.stored));
+        for (const size_t block : {1u, 2u, 3u}) {
+            const Outcome part = store(c, block);
+            EXPECT_EQ(part.listing, whole.listing) << block;
+            EXPECT_EQ(part.history, whole.history) << block;
+            EXPECT_EQ(part.warnings, whole.warnings) << block;
+            EXPECT_EQ(part.stored, whole.stored) << block;
+        }
     }
 }
 
