@@ -6,16 +6,12 @@
 #include "app/shell_prompts.h"
 #include "base/format.h"
 #include "base/translation.h"
-#include "convert/import_flow.h"
 #include "convert/registry.h"
-#include "convert/source_lines.h"
-#include "crd/coordinate_file.h"
 #include "reduce/adjust_methods.h"
 
 #include <QAction>
 #include <QFileInfo>
 #include <algorithm>
-#include <fstream>
 
 namespace tramline::app {
 
@@ -151,78 +147,6 @@ void CKELMADlg::applyAvailability() {
         action->setEnabled(false);
         action->setToolTip(QString::fromStdString(reason));
     }
-}
-
-bool CKELMADlg::runConverter(int id) {
-    const convert::FormatEntry *entry = converterOf(id);
-    if (!entry || !entry->built)
-        return false;
-    if (entry->import) {
-        importRawFormat(entry->menuName);
-        return true;
-    }
-    if (entry->exporter) {
-        exportRawFormat(entry->menuName);
-        return true;
-    }
-    if (entry->pointImport) {
-        importPoints(*entry);
-        return true;
-    }
-    if (entry->pointExport) {
-        exportPoints(*entry);
-        return true;
-    }
-    return false;
-}
-
-void CKELMADlg::importPoints(const convert::FormatEntry &entry) {
-    const std::string source =
-        prompts().askFileName(tramline::tr(entry.dialogTitle), entry.extensions, false);
-    if (source.empty())
-        return;
-    std::ifstream in(source, std::ios::binary);
-    convert::SourceLines lines;
-    if (!in || !convert::readSourceLines(in, lines)) {
-        ui().message(format(tramline::tr("Error: unable to open %s"), source.c_str()));
-        return;
-    }
-    convert::ImportOutput out;
-    if (const Status s = entry.pointImport(lines, ui(), out); !s) {
-        if (!s.message.empty())
-            ui().message(s.message);
-        return;
-    }
-    std::string report = out.report;
-    if (convert::writeImportedPoints(*m_workingFile, out.points, report) > 0)
-        m_coordinateModified = true;
-    refreshCoordinateGrid();
-    if (!report.empty())
-        ui().message(report.starts_with('\n') ? report.substr(1) : report);
-}
-
-void CKELMADlg::exportPoints(const convert::FormatEntry &entry) {
-    const std::string destination =
-        prompts().askFileName(tramline::tr(entry.dialogTitle), entry.extensions, true);
-    if (destination.empty())
-        return;
-    std::vector<crd::CrdPoint> points;
-    crd::readAllPoints(*m_workingFile, points);
-    convert::ExportOutput out;
-    if (const Status s = entry.pointExport(points, {}, ui(), out); !s) {
-        if (!s.message.empty())
-            ui().message(s.message);
-        return;
-    }
-    std::ofstream file(destination, std::ios::binary | std::ios::trunc);
-    if (!(file << out.bytes)) {
-        ui().message(out.writeError.empty()
-                         ? format(tramline::tr("Can't open output file %s"), destination.c_str())
-                         : out.writeError);
-        return;
-    }
-    if (!out.completion.empty())
-        ui().message(out.completion);
 }
 
 } // namespace tramline::app

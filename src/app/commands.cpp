@@ -270,35 +270,11 @@ void CKELMADlg::runCommand(int id) {
     case cmd::ImportRawTds:
         importRawData(true);
         return;
-    case cmd::ImportRawSokkia:
-        importRawFormat("Sokkia/SDR");
-        return;
-    case cmd::ExportRawSokkia:
-        exportRawFormat("Sokkia/SDR");
-        return;
     case cmd::ImportPointsText:
         importTextPoints();
         return;
     case cmd::ExportPointsText:
         exportTextPoints();
-        return;
-    case cmd::ImportRawLeica:
-        importRawFormat("Leica");
-        return;
-    case cmd::ExportRawLeica:
-        exportRawFormat("Leica");
-        return;
-    case cmd::ImportRawGeodimeter:
-        importRawFormat("Geodimeter");
-        return;
-    case cmd::ExportRawTrimbleJxl:
-        exportRawFormat("Trimble JXL");
-        return;
-    case cmd::ImportPointsGeodimeter:
-        importRegistryPoints("Geodimeter");
-        return;
-    case cmd::ExportPointsGeodimeter:
-        exportRegistryPoints("Geodimeter");
         return;
     case cmd::ImageTramline:
         startCompanion("imagery");

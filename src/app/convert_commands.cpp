@@ -1,7 +1,8 @@
-// The menu's converters: Import Raw Data and Export Raw Data > Sokkia/SDR,
-// Import Raw Data > Geodimeter, Export Raw Data > Trimble JXL, and the
-// text and Geodimeter entries of Import and Export Point Data. They run the same
-// core code as tramline-cli; titles and filters come from the registry.
+// The menu's converters: every entry of Import and Export Raw Data and of
+// Import and Export Point Data whose format the registry has built runs
+// through one of four flows here (raw import, raw export, point import,
+// point export), the same core code as tramline-cli; titles and filters
+// come from the registry. Text points ask their own questions first.
 #include "app/coordinate_grid_model.h"
 #include "app/main_dialog.h"
 #include "app/raw_grid_model.h"
@@ -32,12 +33,28 @@ const char *const kCancelButton = trNoop("Cancel");
 
 } // namespace
 
-void CKELMADlg::importRawFormat(const char *menuName) {
-    const convert::FormatEntry *entry = convert::findFormatByMenu(FormatKind::RawImport, menuName);
-    if (!entry || !entry->built || !confirmRawSave())
+bool CKELMADlg::runConverter(int id) {
+    const convert::FormatEntry *entry = converterOf(id);
+    if (!entry || !entry->built)
+        return false;
+    if (entry->import)
+        importRawFormat(*entry);
+    else if (entry->exporter)
+        exportRawFormat(*entry);
+    else if (entry->pointImport)
+        importPoints(*entry);
+    else if (entry->pointExport)
+        exportPoints(*entry);
+    else
+        return false;
+    return true;
+}
+
+void CKELMADlg::importRawFormat(const convert::FormatEntry &entry) {
+    if (!confirmRawSave())
         return;
     const std::string source =
-        prompts().askFileName(tramline::tr(entry->dialogTitle), entry->extensions, false);
+        prompts().askFileName(tramline::tr(entry.dialogTitle), entry.extensions, false);
     if (source.empty())
         return;
     // The scratch file is emptied first, so that a failed import leaves no
@@ -45,12 +62,12 @@ void CKELMADlg::importRawFormat(const char *menuName) {
     const auto scratch = convert::scratchImportPath(m_folders.working);
     std::ofstream(scratch, std::ios::trunc).close();
     convert::GeodimeterOptions geodimeter;
-    if (!askImportOptions(*entry, geodimeter))
+    if (!askImportOptions(entry, geodimeter))
         return;
     convert::GeodimeterOptionsAnswered answered(ui(), geodimeter);
     convert::ImportSummary summary;
     convert::ImportPaths paths{source, scratch, m_workingCrdPath, m_workingFile.get()};
-    if (!convert::runImport(entry->import, paths, answered, summary))
+    if (!convert::runImport(entry.import, paths, answered, summary))
         return;
     showImportedJob(summary);
 }
@@ -81,12 +98,9 @@ void CKELMADlg::showImportedJob(const convert::ImportSummary &summary) {
     ui().message((report.empty() ? "" : report + "\n\n") + convert::summaryLine(summary));
 }
 
-void CKELMADlg::exportRawFormat(const char *menuName) {
-    const convert::FormatEntry *entry = convert::findFormatByMenu(FormatKind::RawExport, menuName);
-    if (!entry || !entry->built)
-        return;
+void CKELMADlg::exportRawFormat(const convert::FormatEntry &entry) {
     const std::string destination =
-        prompts().askFileName(tramline::tr(entry->dialogTitle), entry->extensions, true);
+        prompts().askFileName(tramline::tr(entry.dialogTitle), entry.extensions, true);
     if (destination.empty())
         return;
     std::vector<std::string> lines;
@@ -95,7 +109,7 @@ void CKELMADlg::exportRawFormat(const char *menuName) {
         if (line.size() >= 3)
             lines.emplace_back(trimRight(line));
     convert::ExportOutput out;
-    convert::runExport(entry->exporter, lines, destination, {}, ui(), out);
+    convert::runExport(entry.exporter, lines, destination, {}, ui(), out);
 }
 
 void CKELMADlg::importTextPoints() {
@@ -158,17 +172,14 @@ void CKELMADlg::exportTextPoints() {
                                   written);
 }
 
-void CKELMADlg::importRegistryPoints(const char *menuName) {
-    const auto *entry = convert::findFormatByMenu(FormatKind::PointImport, menuName);
-    if (!entry || !entry->pointImport)
-        return;
+void CKELMADlg::importPoints(const convert::FormatEntry &entry) {
     const std::string source =
-        prompts().askFileName(tramline::tr(entry->dialogTitle), entry->extensions, false);
+        prompts().askFileName(tramline::tr(entry.dialogTitle), entry.extensions, false);
     if (source.empty())
         return;
     convert::ImportSummary summary;
     const Status s =
-        convert::runPointImport(entry->pointImport, source, *m_workingFile, ui(), summary);
+        convert::runPointImport(entry.pointImport, source, *m_workingFile, ui(), summary);
     if (s && summary.pointsStored > 0)
         m_coordinateModified = true;
     if (!summary.report.empty())
@@ -176,16 +187,13 @@ void CKELMADlg::importRegistryPoints(const char *menuName) {
     refreshCoordinateGrid();
 }
 
-void CKELMADlg::exportRegistryPoints(const char *menuName) {
-    const auto *entry = convert::findFormatByMenu(FormatKind::PointExport, menuName);
-    if (!entry || !entry->pointExport)
-        return;
+void CKELMADlg::exportPoints(const convert::FormatEntry &entry) {
     const std::string destination =
-        prompts().askFileName(tramline::tr(entry->dialogTitle), entry->extensions, true);
+        prompts().askFileName(tramline::tr(entry.dialogTitle), entry.extensions, true);
     if (destination.empty())
         return;
     convert::ExportOutput out;
-    convert::runPointExport(entry->pointExport, *m_workingFile, destination, {}, ui(), out);
+    convert::runPointExport(entry.pointExport, *m_workingFile, destination, {}, ui(), out);
 }
 
 } // namespace tramline::app

@@ -185,12 +185,15 @@ private:
     void processGpsCommand();
     void importRawData(bool tds);
     // converters (convert_commands.cpp)
-    void importRawFormat(const char *menuName);
-    void exportRawFormat(const char *menuName);
+    /// Runs the registry's converter of menu command `id`: false when the
+    /// command has none that is built.
+    bool runConverter(int id);
+    void importRawFormat(const convert::FormatEntry &entry);
+    void exportRawFormat(const convert::FormatEntry &entry);
+    void importPoints(const convert::FormatEntry &entry);
+    void exportPoints(const convert::FormatEntry &entry);
     void importTextPoints();
     void exportTextPoints();
-    void importRegistryPoints(const char *menuName);
-    void exportRegistryPoints(const char *menuName);
     /// The import's own questions before it runs (the Geodimeter options).
     bool askImportOptions(const convert::FormatEntry &entry,
                           convert::GeodimeterOptions &geodimeter);
@@ -201,9 +204,6 @@ private:
     static const convert::FormatEntry *converterOf(int id);
     std::filesystem::path companionPath(const char *name) const;
     void applyAvailability();
-    bool runConverter(int id);
-    void importPoints(const convert::FormatEntry &entry);
-    void exportPoints(const convert::FormatEntry &entry);
     // Tools > Data Transfer (transfer_commands.cpp)
     static bool isDataTransfer(int id);
     std::filesystem::path settingsFilePath() const;

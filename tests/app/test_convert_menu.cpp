@@ -125,4 +125,29 @@ TEST_F(ConvertMenuTest, GeodimeterAndJxlThroughTheMenus) {
               std::string::npos);
 }
 
+// The point entries of both menus take one path: the registry's converter
+// through the shared point flows, with the converter's own messages.
+TEST_F(ConvertMenuTest, LeicaPointExportTakesTheSharedPointFlow) {
+    auto d = start();
+    tramline::test::spit(dir / "in.txt", "1 100 200 10 IP\n");
+    shell.files = {(dir / "in.txt").string()};
+    shell.forms = {"P N E Z D=>OK"};
+    d->dispatch(cmd::ImportPointsText);
+    const auto out = dir / "out.gsi";
+    shell.files = {out.string()};
+    shell.reply("Meters|GSI-16");
+    d->dispatch(cmd::ExportPointsLeica);
+    EXPECT_EQ(shell.asked.back(), "Leica File To Write (gsi;raw, save)");
+    EXPECT_EQ(shell.messages.back(), "Done");
+    EXPECT_EQ(slurp(out),
+              "*110001+0000000000000001 71....+00000000000000IP 81..10+0000000000200000 "
+              "82..10+0000000000100000 83..10+0000000000010000 \n");
+
+    std::filesystem::create_directories(dir / "folder.gsi");
+    shell.files = {(dir / "folder.gsi").string()};
+    shell.reply("Meters|GSI-16");
+    d->dispatch(cmd::ExportPointsLeica);
+    EXPECT_EQ(shell.messages.back(), "Error: unable to write file");
+}
+
 } // namespace
