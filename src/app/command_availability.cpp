@@ -105,9 +105,17 @@ const convert::FormatEntry *CKELMADlg::converterOf(int id) {
         {"Import Point Data", FormatKind::PointImport},
         {"Export Point Data", FormatKind::PointExport},
     };
-    for (const auto &[name, kind] : kinds)
-        if (parts[1] == name)
-            return convert::findFormatByMenu(kind, parts[2]);
+    for (const auto &[name, kind] : kinds) {
+        if (parts[1] != name)
+            continue;
+        if (const auto *entry = convert::findFormatByMenu(kind, parts[2]))
+            return entry;
+        // Leica point files come in three codings, one converter each; the
+        // one entry stands for them all and asks which (askLeicaPointCoding).
+        if (kind == FormatKind::PointImport && parts[2] == "Leica")
+            return convert::findFormat(kind, "gsi-wildsoft");
+        return nullptr;
+    }
     return nullptr;
 }
 

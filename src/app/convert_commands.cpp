@@ -3,6 +3,7 @@
 // through one of four flows here (raw import, raw export, point import,
 // point export), the same core code as tramline-cli; titles and filters
 // come from the registry. Text points ask their own questions first.
+#include "app/command_ids.h"
 #include "app/coordinate_grid_model.h"
 #include "app/main_dialog.h"
 #include "app/raw_grid_model.h"
@@ -37,6 +38,8 @@ bool CKELMADlg::runConverter(int id) {
     const convert::FormatEntry *entry = converterOf(id);
     if (!entry || !entry->built)
         return false;
+    if (id == cmd::ImportPointsLeica && !(entry = askLeicaPointCoding()))
+        return true; // cancelled
     if (entry->import)
         importRawFormat(*entry);
     else if (entry->exporter)
@@ -48,6 +51,15 @@ bool CKELMADlg::runConverter(int id) {
     else
         return false;
     return true;
+}
+
+const convert::FormatEntry *CKELMADlg::askLeicaPointCoding() {
+    // The raw import's own choice, less GeoComp, which has no converter.
+    std::vector<FormField> fields = {
+        {tramline::tr("Coding System"), "WildSoft", {"WildSoft", "Liscad", "10-20-30-40"}}};
+    if (!ui().fillForm(tramline::tr("Leica Options"), fields))
+        return nullptr;
+    return convert::findFormat(convert::FormatKind::PointImport, "gsi-" + fields[0].value);
 }
 
 void CKELMADlg::importRawFormat(const convert::FormatEntry &entry) {

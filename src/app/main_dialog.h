@@ -202,6 +202,8 @@ private:
     void startCompanion(const char *name);
     // availability and the registry's converters (command_availability.cpp)
     static const convert::FormatEntry *converterOf(int id);
+    /// Import Point Data > Leica: which coding's converter; null if cancelled.
+    const convert::FormatEntry *askLeicaPointCoding();
     std::filesystem::path companionPath(const char *name) const;
     void applyAvailability();
     // Tools > Data Transfer (transfer_commands.cpp)

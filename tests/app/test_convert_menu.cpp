@@ -127,7 +127,7 @@ TEST_F(ConvertMenuTest, GeodimeterAndJxlThroughTheMenus) {
 
 // The point entries of both menus take one path: the registry's converter
 // through the shared point flows, with the converter's own messages.
-TEST_F(ConvertMenuTest, LeicaPointExportTakesTheSharedPointFlow) {
+TEST_F(ConvertMenuTest, LeicaPointsOutAndInThroughTheSharedPointFlow) {
     auto d = start();
     tramline::test::spit(dir / "in.txt", "1 100 200 10 IP\n");
     shell.files = {(dir / "in.txt").string()};
@@ -142,6 +142,23 @@ TEST_F(ConvertMenuTest, LeicaPointExportTakesTheSharedPointFlow) {
     EXPECT_EQ(slurp(out),
               "*110001+0000000000000001 71....+00000000000000IP 81..10+0000000000200000 "
               "82..10+0000000000100000 83..10+0000000000010000 \n");
+
+    // Back in as point 7 through Import Point Data > Leica, which asks the
+    // coding before the file.
+    std::string back = slurp(out);
+    back.replace(back.find("+0000000000000001 "), 18, "+0000000000000007 ");
+    tramline::test::spit(dir / "back.gsi", back);
+    shell.files = {(dir / "back.gsi").string()};
+    shell.reply("WildSoft");
+    d->dispatch(cmd::ImportPointsLeica);
+    EXPECT_EQ(shell.questions.back(), "Leica Options");
+    EXPECT_EQ(shell.asked.back(), "Leica Wildsoft File (gsi;raw)");
+    EXPECT_EQ(shell.messages.back(), "Done");
+    EXPECT_EQ(d->coordinateModel()->rowCount(), 2);
+    const size_t asked = shell.asked.size();
+    shell.reply("<cancel>");
+    d->dispatch(cmd::ImportPointsLeica);
+    EXPECT_EQ(shell.asked.size(), asked); // no file asked for
 
     std::filesystem::create_directories(dir / "folder.gsi");
     shell.files = {(dir / "folder.gsi").string()};
