@@ -85,7 +85,7 @@ bool askGeodimeterOptions(Interaction &ui, GeodimeterOptions &options) {
 
 bool GeodimeterOptionsAnswered::fillForm(const std::string &title, std::vector<FormField> &fields) {
     if (title != tr(kTitle))
-        return m_ui.fillForm(title, fields);
+        return ForwardingInteraction::fillForm(title, fields);
     fields = optionFields(m_options);
     return true;
 }

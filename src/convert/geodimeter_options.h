@@ -2,7 +2,7 @@
 // in "readgeod.ini" in the program's folder as is_strip and is_info (0 or 1).
 #pragma once
 
-#include "base/interaction.h"
+#include "base/forwarding_interaction.h"
 #include "base/status.h"
 
 #include <filesystem>
@@ -38,24 +38,14 @@ bool askGeodimeterOptions(Interaction &ui, GeodimeterOptions &options);
 /// Passes everything to `ui` except the form "Geodimeter Process Options",
 /// which it answers with `options`: the desktop program asks the form
 /// itself (with the values of the settings file) before the import runs.
-class GeodimeterOptionsAnswered : public Interaction {
+class GeodimeterOptionsAnswered : public ForwardingInteraction {
 public:
     GeodimeterOptionsAnswered(Interaction &ui, const GeodimeterOptions &options)
-        : m_ui(ui), m_options(options) {}
+        : ForwardingInteraction(ui), m_options(options) {}
 
-    int choose(const std::string &title, const std::string &message,
-               const std::vector<std::string> &buttons) override {
-        return m_ui.choose(title, message, buttons);
-    }
     bool fillForm(const std::string &title, std::vector<FormField> &fields) override;
-    void message(const std::string &text) override { m_ui.message(text); }
-    void progress(long position, long length, const std::string &caption) override {
-        m_ui.progress(position, length, caption);
-    }
-    bool idle() override { return m_ui.idle(); }
 
 private:
-    Interaction &m_ui;
     GeodimeterOptions m_options;
 };
 
