@@ -111,6 +111,7 @@ void addImport(CLI::App &app, CommandContext &ctx) {
         if (!status) {
             if (status.code == StatusCode::Format || status.code == StatusCode::Cancelled)
                 ctx.err << status.message << '\n';
+            explainFileFailure(ctx, {o->file}, o->output);
             ctx.exitCode = kFailure;
             return;
         }
@@ -175,6 +176,8 @@ void addExport(CLI::App &app, CommandContext &ctx) {
             // The export's message cannot name the stream, nor say why.
             if (destination.isStream() && !destination.error().empty())
                 ctx.err << destination.error() << '\n';
+            else
+                explainFileFailure(ctx, {o->file}, o->output);
             ctx.exitCode = kFailure;
             return;
         }
@@ -215,6 +218,7 @@ void importPoints(const convert::FormatEntry &entry, const PointOptions &options
         return;
     convert::ImportSummary summary;
     if (!convert::runPointImport(entry.pointImport, options.file, file, ui, summary)) {
+        explainFileFailure(ctx, {options.file});
         ctx.exitCode = kFailure;
         return;
     }
@@ -240,6 +244,8 @@ void exportPoints(const convert::FormatEntry &entry, const PointOptions &options
     if (!convert::runPointExport(entry.pointExport, file, destination, exportOptions, ui, out)) {
         if (destination.isStream() && !destination.error().empty())
             ctx.err << destination.error() << '\n';
+        else
+            explainFileFailure(ctx, {}, options.output);
         ctx.exitCode = kFailure;
         return;
     }

@@ -160,6 +160,7 @@ void runPrepare(const PrepareCliOptions &o, CommandContext &ctx) {
     raw::RawFile file;
     if (const Status status = raw::readRawFile(o.file, file); !status) {
         ctx.err << statusText(status) << '\n';
+        explainFileFailure(ctx, {o.file});
         ctx.exitCode = kFailure;
         return;
     }

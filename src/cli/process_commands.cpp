@@ -154,8 +154,11 @@ void runGps(const ProcessCliOptions &o, CommandContext &ctx) {
     if (!status)
         return failWith(status.message);
     raw::RawFile file;
-    if (status = raw::readRawFile(o.file, file); !status)
-        return failWith(statusText(status));
+    if (status = raw::readRawFile(o.file, file); !status) {
+        failWith(statusText(status));
+        explainFileFailure(ctx, {o.file});
+        return;
+    }
     ConsoleInteraction ui(ctx.err);
     crd::CrdContext crdContext;
     crdContext.messages = &ui;
@@ -289,6 +292,7 @@ void runProcess(const ProcessCliOptions &o, CommandContext &ctx) {
     raw::RawFile file;
     if (const Status status = raw::readRawFile(o.file, file); !status) {
         ctx.err << statusText(status) << '\n';
+        explainFileFailure(ctx, {o.file});
         ctx.exitCode = kFailure;
         return;
     }

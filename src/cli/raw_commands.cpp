@@ -34,6 +34,7 @@ struct RawFileOptions {
 bool openDocument(const std::string &file, raw::RawDocument &doc, CommandContext &ctx) {
     ConsoleInteraction ui(ctx.err);
     if (!doc.open(file, ui)) {
+        explainFileFailure(ctx, {file});
         ctx.exitCode = kFailure;
         return false;
     }
@@ -53,8 +54,10 @@ bool saveDocument(raw::RawDocument &doc, const std::string &output, CommandConte
     }
     ConsoleInteraction ui(ctx.err);
     const bool ok = output.empty() ? doc.save(ui) : doc.saveAs(output, ui);
-    if (!ok)
+    if (!ok) {
+        explainFileFailure(ctx, {}, output);
         ctx.exitCode = kFailure;
+    }
     return ok;
 }
 

@@ -4,6 +4,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <unistd.h>
 
 namespace tramline::cli {
 
@@ -26,6 +29,54 @@ void reportFileError(CommandContext &ctx, const std::string &message, const std:
                      int error) {
     ctx.err << message << '\n' << fileReason(path, error) << '\n';
     ctx.exitCode = kFailure;
+}
+
+namespace {
+
+// The system's reason why `path` cannot be opened for reading, 0 if it can.
+int unreadableReason(const std::string &path) {
+    std::error_code ec;
+    if (std::filesystem::is_directory(path, ec))
+        return EISDIR;
+    const int fd = ::open(path.c_str(), O_RDONLY);
+    if (fd < 0)
+        return errno ? errno : ENOENT;
+    ::close(fd);
+    return 0;
+}
+
+// The same for a file to be written, without creating it: a folder in its
+// place, a missing or read-only folder, a read-only file.
+int unwritableReason(const std::string &path) {
+    namespace fs = std::filesystem;
+    std::error_code ec;
+    if (fs::is_directory(path, ec))
+        return EISDIR;
+    if (fs::exists(path, ec))
+        return ::access(path.c_str(), W_OK) == 0 ? 0 : errno;
+    fs::path folder = fs::path(path).parent_path();
+    if (folder.empty())
+        folder = ".";
+    if (!fs::exists(folder, ec))
+        return ENOENT;
+    if (!fs::is_directory(folder, ec))
+        return ENOTDIR;
+    return ::access(folder.c_str(), W_OK | X_OK) == 0 ? 0 : errno;
+}
+
+} // namespace
+
+void explainFileFailure(CommandContext &ctx, std::initializer_list<std::string> inputs,
+                        const std::string &output) {
+    for (const std::string &path : inputs)
+        if (!path.empty() && !isStandardStream(path))
+            if (const int error = unreadableReason(path)) {
+                ctx.err << fileReason(path, error) << '\n';
+                return;
+            }
+    if (!output.empty() && !isStandardStream(output))
+        if (const int error = unwritableReason(output))
+            ctx.err << fileReason(output, error) << '\n';
 }
 
 bool isStandardStream(const std::string &path) {

@@ -8,6 +8,7 @@
 #include "cli/command_context.h"
 
 #include <fstream>
+#include <initializer_list>
 #include <iostream>
 #include <string>
 
@@ -20,6 +21,13 @@ std::string fileReason(const std::string &path, int error);
 /// error stream, and sets the failure exit code.
 void reportFileError(CommandContext &ctx, const std::string &message, const std::string &path,
                      int error);
+
+/// After a command's own message about a file it could not use: "PATH:
+/// REASON" for the first of `inputs` that cannot be read, else for `output`
+/// when it cannot be written; nothing when they all open (the message was
+/// about the contents) or are "-".
+void explainFileFailure(CommandContext &ctx, std::initializer_list<std::string> inputs,
+                        const std::string &output = {});
 
 /// True for "-", standard input or output.
 bool isStandardStream(const std::string &path);

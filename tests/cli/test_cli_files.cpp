@@ -41,12 +41,43 @@ TEST_F(CliFiles, RawCheckTellsOtherFilesApart) {
     }
 }
 
+// Each command's own message stays as it is; the file and the system's
+// reason follow it on a line of their own.
 TEST_F(CliFiles, MissingFilesNameTheReason) {
     const std::string missing = (dir / "nosuch.rw5").string();
-    const auto result = runCli({"raw", "check", missing});
-    EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.err,
-              "Error: unable to read raw file\n" + missing + ": No such file or directory\n");
+    const std::string job = (dir / "job.rw5").string();
+    tramline::test::spit(dir / "job.rw5", "JB,NMjob,DT,TM\nSP,PN1,N 100,E 200,EL10,--A\n");
+    const std::string folder = dir.string();
+    const std::string noFolder = (dir / "no" / "x.out").string();
+    const std::string gone = ": No such file or directory\n";
+    struct Case {
+        std::vector<std::string> args;
+        std::string err;
+    };
+    const Case cases[] = {
+        {{"raw", "check", missing}, "Error: unable to read raw file\n" + missing + gone},
+        {{"raw", "show", missing}, "Error: unable to read raw file\n" + missing + gone},
+        {{"raw", "show", folder},
+         "Error: unable to read raw file\n" + folder + ": Is a directory\n"},
+        {{"process", missing, "--crd", (dir / "x.crd").string()},
+         "Error: unable to read raw file\n" + missing + gone},
+        {{"import", "sdr", missing, "-o", (dir / "x.rw5").string(), "--crd",
+          (dir / "x.crd").string()},
+         "Error: unable to read raw file\n" + missing + gone},
+        {{"export", "sdr", missing, "-o", (dir / "x.sdr").string()},
+         "Error: unable to read raw file\n" + missing + gone},
+        {{"export", "jxl", missing, "-o", (dir / "x.jxl").string()},
+         "\nError: cannot open RW5 file.\n" + missing + gone},
+        {{"export", "sdr", job, "-o", noFolder},
+         "Error: failed to write Sokkia file\n" + noFolder + gone},
+        {{"export", "sdr", job, "-o", folder},
+         "Error: failed to write Sokkia file\n" + folder + ": Is a directory\n"},
+    };
+    for (const Case &c : cases) {
+        const auto result = runCli(c.args);
+        EXPECT_EQ(result.code, 1) << c.args[0] << ' ' << c.args[1];
+        EXPECT_EQ(result.err, c.err) << c.args[0] << ' ' << c.args[1];
+    }
 }
 
 TEST(CliSuggestions, NearestSubcommand) {

@@ -158,11 +158,13 @@ TEST_F(ConvertCommands, SdrExportWritesAtomicallyAndSaysSo) {
 
     const auto missing = runCli({"export", "sdr", at("none.rw5"), "-o", at("old.sdr")});
     EXPECT_EQ(missing.code, 1);
-    EXPECT_EQ(missing.err, "Error: unable to read raw file\n");
+    EXPECT_EQ(missing.err, "Error: unable to read raw file\n" + at("none.rw5") +
+                               ": No such file or directory\n");
     const auto unwritable =
         runCli({"export", "sdr", at("job.rw5"), "-o", at("no/such/folder/out.sdr")});
     EXPECT_EQ(unwritable.code, 1);
-    EXPECT_EQ(unwritable.err, "Error: failed to write Sokkia file\n");
+    EXPECT_EQ(unwritable.err, "Error: failed to write Sokkia file\n" +
+                                  at("no/such/folder/out.sdr") + ": No such file or directory\n");
     EXPECT_EQ(slurp(dir / "old.sdr"), "old");
 }
 

@@ -84,7 +84,8 @@ TEST_F(GsiCommands, RawExportAndPointExport) {
     EXPECT_NE(slurp(dir / "job.gsi").find(" 21...2+0000000001111111 "), std::string::npos);
     const auto unwritable = runCli({"export", "gsi", at("job.rw5"), "-o", at("no/such/x.gsi")});
     EXPECT_EQ(unwritable.code, 1);
-    EXPECT_EQ(unwritable.err, "Error: unable to create gsi file " + at("no/such/x.gsi") + "\n");
+    EXPECT_EQ(unwritable.err, "Error: unable to create gsi file " + at("no/such/x.gsi") + "\n" +
+                                  at("no/such/x.gsi") + ": No such file or directory\n");
 
     ASSERT_EQ(runCli({"crd", "put", at("x.crd"), "1", "100000.0", "5", "1"}).code, 0);
     const auto gsi16 = runCli({"points", "export", "gsi", at("x.crd"), "-o", at("x16.gsi")});

@@ -85,7 +85,8 @@ TEST_F(ProcessCli, BadUsageAndFailures) {
     const Result missing =
         runCli({"process", (dir / "none.rw5").string(), "--crd", (dir / "x.crd").string()});
     EXPECT_EQ(missing.code, 1);
-    EXPECT_EQ(missing.err, "Error: unable to read raw file\n");
+    EXPECT_EQ(missing.err, "Error: unable to read raw file\n" + (dir / "none.rw5").string() +
+                               ": No such file or directory\n");
     const Result help = runCli({"process", "--help"});
     EXPECT_EQ(help.code, 0);
     EXPECT_NE(help.out.find("--closing-shot"), std::string::npos);
