@@ -65,33 +65,15 @@ void JxlWriter::close(const char *element) {
 void JxlWriter::text(const char *name, std::string_view value) {
     if (value.empty())
         return empty(name);
-    m_out += '<';
-    m_out += name;
-    m_out += '>';
-    appendXmlEscaped(m_out, value);
-    m_out += "</";
-    m_out += name;
-    m_out += ">\n";
+    element(name, [&] { appendXmlEscaped(m_out, value); });
 }
 
 void JxlWriter::raw(const char *name, std::string_view value) {
-    m_out += '<';
-    m_out += name;
-    m_out += '>';
-    m_out += value;
-    m_out += "</";
-    m_out += name;
-    m_out += ">\n";
+    element(name, [&] { m_out += value; });
 }
 
 void JxlWriter::number(const char *name, double value, int decimals) {
-    m_out += '<';
-    m_out += name;
-    m_out += '>';
-    appendFixed(m_out, value, decimals);
-    m_out += "</";
-    m_out += name;
-    m_out += ">\n";
+    element(name, [&] { appendFixed(m_out, value, decimals); });
 }
 
 void JxlWriter::numberIf(bool present, const char *name, double value, int decimals) {
@@ -109,13 +91,7 @@ void JxlWriter::idOrEmpty(const char *name, unsigned value) {
 }
 
 void JxlWriter::id(const char *name, unsigned value) {
-    m_out += '<';
-    m_out += name;
-    m_out += '>';
-    appendHexId(m_out, value);
-    m_out += "</";
-    m_out += name;
-    m_out += ">\n";
+    element(name, [&] { appendHexId(m_out, value); });
 }
 
 void JxlWriter::empty(const char *name) {

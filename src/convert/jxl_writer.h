@@ -72,6 +72,17 @@ public:
     std::string &bytes() { return m_out; }
 
 private:
+    // <name>value</name> on a line of its own; `append` writes the value.
+    template <class Append> void element(const char *name, Append append) {
+        m_out += '<';
+        m_out += name;
+        m_out += '>';
+        append();
+        m_out += "</";
+        m_out += name;
+        m_out += ">\n";
+    }
+
     std::string m_stamp;
     std::string m_out;
     unsigned m_id = 0;
