@@ -2,7 +2,9 @@
 // 100,000 set-ups with 1,000,000 sideshots without adjustment, the same
 // with the angle balance, and a 10,000-side traverse by the compass rule.
 // Run alone under /usr/bin/time -v for the peak memory of one job:
-//   bench_reduce --benchmark_filter=NoAdjust
+//   bench_reduce --benchmark_filter=NoAdjust100k
+// and the 11M-shot job with TRAMLINE_BENCH_LARGE=1 and
+//   --benchmark_filter=NoAdjust1M
 #include "base/format.h"
 #include "crd/coordinate_file.h"
 #include "raw/reader.h"
@@ -11,6 +13,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <numbers>
@@ -115,6 +118,20 @@ BENCHMARK(BM_NoAdjust100kSetups1MSideshots)
     ->Arg(100000)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1);
+
+// The job ten times over (1M set-ups, 11M shots, 720 MB, about 3.6 GB at
+// its peak): registered only when TRAMLINE_BENCH_LARGE is set, as it takes
+// a minute and most of a small machine's memory.
+[[maybe_unused]] const bool kLargeRegistered = [] {
+    if (std::getenv("TRAMLINE_BENCH_LARGE") == nullptr)
+        return false;
+    benchmark::RegisterBenchmark(
+        "BM_NoAdjust1MSetups10MSideshots",
+        [](benchmark::State &state) { runJob(state, 1000000, 10, reduce::AdjustMethod::None); })
+        ->Unit(benchmark::kMillisecond)
+        ->Iterations(1);
+    return true;
+}();
 
 void BM_AngleBalance100kSetups1MSideshots(benchmark::State &state) {
     runJob(state, static_cast<int>(state.range(0)), 10, reduce::AdjustMethod::AngleBalance);

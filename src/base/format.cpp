@@ -42,15 +42,16 @@ void appendFormat(std::string &out, const char *pattern, ...) {
 
 namespace {
 
-// "%.*f" for the common case: a value that, scaled to an integer of
+// "%*.*f" for the common case: a value that, scaled to an integer of
 // decimal places, is inside the exact range of a double and not on a
 // rounding tie. Then the rounded integer is the correctly rounded result
 // of the exact value, and its digits with a decimal point are what printf
-// writes. False (nothing written) for the rest, which takes the general
-// route.
-bool fixedByInteger(char *buffer, double value, int decimals, size_t &length) {
+// writes. The text is built from its last digit backwards, padding
+// included, and ends at `end`; false (nothing written) for the rest, which
+// takes the general route. Listings write millions of these.
+bool fixedByInteger(char *end, double value, int decimals, int width, char *&begin) {
     static constexpr double kPowers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
-    if (decimals < 0 || decimals > 9 || !std::isfinite(value))
+    if (decimals < 0 || decimals > 9 || !std::isfinite(value) || width > 32)
         return false;
     const double scaled = std::fabs(value) * kPowers[decimals];
     if (scaled >= 0x1p52)
@@ -63,23 +64,22 @@ bool fixedByInteger(char *buffer, double value, int decimals, size_t &length) {
     if (fraction == 0.5)
         return false;
     auto digits = static_cast<unsigned long long>(whole) + (fraction > 0.5 ? 1 : 0);
-    char reversed[24];
-    int n = 0;
+    char *p = end;
+    for (int i = 0; i < decimals; ++i) {
+        *--p = char('0' + digits % 10);
+        digits /= 10;
+    }
+    if (decimals > 0)
+        *--p = '.';
     do {
-        reversed[n++] = char('0' + digits % 10);
+        *--p = char('0' + digits % 10);
         digits /= 10;
     } while (digits != 0);
-    while (n < decimals + 1)
-        reversed[n++] = '0';
-    size_t at = 0;
     if (std::signbit(value))
-        buffer[at++] = '-'; // printf keeps the sign of a negative zero
-    for (int i = n - 1; i >= 0; --i) {
-        if (i == decimals - 1)
-            buffer[at++] = '.';
-        buffer[at++] = reversed[i];
-    }
-    length = at;
+        *--p = '-'; // printf keeps the sign of a negative zero
+    while (end - p < width)
+        *--p = ' ';
+    begin = p;
     return true;
 }
 
@@ -87,16 +87,18 @@ bool fixedByInteger(char *buffer, double value, int decimals, size_t &length) {
 
 void appendFixed(std::string &out, double value, int decimals, int width) {
     char buffer[400];
-    size_t length = 0;
-    if (!fixedByInteger(buffer, value, decimals, length)) {
-        const auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, value,
-                                             std::chars_format::fixed, decimals);
-        if (ec != std::errc()) {
-            out += format("%*.*f", width, decimals, value);
-            return;
-        }
-        length = static_cast<size_t>(end - buffer);
+    char *const end = buffer + sizeof buffer;
+    char *begin = nullptr;
+    if (fixedByInteger(end, value, decimals, width, begin)) {
+        out.append(begin, static_cast<size_t>(end - begin));
+        return;
     }
+    const auto [last, ec] = std::to_chars(buffer, end, value, std::chars_format::fixed, decimals);
+    if (ec != std::errc()) {
+        out += format("%*.*f", width, decimals, value);
+        return;
+    }
+    const auto length = static_cast<size_t>(last - buffer);
     if (width > 0 && length < static_cast<size_t>(width))
         out.append(static_cast<size_t>(width) - length, ' ');
     out.append(buffer, length);

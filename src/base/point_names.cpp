@@ -62,9 +62,31 @@ template <typename T> int compareValues(T x, T y) {
 
 } // namespace
 
+namespace {
+
+// Digits only, no leading zero, and few enough to stay below the largest
+// long: such names compare by value, i.e. by length and then digit by digit.
+bool plainNumber(std::string_view s) {
+    if (s.empty() || s.size() > 18 || (s.size() > 1 && s.front() == '0'))
+        return false;
+    for (const char c : s)
+        if (!isDigit(c))
+            return false;
+    return true;
+}
+
+} // namespace
+
 int comparePointNames(std::string_view a, std::string_view b) {
     if (a.empty() && b.empty())
         return 0;
+    // Numbered points are most of every file: settle them without parsing.
+    if (plainNumber(a) && plainNumber(b)) {
+        if (a.size() != b.size())
+            return a.size() < b.size() ? -1 : 1;
+        const int c = a.compare(b);
+        return (c > 0) - (c < 0);
+    }
     const size_t shorter = std::min(a.size(), b.size());
     for (size_t i = 0; i < shorter; ++i) {
         if (isDigit(a[i]) && isDigit(b[i])) {

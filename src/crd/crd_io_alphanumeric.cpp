@@ -269,6 +269,7 @@ bool CrdIOMorvane::reserveTail(std::uint64_t end, std::uint64_t bytes, long long
 
 bool CrdIOMorvane::insertAlphaRecord(long index, const unsigned char *record) {
     m_searchNames.clear(); // records after `index` move
+    m_orderedCount = 0;
     const long long oldSize = m_store->size();
     if (oldSize < 0)
         return fail(kReadWriteFailed);

@@ -113,11 +113,20 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     };
 
     // One pass over the file: is it strictly in order, and which names exist?
+    // What an earlier batch checked or wrote is known to be in order, and
+    // nothing before the first new name's place can match one: a run of
+    // batches in name order reads only the file's tail.
+    long from = 0;
+    if (consistent && !order.empty() && m_orderedCount > 0) {
+        const Search first = searchAlphanumeric(uniqueName(0));
+        if (first.ok)
+            from = std::max(0L, std::min(std::min(m_orderedCount, m_count) - 1, first.index));
+    }
     long matches = 0;
     std::vector<unsigned char> chunk(kMaxMoveRecords * kAlphaRecordSize);
     std::string previous;
     std::size_t cursor = 0;
-    for (long start = 0; consistent && start < m_count; start += kMaxMoveRecords) {
+    for (long start = from; consistent && start < m_count; start += kMaxMoveRecords) {
         const long n = std::min(kMaxMoveRecords, m_count - start);
         if (!m_store->readExactly(alphaOffset(start), chunk.data(),
                                   static_cast<std::size_t>(n) * kAlphaRecordSize)) {
@@ -130,7 +139,8 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
         for (long i = 0; consistent && i < n; ++i) {
             std::string name =
                 alphaName(chunk.data() + static_cast<std::size_t>(i) * kAlphaRecordSize);
-            consistent = !hasDot(name) && (start + i == 0 || comparePointNames(previous, name) < 0);
+            consistent =
+                !hasDot(name) && (start + i == from || comparePointNames(previous, name) < 0);
             while (cursor < order.size() && comparePointNames(uniqueName(cursor), name) < 0)
                 ++cursor;
             if (cursor < order.size() && comparePointNames(uniqueName(cursor), name) == 0) {
@@ -239,6 +249,7 @@ long CrdIOMorvane::writeAlphanumericBatch(std::span<const CrdPoint> points, bool
     }
     if (!finishMove())
         return failAll();
+    m_orderedCount = m_count;
     return static_cast<long>(points.size()) -
            static_cast<long>(
                std::count_if(errors.begin(), errors.end(), [](int e) { return e != 0; }));

@@ -193,6 +193,7 @@ void CrdIOMorvane::close() {
     m_current = -1;
     m_cacheValid = false;
     m_searchNames.clear();
+    m_orderedCount = 0;
 }
 
 bool CrdIOMorvane::attach(std::unique_ptr<ByteStore> store, CrdAccess access) {
@@ -201,6 +202,7 @@ bool CrdIOMorvane::attach(std::unique_ptr<ByteStore> store, CrdAccess access) {
     m_current = -1;
     m_cacheValid = false;
     m_searchNames.clear();
+    m_orderedCount = 0;
     std::array<unsigned char, kAlphaHeaderSize> header{};
     const long long got = m_store->readAt(0, header.data(), header.size());
     const long long size = m_store->size();
@@ -312,6 +314,7 @@ bool CrdIOMorvane::abandonMove() {
     if (!m_journal.empty())
         recoverMove(m_journal, *m_store);
     m_searchNames.clear();
+    m_orderedCount = 0;
     m_cacheValid = false;
     const long long size = m_store->size();
     if (m_format == kFormatAlphanumeric && size >= static_cast<long long>(kAlphaHeaderSize)) {

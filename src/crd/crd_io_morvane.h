@@ -119,6 +119,9 @@ private:
 
     // Names of records the binary search visits first (index -> name).
     std::unordered_map<long, std::string> m_searchNames;
+    // Leading records the batch write has found, or left, in strict order
+    // and free of '.': its next check starts there. Any other change resets it.
+    long m_orderedCount = 0;
     std::vector<unsigned char> m_searchBlock; // the narrow end of a search, read at once
 
     // The one-record cache of the sequential walk.

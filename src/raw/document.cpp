@@ -237,15 +237,15 @@ RawRow RawDocument::rowFromNode(const RawNode &node) const {
         break;
     case RecordType::Occupy:
         row.type = "DS";
-        row.cells = {node.text};
+        row.cells = {node.text.str()};
         break;
     case RecordType::Text:
         if (node.text.starts_with("--")) {
             row.type.clear();
-            row.cells = {node.text.substr(2)};
+            row.cells = {std::string(node.text.view().substr(2))};
         } else {
             row.type = "DS";
-            row.cells = {node.text};
+            row.cells = {node.text.str()};
         }
         break;
     }

@@ -261,16 +261,18 @@ Status readRaw(std::istream &in, RawFile &file) {
     in.clear();
     LineReader reader(in, kRawLineBuffer);
     std::string line;
-    RawNode node;
     while (reader.next(line)) {
         applyUnitsLine(line, file.units);
-        if (!parseRawLine(line, file.units, node))
+        // Parsed in place: a million records are not moved once more.
+        RawNode &node = file.nodes.emplace_back();
+        if (!parseRawLine(line, file.units, node)) {
+            file.nodes.pop_back();
             continue;
+        }
         node.lineNumber = reader.lineNumber();
         if (node.type == RecordType::Observation &&
             node.observation.verticalKind != VerticalKind::None)
             file.verticalMode = node.observation.verticalKind;
-        file.nodes.push_back(std::move(node));
     }
     if (reader.failed())
         return Status::failure(StatusCode::Io, tr("Error: unable to read raw file"),

@@ -7,6 +7,7 @@
 // slope distance.
 #pragma once
 
+#include "base/bulk_allocator.h"
 #include "base/status.h"
 #include "raw/record.h"
 
@@ -23,7 +24,7 @@ inline constexpr size_t kRawLineBuffer = 222;
 inline constexpr size_t kTextRowLimit = 64;
 
 struct RawFile {
-    std::vector<RawNode> nodes;
+    std::vector<RawNode, BulkAllocator<RawNode>> nodes;
     RawUnits units;                                 ///< as the file declared them (last seen)
     VerticalKind verticalMode = VerticalKind::None; ///< the last vertical kind read
 };

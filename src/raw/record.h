@@ -10,6 +10,7 @@
 // nobody). A gon file's angles are plain decimal gons.
 #pragma once
 
+#include "base/compact_string.h"
 #include "base/units.h"
 
 #include <cstdint>
@@ -47,13 +48,13 @@ HorizontalKind horizontalKindFromName(std::string_view name);
 /// angle unit (ddd.mmss, or decimal gons in a gon file); lengths in the
 /// file's linear unit.
 struct Observation {
-    std::string type; ///< "SS", "TR", "CL", "AB", "CL+AB", "FD", "FR", "BD", "BR"
-    std::string occupied;
-    std::string foresight;
+    CompactString type; ///< "SS", "TR", "CL", "AB", "CL+AB", "FD", "FR", "BD", "BR"
+    CompactString occupied;
+    CompactString foresight;
     /// The backsight a reduced direct-reverse set was turned from (its
     /// BD/BR target); empty for a shot turned from its set-up's backsight.
-    std::string backsight;
-    std::string description;
+    CompactString backsight;
+    CompactString description;
     // Numbers first, then the small members together: a large job holds a
     // million of these.
     double horizontal = 0.0;
@@ -109,14 +110,14 @@ enum class RecordType : std::uint8_t {
 };
 
 struct RawNode {
-    std::string name; ///< record name as in the file: "SP", "G1", "LS", ...
+    CompactString name; ///< record name as in the file: "SP", "G1", "LS", ...
     /// Values by position, codes removed. An observation keeps them only
     /// when one of its angle or distance values is not a number: otherwise
     /// `observation` holds everything the line said, and a million shots
     /// need not carry every value twice.
     std::vector<std::string> fields;
     Observation observation; ///< for observations
-    std::string text;        ///< for Text and Occupy: the line itself (at most 64 characters)
+    CompactString text;      ///< for Text and Occupy: the line itself (at most 64 characters)
     size_t lineNumber = 0;   ///< 1-based line (piece) in the file
     RecordType type = RecordType::Text;
     bool hasHi = false, hasHr = false; ///< for heights: which of the two the line held

@@ -65,7 +65,7 @@ std::string correctedAngles(const raw::RawFile &file, const std::vector<Traverse
         const raw::Observation &o = node.observation;
         const int k = side->second;
         const int turns = turnedFromBacksight(o.horizontalKind) ? 1 : k;
-        appendFormat(t, "%-9.9s %-9.9s %s\n", o.occupied.c_str(), o.foresight.c_str(),
+        appendFormat(t, "%-9.9s %-9.9s %s\n", o.occupied.str().c_str(), o.foresight.str().c_str(),
                      correctedAngle(o.horizontalKind, raw::angleToDegrees(o.horizontal, unit),
                                     correction, turns, unit)
                          .c_str());

@@ -79,7 +79,7 @@ private:
 std::map<std::string, TraversePoint> approximations(const PassResult &pass) {
     std::map<std::string, TraversePoint> out;
     for (const auto &p : pass.points)
-        out[p.point.name] = p.point;
+        out[p.point.name.str()] = p.point;
     return out;
 }
 
@@ -92,7 +92,7 @@ public:
             m_nodeAt[static_cast<long>(node.lineNumber)] = &node;
         for (const auto &p : pass.points)
             if (p.control)
-                m_control.insert(p.point.name);
+                m_control.insert(p.point.name.str());
     }
 
     std::optional<TraversePoint> known(const std::string &name) override {
@@ -110,8 +110,8 @@ public:
     }
 
     void given(const TraversePoint &p, long, GivenBy) override {
-        m_control.insert(p.name);
-        m_points[p.name] = p;
+        m_control.insert(p.name.str());
+        m_points[p.name.str()] = p;
     }
 
     void setupOpened(const Setup &setup) override { known(setup.occupied); }
@@ -156,7 +156,7 @@ public:
             const auto b = known(setup.backsight);
             const double d1 =
                 b ? std::hypot(b->north - setup.station.north, b->east - setup.station.east) : 0.0;
-            const auto f = m_points.find(o.foresight);
+            const auto f = m_points.find(o.foresight.str());
             const double d3 = b && f != m_points.end()
                                   ? std::hypot(b->north - f->second.north, b->east - f->second.east)
                                   : 0.0;
@@ -215,9 +215,9 @@ public:
 
     const std::string &error() const { return m_error; }
 
-    void observe(const std::string &name) {
-        if (m_observed.insert(name).second)
-            m_order.push_back(name);
+    void observe(std::string_view name) {
+        if (m_observed.insert(std::string(name)).second)
+            m_order.emplace_back(name);
     }
 
 private:

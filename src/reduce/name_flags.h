@@ -4,6 +4,8 @@
 // node-based hash set costs a division and two cache misses.
 #pragma once
 
+#include "base/bulk_allocator.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -75,7 +77,8 @@ private:
     }
 
     std::vector<std::pair<std::string, std::uint8_t>> m_pending;
-    std::vector<Slot> m_slots;
+    // Looked up at random once a shot: huge pages spare the TLB misses.
+    std::vector<Slot, BulkAllocator<Slot>> m_slots;
     std::vector<std::string> m_names;
     size_t m_mask = 0;
 };

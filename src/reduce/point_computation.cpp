@@ -20,7 +20,7 @@ namespace tramline::reduce {
 
 using raw::RecordType;
 
-const ComputedPoint *PassResult::find(const std::string &name) const {
+const ComputedPoint *PassResult::find(std::string_view name) const {
     const auto it = index.find(name);
     return it == index.end() ? nullptr : &points[it->second];
 }
@@ -91,7 +91,7 @@ public:
             m_names.add(name, kOccupied | kWatched);
         for (const auto &node : input.file->nodes) {
             if (node.type == RecordType::Text && node.text.starts_with("--DZ,PN"))
-                m_names.add(std::string_view(node.text).substr(7, node.text.find(',', 7) - 7),
+                m_names.add(node.text.view().substr(7, node.text.view().find(',', 7) - 7),
                             kWatched);
             else if ((node.type == RecordType::StorePoint || node.type == RecordType::Elevation) &&
                      !node.fields.empty())
@@ -141,7 +141,7 @@ public:
         const auto *existing = m_r.find(p.name);
         store(p, line, existing && existing->control);
         if (depth)
-            appendFormat(m_r.depths, "\n%-9.9s %s: %.3f, %s: %.3f", p.name.c_str(),
+            appendFormat(m_r.depths, "\n%-9.9s %s: %.3f, %s: %.3f", p.name.str().c_str(),
                          tr("Adjusted Elev"), p.elevation, tr("Depth"), *depth);
     }
 
@@ -183,8 +183,10 @@ public:
     void shot(const Setup &s, const ReducedShot &shot) override {
         const raw::Observation &o = *shot.observation;
         if (shot.balance)
-            m_r.balanceShots.push_back({s.occupied, o.foresight, shot.azimuth, shot.line});
+            m_r.balanceShots.push_back({s.occupied, o.foresight.str(), shot.azimuth, shot.line});
         TraversePoint p = foresightOf(s, shot);
+        // One look at the table a shot: it is as large as the job.
+        const std::uint8_t flags = m_names.find(p.name);
         if (p.name == m_in.closingPoint)
             m_r.closingEnd = p;
         list(o, shot, p);
@@ -204,7 +206,7 @@ public:
             ++m_r.traverseLines;
         } else if (o.isSideshot()) {
             ++m_r.sideshotCount;
-            if (m_names.find(p.name) & kOccupied)
+            if (flags & kOccupied)
                 ++m_r.sideshotTraverses;
             std::string &ss = m_r.sideshots;
             appendPadded(ss, p.name, 9, false, true);
@@ -216,7 +218,7 @@ public:
             return; // an angle balance shot only measures the closing direction
         if (p.name == m_in.closingPoint)
             return; // the closing point keeps its known coordinates
-        store(std::move(p), shot.line, false);
+        store(std::move(p), shot.line, false, flags);
     }
 
 private:
@@ -246,7 +248,7 @@ private:
         if (m_in.sdrHorizontal)
             applySdrHorizontal(*m_in.sdrHorizontal, p);
         if (shot.traverse) {
-            if (const auto it = m_in.fixed.find(p.name); it != m_in.fixed.end()) {
+            if (const auto it = m_in.fixed.find(p.name.view()); it != m_in.fixed.end()) {
                 p.north = it->second.north;
                 p.east = it->second.east;
                 if (it->second.hasElevation) {
@@ -282,8 +284,14 @@ private:
     }
 
     void store(TraversePoint p, long line, bool control) {
-        if (control || (m_names.find(p.name) & kWatched)) {
-            const auto [it, isNew] = m_r.index.try_emplace(p.name, m_r.points.size());
+        const std::uint8_t flags = m_names.find(p.name);
+        store(std::move(p), line, control, flags);
+    }
+
+    // `flags` are the name's flags in m_names.
+    void store(TraversePoint p, long line, bool control, std::uint8_t flags) {
+        if (control || (flags & kWatched)) {
+            const auto [it, isNew] = m_r.index.try_emplace(p.name.str(), m_r.points.size());
             if (!isNew) {
                 if (m_r.points[it->second].control && !control)
                     return;

@@ -4,7 +4,9 @@
 // cancels leaves the coordinate file as it was.
 #pragma once
 
+#include "base/bulk_allocator.h"
 #include "base/interaction.h"
+#include "base/text_hash.h"
 #include "raw/reader.h"
 #include "reduce/process_options.h"
 #include "reduce/setup_walk.h"
@@ -52,7 +54,7 @@ struct PassInput {
     /// Coordinates stored before the run (the coordinate file).
     std::function<std::optional<TraversePoint>(const std::string &)> lookup;
     /// Traverse points held fixed (adjusted coordinates of a second pass).
-    std::map<std::string, TraversePoint> fixed;
+    std::map<std::string, TraversePoint, std::less<>> fixed;
     /// Added to the direction of every traverse shot (angle balance), degrees.
     double traverseAngleCorrection = 0.0;
     std::optional<SdrHorizontalAdjustment> sdrHorizontal;
@@ -72,13 +74,14 @@ struct PassInput {
 struct PassResult {
     enum class Status { Done, Stopped, ReturnToEditor };
     Status status = Status::Done;
-    std::string error;                 ///< why the pass stopped
-    std::vector<ComputedPoint> points; ///< in the order they were stored (latest wins)
+    std::string error; ///< why the pass stopped
+    std::vector<ComputedPoint, BulkAllocator<ComputedPoint>>
+        points; ///< in the order they were stored (latest wins)
     /// Name -> latest entry of points, for the points the run looks up:
     /// set-ups, backsights, control, depths and elevations, the closing
     /// and angle balance points. Keeping a million sideshots out of it is
     /// what makes a large job fast.
-    std::unordered_map<std::string, size_t> index;
+    TextMap<size_t> index;
     std::vector<TraverseSide> sides; ///< every TR, CL and CL+AB shot, file order
     std::vector<BalanceShot> balanceShots;
     std::optional<TraversePoint> closingEnd; ///< last computed position of the closing point
@@ -88,7 +91,7 @@ struct PassResult {
     int traverseLines = 0, sideshotTraverses = 0, sideshotCount = 0, storePoints = 0;
 
     /// The latest stored position of a point the run looks up (see index).
-    const ComputedPoint *find(const std::string &name) const;
+    const ComputedPoint *find(std::string_view name) const;
 };
 
 /// Runs the pass. Questions (missing coordinates) go to `ui`.

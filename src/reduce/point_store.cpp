@@ -39,12 +39,27 @@ bool keptAsGiven(std::string_view name) {
     return name.find_first_of(".-,\r\n") == std::string_view::npos;
 }
 
+// The value of a name made only of digits, without a leading zero and
+// short enough for 64 bits; -1 for any other name. Such names compare by
+// value alone, so a run of them sorts by a number key.
+std::int64_t plainNumber(std::string_view name) {
+    if (name.empty() || name.size() > 18 || (name.size() > 1 && name.front() == '0'))
+        return -1;
+    std::int64_t value = 0;
+    for (const char c : name) {
+        if (c < '0' || c > '9')
+            return -1;
+        value = value * 10 + (c - '0');
+    }
+    return value;
+}
+
 // The order in which the points go to the file: the name order when the
 // file is sorted by name, so that each bulk block lands after the one
 // before and appends rather than moving the file's tail again (a run of
 // interleaved traverse and sideshot numbers otherwise rewrites the whole
 // file once per block). Equal names keep their run order: the last wins.
-std::vector<std::uint32_t> writeOrder(const std::vector<ComputedPoint> &points, int format) {
+std::vector<std::uint32_t> writeOrder(const decltype(PassResult::points) &points, int format) {
     std::vector<std::uint32_t> order(points.size());
     for (size_t i = 0; i < order.size(); ++i)
         order[i] = static_cast<std::uint32_t>(i);
@@ -53,6 +68,22 @@ std::vector<std::uint32_t> writeOrder(const std::vector<ComputedPoint> &points, 
     for (const ComputedPoint &p : points)
         if (!keptAsGiven(p.point.name))
             return order;
+    // Numbered points, the common case: sort (number, run position) pairs,
+    // which keeps equal names in run order without a stable sort.
+    using Key = std::pair<std::int64_t, std::uint32_t>;
+    std::vector<Key, BulkAllocator<Key>> keyed(points.size());
+    bool numbered = true;
+    for (size_t i = 0; i < points.size() && numbered; ++i) {
+        keyed[i] = {plainNumber(points[i].point.name), static_cast<std::uint32_t>(i)};
+        numbered = keyed[i].first >= 0;
+    }
+    if (numbered) {
+        std::sort(keyed.begin(), keyed.end());
+        for (size_t i = 0; i < order.size(); ++i)
+            order[i] = keyed[i].second;
+        return order;
+    }
+    keyed = {};
     const auto before = [&points](std::uint32_t a, std::uint32_t b) {
         return comparePointNames(points[a].point.name, points[b].point.name) < 0;
     };
@@ -79,11 +110,11 @@ StoreResult storePoints(PassResult &pass, crd::CoordinateFile &coordinates,
     StoreResult result;
     const bool history = coordinates.historyKeeping();
     // The points as they were, for the history: read before anything is written.
-    std::unordered_map<std::string, crd::CrdPoint> before;
+    TextMap<crd::CrdPoint> before;
     if (history) {
         for (const auto &stored : pass.points) {
             crd::CrdPoint old;
-            if (!before.count(stored.point.name) &&
+            if (!before.contains(stored.point.name.view()) &&
                 coordinates.readPoint(stored.point.name, old, crd::PointSearch::Exact,
                                       crd::Verbosity::Quiet))
                 before.emplace(stored.point.name, old);
@@ -111,7 +142,7 @@ StoreResult storePoints(PassResult &pass, crd::CoordinateFile &coordinates,
     // Warnings and history in the order the run stored the points.
     for (size_t i = 0; i < pass.points.size(); ++i) {
         const ComputedPoint &stored = pass.points[i];
-        const std::string &name = stored.point.name;
+        const std::string name = stored.point.name.str();
         if (failed[i]) {
             result.warnings.push_back(
                 format(tr("\nFailed to store point %s\non line %ld."), name.c_str(), stored.line));
@@ -129,7 +160,7 @@ StoreResult storePoints(PassResult &pass, crd::CoordinateFile &coordinates,
     }
     // The pass's copies are spent: a million of them would stay in memory
     // through the notes.
-    std::vector<ComputedPoint>().swap(pass.points);
+    decltype(PassResult::points)().swap(pass.points);
     pass.index.clear();
     for (const auto &note : pass.notes) {
         const size_t tab = note.find('\t');

@@ -122,9 +122,10 @@ std::string adjustmentHeading(const char *closureTitle) {
 }
 
 std::string pointList(const PassResult &pass) {
-    std::unordered_map<std::string, const TraversePoint *> latest;
+    // Views into the points' own names, which outlive the map.
+    std::unordered_map<std::string_view, const TraversePoint *> latest;
     for (const auto &cp : pass.points)
-        latest[cp.point.name] = &cp.point;
+        latest[cp.point.name.view()] = &cp.point;
     std::vector<const TraversePoint *> points;
     for (const auto &[name, p] : latest)
         points.push_back(p);
@@ -133,9 +134,9 @@ std::string pointList(const PassResult &pass) {
     });
     std::string out;
     for (const auto *p : points)
-        appendFormat(out, "%-9.9s %12.4f %12.4f %s %s\n", p->name.c_str(), p->north, p->east,
+        appendFormat(out, "%-9.9s %12.4f %12.4f %s %s\n", p->name.str().c_str(), p->north, p->east,
                      p->hasElevation ? format("%10.4f", p->elevation).c_str() : "          ",
-                     p->description.c_str());
+                     p->description.str().c_str());
     return out;
 }
 

@@ -207,8 +207,8 @@ private:
                                   closingName(), m_crd);
         if (m_closure.ok) {
             const TraversePoint &end = m_closure.knownEnd;
-            m_result.closure = ClosureVector{end.name, end.north, end.east, m_closure.closure.north,
-                                             m_closure.closure.east};
+            m_result.closure = ClosureVector{end.name.str(), end.north, end.east,
+                                             m_closure.closure.north, m_closure.closure.east};
         }
         return m_closure.ok || fail(m_closure.error);
     }
@@ -258,7 +258,8 @@ private:
         }
         const Closure c = computeClosure(*pass.closingEnd, *known, pass.sides);
         m_result.figures.closures.push_back({tr("Closure Results"), c});
-        m_result.closure = ClosureVector{known->name, known->north, known->east, c.north, c.east};
+        m_result.closure =
+            ClosureVector{known->name.str(), known->north, known->east, c.north, c.east};
         m_result.report.append(tr("Closure Results"),
                                closureText(tr("Closure Results"), c, names(), m_counts));
     }
@@ -338,7 +339,7 @@ private:
                 !std::isfinite(p.point.elevation))
                 return fail(format(tr("Error: point %s has no finite coordinates after the "
                                       "adjustment; nothing was stored."),
-                                   p.point.name.c_str()));
+                                   p.point.name.str().c_str()));
         m_result.figures.adjusted = adj.points;
         std::string t = adjustmentHeading(tr(m_method.closureTitle));
         // The final pass keeps the balanced directions through the fixed points.
@@ -347,8 +348,8 @@ private:
             if (m_opt.reportAdjustments)
                 t += adjustedPointLine(p) + "\n";
             if (p.point.name != closingName()) {
-                in.fixed[p.point.name] = p.point;
-                m_adjusted.insert(p.point.name);
+                in.fixed[p.point.name.str()] = p.point;
+                m_adjusted.insert(p.point.name.str());
             }
         }
         appendFormat(t, "\n%s: %.3f\n", tr("Max adjustment"), adj.maxShift);
@@ -411,9 +412,9 @@ private:
                  p.standard.semiMinor * adjust::kConfidence95Factor, p.standard.azimuth});
         }
         PassInput in = laterPassInput();
-        std::unordered_map<std::string, const TraversePoint *> latest;
+        std::unordered_map<std::string_view, const TraversePoint *> latest;
         for (const auto &c : pass.points)
-            latest[c.point.name] = &c.point;
+            latest[c.point.name.view()] = &c.point;
         for (std::size_t p = 0; p < run.network.points.size(); ++p) {
             const auto &point = run.network.points[p];
             if (point.control)
@@ -445,7 +446,7 @@ private:
                 (t.hasElevation && !std::isfinite(t.elevation)))
                 return fail(format(tr("Error: point %s computed from line %ld has no finite "
                                       "coordinates; nothing was stored."),
-                                   t.name.c_str(), p.line));
+                                   t.name.str().c_str(), p.line));
         }
         if (m_opt.keepStoredPoints) {
             m_result.figures.stored.reserve(m_final.points.size());

@@ -151,7 +151,7 @@ private:
         return parseNumber(text, v) && !isUnset(v) ? std::optional<double>(v) : std::nullopt;
     }
 
-    void handleNote(const std::string &t, long line) {
+    void handleNote(std::string_view t, long line) {
         if (t.starts_with("--Elevation: 2D")) {
             m_setup.elevations = false;
             m_client.warning(format(tr("Warning: Calculate Elevations turned off by 'Elevation: "
@@ -161,7 +161,7 @@ private:
             m_setup.elevations = true;
         } else if (t.starts_with("--DZ,PN")) {
             // "--DZ,PN12,DZ3.25": the point's elevation lowered by the depth.
-            const std::string_view rest = std::string_view(t).substr(7);
+            const std::string_view rest = t.substr(7);
             const size_t comma = rest.find(',');
             double depth;
             if (comma == std::string_view::npos || !parseNumber(rest.substr(comma + 3), depth))
@@ -341,7 +341,7 @@ private:
         const raw::Observation &o = node.observation;
         if (!m_open) {
             stop(format(tr("No coordinate stored for Occupied Point %s\non line# %ld"),
-                        o.occupied.c_str(), line),
+                        o.occupied.str().c_str(), line),
                  WalkOutcome::Status::Stopped);
             return;
         }
@@ -350,7 +350,7 @@ private:
             // is not, and stopping would lose the rest of the file for one
             // miswritten record: the shot is left out and the report says so.
             m_client.warning(format(tr("Error: occupied pt# %s does not match %s on line# %ld"),
-                                    o.occupied.c_str(), m_setup.occupied.c_str(), line));
+                                    o.occupied.str().c_str(), m_setup.occupied.c_str(), line));
             return;
         }
         if (o.foresight == m_setup.occupied) {
@@ -366,7 +366,7 @@ private:
         double orientation = m_setup.orientation;
         bool oriented = m_setup.oriented;
         if (fromBacksight && !o.backsight.empty() && o.backsight != m_setup.backsight)
-            oriented = orientOnOwnBacksight(o.backsight, line, orientation) || oriented;
+            oriented = orientOnOwnBacksight(o.backsight.str(), line, orientation) || oriented;
         if (fromBacksight && !oriented) {
             stop(format(tr("Error: no backsight point specified on line# %ld"), line),
                  WalkOutcome::Status::Stopped);

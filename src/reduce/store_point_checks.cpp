@@ -1,6 +1,7 @@
 #include "reduce/store_point_checks.h"
 
 #include "base/format.h"
+#include "base/text_hash.h"
 #include "base/translation.h"
 
 #include <cmath>
@@ -81,7 +82,7 @@ std::string storePointNote(const RawNode &node) {
 CheckOutcome storePointCheck(CheckContext &context) {
     raw::RawFile &file = context.file;
     // Only the names of store points matter: look for shots to those.
-    std::unordered_map<std::string, long> measured; // store point name -> first shot to it
+    TextMap<long> measured; // store point name -> first shot to it
     for (const auto &n : file.nodes)
         if (n.type == RecordType::StorePoint && !n.fields.empty())
             measured.emplace(n.fields[0], 0);

@@ -111,9 +111,9 @@ LinearAdjustment adjustTraverse(const TraversePoint &start, const std::vector<Tr
 }
 
 std::string adjustedPointLine(const AdjustedPoint &p) {
-    return format("%-9.9s %-11.3f %-11.3f %-11.3f %-11.3f %-6.3f %s", p.point.name.c_str(),
+    return format("%-9.9s %-11.3f %-11.3f %-11.3f %-11.3f %-6.3f %s", p.point.name.str().c_str(),
                   p.point.north, p.point.east, p.point.elevation, p.sideLength, p.shift,
-                  p.point.description.c_str());
+                  p.point.description.str().c_str());
 }
 
 double angularError(double referenceAzimuthDegrees, double measuredAzimuthDegrees) {

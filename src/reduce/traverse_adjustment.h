@@ -3,16 +3,19 @@
 // with the elevation adjustment and the shift check.
 #pragma once
 
+#include "base/compact_string.h"
+
 #include <string>
 #include <vector>
 
 namespace tramline::reduce {
 
+// Compact names: a run holds one of these for every shot it computes.
 struct TraversePoint {
-    std::string name;
+    CompactString name;
     double north = 0.0, east = 0.0, elevation = 0.0; ///< file units
     bool hasElevation = false;
-    std::string description;
+    CompactString description;
 };
 
 /// One side as computed from the field measurements.

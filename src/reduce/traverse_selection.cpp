@@ -23,7 +23,7 @@ std::string nextForesight(const raw::RawFile &file, const std::string &from, siz
     for (const auto &n : file.nodes)
         if (n.lineNumber > afterLine && isTraverseShot(n) && n.observation.occupied == from) {
             afterLine = n.lineNumber;
-            return n.observation.foresight;
+            return n.observation.foresight.str();
         }
     return {};
 }
@@ -107,8 +107,8 @@ ClosingShot chooseClosingShot(const raw::RawFile &file, const std::string &end,
             std::string(tr("Select the Closing Shot")) + "\n" + tr("Occupy Pt  Foresight Pt");
         std::vector<std::string> buttons;
         for (const auto *c : candidates)
-            buttons.push_back(format("%-10s %s", c->observation.occupied.c_str(),
-                                     c->observation.foresight.c_str()));
+            buttons.push_back(format("%-10s %s", c->observation.occupied.str().c_str(),
+                                     c->observation.foresight.str().c_str()));
         buttons.push_back(tr("&Cancel"));
         const int choice = ui.choose(tr("Closing Shot Measurement"), text, buttons);
         if (choice < 0 || choice >= static_cast<int>(candidates.size())) {

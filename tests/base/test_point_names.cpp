@@ -23,6 +23,11 @@ TEST(PointNames, Order) {
         {"100", "100", 0},
         {"CP", "cp", 0},
         {"12345678901234567890", "9", 1},
+        // Plain numbers: by value, whatever their length.
+        {"99", "100", -1},
+        {"0", "10", -1},
+        {"1000000", "999999", 1},
+        {"123456789012345678", "123456789012345677", 1},
         // Leading zeros: equal values move on, the whole names decide.
         {"A01", "A1", -1},
         {"007", "7", -1},

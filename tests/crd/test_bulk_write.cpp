@@ -39,9 +39,16 @@ std::vector<CrdPoint> randomPoints(std::mt19937 &random, int count, const std::s
     return points;
 }
 
-// The same start, then the points one by one in one store and in bulk in
-// the other; both the bytes and the messages must agree.
-std::size_t expectSameAsOneByOne(const Bytes &start, const std::vector<CrdPoint> &points) {
+// One write of a sequence: points in bulk, or one at a time in both stores.
+struct Step {
+    std::vector<CrdPoint> points;
+    bool oneByOne = false;
+};
+
+// The same start, then the points one by one in one store and step by step
+// (in bulk where the step says so) in the other; both the bytes and the
+// messages must agree.
+std::size_t expectSameAsOneByOne(const Bytes &start, const std::vector<Step> &steps) {
     tramline::ScriptedInteraction singleUi, bulkUi;
     CrdContext singleContext, bulkContext;
     singleContext.messages = &singleUi;
@@ -54,20 +61,44 @@ std::size_t expectSameAsOneByOne(const Bytes &start, const std::vector<CrdPoint>
     EXPECT_TRUE(single.openStore(std::move(singleStore), CrdAccess::Update));
     EXPECT_TRUE(bulk.openStore(std::move(bulkStore), CrdAccess::Update));
 
-    std::vector<int> singleErrors;
-    long singleWritten = 0;
-    for (const auto &p : points) {
-        singleWritten += single.writePoint(p, Verbosity::Messages, nullptr) ? 1 : 0;
-        singleErrors.push_back(single.lastError());
+    for (const Step &step : steps) {
+        std::vector<int> singleErrors;
+        long singleWritten = 0;
+        for (const auto &p : step.points) {
+            singleWritten += single.writePoint(p, Verbosity::Messages, nullptr) ? 1 : 0;
+            singleErrors.push_back(single.lastError());
+        }
+        std::vector<int> bulkErrors;
+        if (step.oneByOne) {
+            for (const auto &p : step.points) {
+                bulk.writePoint(p, Verbosity::Messages, nullptr);
+                bulkErrors.push_back(bulk.lastError());
+            }
+        } else {
+            EXPECT_EQ(bulk.writePoints(step.points, Verbosity::Messages, &bulkErrors),
+                      singleWritten);
+        }
+        EXPECT_EQ(bulkErrors, singleErrors);
     }
-    std::vector<int> bulkErrors;
-    EXPECT_EQ(bulk.writePoints(points, Verbosity::Messages, &bulkErrors), singleWritten);
-    EXPECT_EQ(bulkErrors, singleErrors);
     EXPECT_EQ(bulkUi.messages, singleUi.messages);
     EXPECT_TRUE(bulkBytes->bytes() == singleBytes->bytes());
     EXPECT_EQ(bulk.highestName(), single.highestName());
     EXPECT_EQ(bulk.lowestName(), single.lowestName());
     return bulkBytes->written;
+}
+
+std::size_t expectSameAsOneByOne(const Bytes &start, const std::vector<CrdPoint> &points) {
+    return expectSameAsOneByOne(start, std::vector<Step>{{points}});
+}
+
+std::vector<CrdPoint> numbered(int first, int last) {
+    std::vector<CrdPoint> points;
+    for (int n = first; n <= last; ++n) {
+        CrdPoint p;
+        p.set(n, 2.0 * n, 100.0, std::to_string(n), "N");
+        points.push_back(p);
+    }
+    return points;
 }
 
 Bytes existingAlphaFile(std::mt19937 &random) {
@@ -104,6 +135,34 @@ TEST(CrdBulkWrite, SameBytesAsOneByOne) {
         if (c.merged) {
             EXPECT_LT(written, 2 * (c.start.size() + 66u * static_cast<unsigned>(c.count)));
         }
+    }
+}
+
+// A run of bulk writes on one open file, as a large job stores its points
+// block by block: a later block checks only what the earlier ones did not
+// leave in order, and still finds its names in the middle of the file, and a
+// single write in between (a name with '.') makes it check everything again.
+TEST(CrdBulkWrite, BlocksInARowSameAsOneByOne) {
+    std::mt19937 random(5);
+    const Bytes empty = alphaHeader("01/01/2020", "T");
+    CrdPoint dotted;
+    dotted.set(1.0, 2.0, 3.0, "250.5", "DOT");
+    struct Case {
+        const char *what;
+        std::vector<Step> steps;
+    };
+    const Case cases[] = {
+        {"appending, then over the middle",
+         {{numbered(1, 400)}, {numbered(401, 800)}, {numbered(300, 500)}}},
+        {"random blocks",
+         {{randomPoints(random, 300, "0123456789AB", 4)},
+          {randomPoints(random, 300, "0123456789AB", 4)}}},
+        {"a name with '.' written between blocks",
+         {{numbered(1, 400)}, {{dotted}, true}, {numbered(200, 600)}}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        expectSameAsOneByOne(empty, c.steps);
     }
 }
 

@@ -101,6 +101,17 @@ TEST(PointStore, BlocksLeaveTheSameFileAndHistory) {
          {"2 50.0", "3 60.0", "10 40.0", "A1 55.0", "1000001 10.0", "1000002 30.0"},
          {"\nFailed to store point ABCDEFGHIJK\non line 2."},
          8},
+        // Numbers only, sorted by value: the repeated name keeps its run order.
+        {{{"1000001", 10.0, true},
+          {"2", 20.0},
+          {"1000002", 30.0},
+          {"10", 40.0},
+          {"2", 50.0},
+          {"3", 60.0},
+          {"1", 70.0}},
+         {"1 70.0", "2 50.0", "3 60.0", "10 40.0", "1000001 10.0", "1000002 30.0"},
+         {},
+         7},
     };
     struct Outcome {
         std::vector<std::string> listing;

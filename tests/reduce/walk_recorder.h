@@ -30,10 +30,10 @@ struct WalkRecorder : reduce::SetupWalkClient {
         return it == points.end() ? std::nullopt : std::optional<reduce::TraversePoint>(it->second);
     }
     void given(const reduce::TraversePoint &p, long, reduce::GivenBy) override {
-        points[p.name] = p;
+        points[p.name.str()] = p;
     }
     void shot(const reduce::Setup &s, const reduce::ReducedShot &shot) override {
-        rows.push_back({s.occupied, s.backsight, shot.observation->foresight, s.orientation,
+        rows.push_back({s.occupied, s.backsight, shot.observation->foresight.str(), s.orientation,
                         shot.angle, shot.azimuth, shot.measurement.horizontal, shot.vertical, s.hi,
                         s.hr, s.line, shot.line});
         // Foresights become known, so that later set-ups can occupy them.
@@ -41,7 +41,7 @@ struct WalkRecorder : reduce::SetupWalkClient {
         p.name = shot.observation->foresight;
         p.north = s.station.north + shot.measurement.horizontal * std::cos(radians(shot.azimuth));
         p.east = s.station.east + shot.measurement.horizontal * std::sin(radians(shot.azimuth));
-        points.emplace(p.name, p);
+        points.emplace(p.name.str(), p);
     }
     void warning(const std::string &text) override { warnings.push_back(text); }
 };
