@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
             continue;
         std::vector<std::string> raw;
         for (const auto &line : out.lines)
-            raw.push_back(line.substr(0, line.size() - 1));
+            raw.emplace_back(line.substr(0, line.size() - 1));
         ScriptedInteraction ui;
         convert::ExportOutput exported;
         convert::exportJxlAt(raw, "2026-01-01T00:00:00", ui, exported);

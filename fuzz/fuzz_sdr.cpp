@@ -23,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                 continue;
             std::vector<std::string> raw;
             for (const auto &line : out.lines)
-                raw.push_back(line.substr(0, line.size() - 1));
+                raw.emplace_back(line.substr(0, line.size() - 1));
             convert::ExportOutput exported;
             convert::exportSdr(raw, {layout[0] == 'S' ? "sdr33" : "sdr2x"}, ui, exported);
         }

@@ -11,6 +11,7 @@
 
 #include "base/interaction.h"
 #include "base/status.h"
+#include "convert/output_lines.h"
 #include "convert/source_lines.h"
 #include "crd/crd_point.h"
 
@@ -26,7 +27,7 @@ namespace tramline::convert {
 struct ImportOutput {
     /// The RW5 lines, each with its "\n", the job line first: the output
     /// line list, written to the destination in one pass.
-    std::vector<std::string> lines;
+    OutputLines lines;
     /// Every coordinate met, in order, for the coordinate file. A later
     /// point of the same name replaces an earlier one there.
     std::vector<crd::CrdPoint> points;

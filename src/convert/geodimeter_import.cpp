@@ -81,7 +81,7 @@ public:
     bool run();
 
 private:
-    void emit(std::string line) { m_out.lines.push_back(std::move(line)); }
+    void emit(std::string_view line) { m_out.lines.push_back(line); }
     void skip(const char *reason) { ++m_out.skipped[reason]; }
     void label(const LabelLine &line, std::size_t index);
     void startPoint(CurrentPoint::Kind kind, std::string_view name, std::size_t index);
@@ -150,9 +150,8 @@ bool GeodimeterImport::run() {
     }
     finishPoint();
 
-    std::vector<std::string> head{raw::writeJob(m_job, m_date, m_time),
-                                  raw::writeMode(LinearUnit::Metres)};
-    m_out.lines.insert(m_out.lines.begin(), head.begin(), head.end());
+    m_out.lines.insertFront(
+        {raw::writeJob(m_job, m_date, m_time), raw::writeMode(LinearUnit::Metres)});
     m_out.completion = tr("Done.");
     return true;
 }

@@ -46,6 +46,7 @@
 #include "base/translation.h"
 #include "base/unset.h"
 #include "convert/gsi_reader.h"
+#include "convert/huge_pages.h"
 #include "convert/sdr_import.h"
 #include "raw/writer.h"
 
@@ -82,7 +83,7 @@ public:
 private:
     using Words = std::vector<Word>;
     bool coded(GsiCoding coding) const { return m_options.coding == coding; }
-    void emit(std::string line) { m_out.lines.push_back(std::move(line)); }
+    void emit(std::string_view line) { m_out.lines.push_back(line); }
     void skip(const char *reason) {
         --m_out.records;
         ++m_out.skipped[reason];
@@ -98,9 +99,9 @@ private:
 
     void measurement(const Words &words);
     void setUp(const std::string &station, const Words &words, int e, int n, int z);
-    std::string point(const std::string &name, const Words &words, int e, int n, int z,
-                      const std::string &description);
-    std::string storePointLine(const crd::CrdPoint &p);
+    std::string_view point(const std::string &name, const Words &words, int e, int n, int z,
+                           const std::string &description);
+    std::string_view storePointLine(const crd::CrdPoint &p);
     void codeBlock(const Words &words);
     void wildSoftCode(int code, const Words &words);
     void tenTwentyCode(int code, const Words &words);
@@ -143,6 +144,7 @@ void GsiImport::run() {
     // Room for a point per block, so that a large job's points are not
     // moved as they come; pages never written cost nothing.
     m_out.points.reserve(m_source.size());
+    adviseHugePages(m_out.points.data(), m_out.points.capacity() * sizeof(crd::CrdPoint));
     for (const auto &line : m_source) {
         ++m_out.records;
         if (!readWords(line.text, words)) {
@@ -159,11 +161,10 @@ void GsiImport::run() {
     }
     flush();
     dropUnusedTargetHeights(m_out.lines);
-    std::vector<std::string> head = {
-        raw::writeJob(m_job, m_date, m_time),
-        raw::writeNote(m_gsi16 ? "Leica GSI-16" : "Leica GSI-8"),
-        raw::writeMode(m_feet ? LinearUnit::InternationalFeet : LinearUnit::Metres)};
-    m_out.lines.insert(m_out.lines.begin(), head.begin(), head.end());
+    m_out.lines.insertFront(
+        {raw::writeJob(m_job, m_date, m_time),
+         raw::writeNote(m_gsi16 ? "Leica GSI-16" : "Leica GSI-8"),
+         raw::writeMode(m_feet ? LinearUnit::InternationalFeet : LinearUnit::Metres)});
     m_out.completion = tr("Conversion done");
 }
 
@@ -259,8 +260,8 @@ void GsiImport::setUp(const std::string &station, const Words &words, int e, int
     }
 }
 
-std::string GsiImport::point(const std::string &name, const Words &words, int e, int n, int z,
-                             const std::string &description) {
+std::string_view GsiImport::point(const std::string &name, const Words &words, int e, int n, int z,
+                                  const std::string &description) {
     double easting = 0.0, northing = 0.0, elevation = 0.0;
     number(words, e, easting);
     number(words, n, northing);
@@ -272,7 +273,8 @@ std::string GsiImport::point(const std::string &name, const Words &words, int e,
     return storePointLine(p);
 }
 
-std::string GsiImport::storePointLine(const crd::CrdPoint &p) {
+// The view is of the line being built: valid until the next line is.
+std::string_view GsiImport::storePointLine(const crd::CrdPoint &p) {
     // "SP,PN%s,N %s,E %s,EL%s,--%s\n" with "%.4f" numbers, built by
     // appending: a large job writes hundreds of thousands of them.
     std::string &line = m_line;
@@ -289,7 +291,7 @@ std::string GsiImport::storePointLine(const crd::CrdPoint &p) {
     line += ",--";
     line += p.description;
     line += '\n';
-    return std::string(line); // only the room it needs: a million lines are kept
+    return line;
 }
 
 void GsiImport::codeBlock(const Words &words) {
@@ -305,7 +307,7 @@ void GsiImport::codeBlock(const Words &words) {
         const std::string description = text(words, 42);
         if (m_lastPointLine != std::string::npos && !m_out.points.empty()) {
             m_out.points.back().description = description;
-            m_out.lines[m_lastPointLine] = storePointLine(m_out.points.back());
+            m_out.lines.replace(m_lastPointLine, storePointLine(m_out.points.back()));
         } else if (!m_pending.empty()) {
             m_pending.back().note = description;
             if (m_pending.back().point != std::string::npos)
@@ -518,7 +520,7 @@ void GsiImport::writeReading(Reading &reading, SetRole role, bool first) {
         m_writtenHeight = reading.targetHeight;
     }
     // "%s,OP%s,FP%s,AR%s,ZE%s,SD%.4f,--%s\n", built by appending into
-    // room made once, and kept in a string of just its size.
+    // room made once.
     std::string &line = m_line;
     line.clear();
     line += type;
@@ -537,7 +539,7 @@ void GsiImport::writeReading(Reading &reading, SetRole role, bool first) {
     if (closes)
         line += reading.note.empty() ? "CLO" : " CLO";
     line += '\n';
-    emit(std::string(line));
+    emit(line);
     ++m_out.observations;
     if (first && reading.point != std::string::npos)
         emit(storePointLine(m_out.points[reading.point]));

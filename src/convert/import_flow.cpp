@@ -141,21 +141,12 @@ Status runImport(ImportFunction convert, const ImportPaths &paths, Interaction &
         return fail(ui, format(tr("Error: unable to open coordinate file %s"),
                                paths.coordinateFile.string().c_str()));
 
-    // Written in pieces of about a megabyte: a large job is never held
-    // twice in memory.
+    // Written straight from the line blocks, in runs of adjacent lines:
+    // a large job is never held twice in memory.
     AtomicFileWriter rw5(paths.destination);
-    std::string piece;
-    piece.reserve((1 << 20) + 4096);
-    bool saved = true;
-    for (const auto &line : out.lines) {
-        piece += line;
-        if (piece.size() >= (1 << 20)) {
-            saved = saved && rw5.write(piece);
-            piece.clear();
-        }
-    }
-    saved = saved && rw5.write(piece) && rw5.commit();
-    std::vector<std::string>().swap(out.lines);
+    const bool saved =
+        out.lines.writeTo([&](std::string_view run) { return rw5.write(run); }) && rw5.commit();
+    out.lines.clear();
     if (!saved) {
         if (own.isOpen()) {
             own.close();

@@ -61,7 +61,7 @@ private:
     std::string angle(double value) const {
         return formatDms(m_header.gons ? value * 360.0 / 400.0 : value, 4);
     }
-    void emit(std::string line) { m_out.lines.push_back(std::move(line)); }
+    void emit(std::string_view line) { m_out.lines.push_back(line); }
     void skip(const char *reason) { ++m_out.skipped[reason]; }
 
     void turn(std::size_t &i);
@@ -107,15 +107,13 @@ void SdrImport::run() {
         turn(i);
     dropUnusedTargetHeights(m_out.lines);
 
-    std::vector<std::string> head;
-    head.push_back(raw::writeJob(m_job, m_date, m_time));
-    head.push_back(format("--%s %s\n", "Sokkia",
-                          m_header.program.empty() ? (m_wide ? "SDR-33" : "SDR-2x")
-                                                   : m_header.program.c_str()));
-    head.push_back(raw::writeMode(m_header.metres ? LinearUnit::Metres
-                                  : m_usFeet      ? LinearUnit::UsSurveyFeet
-                                                  : LinearUnit::InternationalFeet));
-    m_out.lines.insert(m_out.lines.begin(), head.begin(), head.end());
+    m_out.lines.insertFront({raw::writeJob(m_job, m_date, m_time),
+                             format("--%s %s\n", "Sokkia",
+                                    m_header.program.empty() ? (m_wide ? "SDR-33" : "SDR-2x")
+                                                             : m_header.program.c_str()),
+                             raw::writeMode(m_header.metres ? LinearUnit::Metres
+                                            : m_usFeet      ? LinearUnit::UsSurveyFeet
+                                                            : LinearUnit::InternationalFeet)});
     m_out.completion = tr("SOKKIA File conversion complete");
 }
 
@@ -485,7 +483,7 @@ void SdrImport::readings(std::size_t &i) {
 
 } // namespace
 
-void dropUnusedTargetHeights(std::vector<std::string> &lines) {
+void dropUnusedTargetHeights(OutputLines &lines) {
     static constexpr std::string_view kShots[] = {"SS,", "TR,", "FD,", "FR,", "BR,", "BD,"};
     std::vector<bool> drop(lines.size(), false);
     bool laterHeight = false; // a target height follows before the next shot
@@ -500,14 +498,7 @@ void dropUnusedTargetHeights(std::vector<std::string> &lines) {
             if (line.starts_with(shot))
                 laterHeight = false;
     }
-    std::size_t kept = 0;
-    for (std::size_t k = 0; k < lines.size(); ++k)
-        if (!drop[k] && !lines[k].empty()) {
-            if (kept != k)
-                lines[kept] = std::move(lines[k]);
-            ++kept;
-        }
-    lines.resize(kept);
+    lines.removeIf([&](std::size_t k) { return drop[k] || lines[k].empty(); });
 }
 
 Status importSdr(const SourceLines &source, Interaction &ui, ImportOutput &out) {

@@ -19,6 +19,6 @@ Status importSdr(const SourceLines &source, Interaction &ui, ImportOutput &out);
 /// The RW5 lines after a target-height line that is followed by another
 /// before any shot are dropped: only the height in force at the next shot
 /// stays. Other lines between them do not end the search.
-void dropUnusedTargetHeights(std::vector<std::string> &lines);
+void dropUnusedTargetHeights(OutputLines &lines);
 
 } // namespace tramline::convert

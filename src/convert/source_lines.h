@@ -4,10 +4,10 @@
 #pragma once
 
 #include "base/status.h"
+#include "convert/text_blocks.h"
 
 #include <cstddef>
 #include <istream>
-#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -22,18 +22,26 @@ struct SourceLine {
     bool consumed = false;  ///< set once the line has been turned into output
 };
 
-/// The lines in file order. Their text lives in blocks of a megabyte that
-/// the list owns, not in a string each: a million-line file costs a few
-/// hundred allocations instead of a million, and less memory. Moving the
-/// list keeps every line's text where it is.
+/// The lines in file order. Their text lives in blocks that the list owns
+/// (text_blocks.h); moving the list keeps every line's text where it is.
 class SourceLines {
 public:
     using iterator = std::vector<SourceLine>::iterator;
     using const_iterator = std::vector<SourceLine>::const_iterator;
 
     /// Appends a copy of `text` as the line numbered `number`.
-    void push_back(std::string_view text, std::size_t number);
-    void reserve(std::size_t lines) { m_lines.reserve(lines); }
+    void push_back(std::string_view text, std::size_t number) {
+        m_lines.push_back({m_text.store(text), number, false});
+    }
+    /// A block of `bytes` bytes that the list keeps, for the caller to fill
+    /// and hand out again through adopt().
+    char *block(std::size_t bytes) { return m_text.block(bytes); }
+    /// Appends `text`, which lies in a block() of this list, without a copy.
+    void adopt(std::string_view text, std::size_t number) {
+        m_lines.push_back({text, number, false});
+    }
+    /// Makes room for `lines` lines; a large list gets huge pages.
+    void reserve(std::size_t lines);
     /// Forgets every line and gives back their memory.
     void clear() { *this = SourceLines(); }
 
@@ -50,8 +58,7 @@ public:
 
 private:
     std::vector<SourceLine> m_lines;
-    std::vector<std::unique_ptr<char[]>> m_blocks;
-    std::size_t m_used = 0, m_room = 0; // of the last block
+    TextBlocks m_text;
 };
 
 /// Reads every line of `in` into `lines`: pieces of at most 254 bytes, line

@@ -60,7 +60,7 @@ inline std::vector<std::string> linesStarting(const convert::ImportOutput &out,
     std::vector<std::string> found;
     for (const auto &line : out.lines)
         if (line.starts_with(prefix))
-            found.push_back(line);
+            found.emplace_back(line);
     return found;
 }
 

@@ -87,9 +87,10 @@ std::vector<std::string> roundTrip(const std::string &units, std::string *gsi = 
         *gsi = exported.bytes;
     convert::ImportOutput imported;
     EXPECT_TRUE(convert::importGsiWith(sourceOf(exported.bytes), {}, imported).ok());
-    for (auto &line : imported.lines)
-        line.pop_back();
-    return imported.lines;
+    std::vector<std::string> lines;
+    for (const std::string_view line : imported.lines)
+        lines.emplace_back(line.substr(0, line.size() - 1));
+    return lines;
 }
 
 TEST(GsiRoundTrip, KeepsEveryShot) {

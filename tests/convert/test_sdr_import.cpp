@@ -87,9 +87,11 @@ TEST(SdrTargetHeights, OnlyTheHeightInForceAtTheNextShotStays) {
         {{"LS,HR1\n", "LS,HR2\n", "LS,HR3\n", "BR,c\n"}, {"LS,HR3\n", "BR,c\n"}},
     };
     for (const auto &c : cases) {
-        auto lines = c.in;
+        convert::OutputLines lines;
+        for (const auto &line : c.in)
+            lines.push_back(line);
         convert::dropUnusedTargetHeights(lines);
-        EXPECT_EQ(lines, c.out);
+        EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.end()), c.out);
     }
 }
 
@@ -202,7 +204,7 @@ TEST(SdrFaceSets, TargetHeightChangesInsideASetAreWrittenBeforeTheirLine) {
     for (const auto &line : out.lines)
         if (line.starts_with("LS,HR") || line.starts_with("BD") || line.starts_with("FD") ||
             line.starts_with("FR") || line.starts_with("BR"))
-            body.push_back(line.substr(0, line.find_first_of(",\n", 3)));
+            body.emplace_back(line.substr(0, line.find_first_of(",\n", 3)));
     const std::vector<std::string> expected = {
         "LS,HR1.0000", "BD,OPS", "LS,HR1.5000", "FD,OPS", "FR,OPS", "LS,HR1.0000", "BR,OPS"};
     EXPECT_EQ(body, expected);

@@ -47,7 +47,7 @@ std::map<std::string, crd::CrdPoint> pointsOf(const convert::ImportOutput &out) 
 convert::ImportOutput throughSdr(const convert::ImportOutput &first, const char *layout) {
     std::vector<std::string> lines;
     for (const auto &line : first.lines)
-        lines.push_back(line.substr(0, line.size() - 1));
+        lines.emplace_back(line.substr(0, line.size() - 1));
     ScriptedInteraction ui;
     convert::ExportOutput exported;
     EXPECT_TRUE(convert::exportSdr(lines, {layout}, ui, exported).ok());
