@@ -5,8 +5,10 @@
 
 #include "../support/test_support.h"
 #include "app/main_dialog.h"
+#include "app/raw_grid_model.h"
 #include "app/shell_prompts.h"
 #include "base/interaction.h"
+#include "crd/coordinate_file.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -117,11 +119,38 @@ protected:
         return std::make_unique<app::CKELMADlg>(options(commandLine));
     }
 
+    /// The main window with the bundled example's 42 rows in the raw grid.
+    std::unique_ptr<app::CKELMADlg> startWithExample() {
+        auto dialog = start("\"" + example().string() + "\"");
+        EXPECT_EQ(dialog->rawModel()->rowCount(), 42);
+        return dialog;
+    }
+
     std::filesystem::path settingsFolder() const {
         return dir / "appdata" / "Halvren Software" / "Halvren Tramline";
     }
     std::filesystem::path settingsFile() const { return settingsFolder() / "tramline.ini"; }
     std::filesystem::path workingFolder() const { return dir / "documents" / "Halvren Tramline"; }
+    /// A coordinate file in the scratch folder with the first `points` of
+    /// 1 "IRON ROD", 2 "NAIL" and 3 "HUB" (northing 6000, 6100, 6200;
+    /// easting 5000, 5100, 5200; elevation 100, 101, 102) and `note` on 1.
+    std::filesystem::path coordinateFile(const std::string &name, int points,
+                                         const std::string &note = {}) {
+        static const char *const descriptions[] = {"IRON ROD", "NAIL", "HUB"};
+        const auto path = dir / name;
+        crd::CoordinateFile file;
+        EXPECT_TRUE(file.open(path, crd::Create::Always));
+        for (int i = 0; i < points; ++i) {
+            crd::CrdPoint p;
+            p.set(5000.0 + 100 * i, 6000.0 + 100 * i, 100.0 + i, std::to_string(i + 1),
+                  descriptions[i]);
+            EXPECT_TRUE(file.writePoint(p));
+        }
+        if (!note.empty()) {
+            EXPECT_TRUE(file.addNote("1", note));
+        }
+        return path;
+    }
     static std::filesystem::path example() {
         return std::filesystem::path(TRAMLINE_SOURCE_DIR) / "data/examples/closed-traverse.rw5";
     }

@@ -30,19 +30,8 @@ class GridEditingTest : public tramline::test::ShellTest {
 protected:
     // The example in the raw grid and three points in the coordinate grid.
     std::unique_ptr<CKELMADlg> startWithData() {
-        const fs::path crd = dir / "job.crd";
-        {
-            crd::CoordinateFile file;
-            EXPECT_TRUE(file.open(crd, crd::Create::Always));
-            crd::CrdPoint p;
-            p.set(5000.0, 6000.0, 100.0, "1", "IRON ROD");
-            EXPECT_TRUE(file.writePoint(p));
-            p.set(5100.0, 6100.0, 101.0, "2", "NAIL");
-            EXPECT_TRUE(file.writePoint(p));
-            p.set(5200.0, 6200.0, 102.0, "3", "HUB");
-            EXPECT_TRUE(file.writePoint(p));
-        }
-        auto d = start("\"" + example().string() + "\"");
+        const fs::path crd = coordinateFile("job.crd", 3);
+        auto d = startWithExample();
         EXPECT_TRUE(d->openCoordinateFile(crd.string()));
         EXPECT_TRUE(d->workingFile().addNote("2", "SET IN CONCRETE"));
         EXPECT_TRUE(d->workingFile().addNote("3", "DISTURBED"));
@@ -285,7 +274,7 @@ TEST_F(GridEditingTest, DisplayRoundTripsSaveTheSameBytes) {
          cmd::SlopeDistance, cmd::AnglesDms, cmd::HorizontalDistance},
     };
     const int back[] = {cmd::ZenithAngle, cmd::SlopeDistance, cmd::AnglesDms, cmd::NorthingEasting};
-    auto d = start("\"" + example().string() + "\"");
+    auto d = startWithExample();
     shell.files.push_back((dir / "first.rw5").string());
     d->dispatch(cmd::SaveRawAs);
     const std::string first = slurp(dir / "first.rw5");

@@ -21,18 +21,8 @@ namespace {
 
 class MainDialogTest : public tramline::test::ShellTest {
 protected:
-    // A coordinate file with two points and a note on the first.
     fs::path makeCoordinateFile(const std::string &name) {
-        const fs::path path = dir / name;
-        crd::CoordinateFile file;
-        EXPECT_TRUE(file.open(path, crd::Create::Always));
-        crd::CrdPoint p;
-        p.set(5000.0, 6000.0, 100.0, "1", "IRON ROD");
-        EXPECT_TRUE(file.writePoint(p));
-        p.set(5100.0, 6100.0, 101.0, "2", "NAIL");
-        EXPECT_TRUE(file.writePoint(p));
-        EXPECT_TRUE(file.addNote("1", "found in good shape"));
-        return path;
+        return coordinateFile(name, 2, "found in good shape");
     }
 
     static std::vector<std::string> menuEntries(QMenu *menu, const std::string &path) {
@@ -125,11 +115,10 @@ TEST_F(MainDialogTest, GarbageSettingsLeaveTheDefaults) {
     for (int i = 0; i < 3000; ++i)
         garbage.push_back(static_cast<char>(i * 131));
     tramline::test::spit(settingsFile(), garbage + "\n" + std::string(5000, 'x') + "\n");
-    auto dialog = start("\"" + example().string() + "\"");
+    auto dialog = startWithExample();
     EXPECT_EQ(dialog->rawDocument().modes().angle, AngleUnit::DegreesMinutesSeconds);
     EXPECT_EQ(dialog->rawDocument().modes().order, raw::CoordinateOrder::NorthingEasting);
     EXPECT_EQ(dialog->folders().working, workingFolder().string() + "/");
-    EXPECT_EQ(dialog->rawModel()->rowCount(), 42);
     EXPECT_TRUE(shell.messages.empty());
 }
 
@@ -213,135 +202,7 @@ TEST_F(MainDialogTest, MissingAndUnreadableFilesOnTheCommandLine) {
 
 TEST_F(MainDialogTest, MenuHoldsEveryCommandInOrder) {
     auto dialog = start();
-    const std::string expected =
-        "201 File > Open RW5 File\n"
-        "200 File > New RW5 File\n"
-        "202 File > Save RW5 File\n"
-        "203 File > Save RW5 As\n"
-        "32806 File > Open CRD File\n"
-        "32807 File > New CRD File\n"
-        "32809 File > Save CRD File\n"
-        "32808 File > Save CRD As\n"
-        "288 File > Settings\n"
-        "206 File > Print > Raw Data\n"
-        "57 File > Print > Coordinates\n"
-        "32778 File > Print > Printer Settings\n"
-        "207 File > Exit\n"
-        "32815 Edit > Find in RW5 File\n"
-        "32816 Edit > Find in CRD File\n"
-        "32818 Edit > Replace in RW5 File\n"
-        "32817 Edit > Replace in CRD File\n"
-        "210 Edit > Cut\n"
-        "211 Edit > Copy\n"
-        "212 Edit > Paste\n"
-        "40007 Edit > Delete Row\n"
-        "109 Edit > Modify Measurements\n"
-        "57643 Edit > Undo\n"
-        "57644 Edit > Redo\n"
-        "32850 Display > Angles > Degrees/Minutes/Seconds (ddd.mmss)\n"
-        "32851 Display > Angles > Gons 400-Circle (ddd.dddd)\n"
-        "31 Display > Vertical > Vertical Angle\n"
-        "32 Display > Vertical > Zenith Angle\n"
-        "33 Display > Vertical > Elevation Difference\n"
-        "34 Display > Vertical > None\n"
-        "35 Display > Distance > Slope\n"
-        "36 Display > Distance > Horizontal\n"
-        "32862 Display > Coordinates > Northing-Easting\n"
-        "32863 Display > Coordinates > Easting-Northing\n"
-        "32880 Display > Plot\n"
-        "50 Add > Traverse\n"
-        "51 Add > SideShot\n"
-        "52 Add > BackSight\n"
-        "53 Add > Instrument Height\n"
-        "32830 Add > Elevation\n"
-        "32822 Add > GPS\n"
-        "67 Add > Traverse Name\n"
-        "55 Add > Note\n"
-        "32859 Add > Data On/Off\n"
-        "54 Add > Point (To RW5 File)\n"
-        "32805 Add > Point (To CRD File)\n"
-        "32829 Add > Reference Azimuth\n"
-        "32825 Add > Control Standard Error\n"
-        "32827 Add > Setup Standard Error\n"
-        "32828 Add > Measurement Standard Error\n"
-        "37 Process (Compute Pts) > No Adjust\n"
-        "32813 Process (Compute Pts) > Angle Balance\n"
-        "39 Process (Compute Pts) > Compass\n"
-        "40 Process (Compute Pts) > Crandall\n"
-        "41 Process (Compute Pts) > Transit\n"
-        "32814 Process (Compute Pts) > Least-Squares\n"
-        "32821 Process (Compute Pts) > GPS\n"
-        "32842 Process (Compute Pts) > Process Settings\n"
-        "32798 Tools > Data Transfer > Quillan/Rapidan\n"
-        "32772 Tools > Data Transfer > Sokkia SDR\n"
-        "32802 Tools > Data Transfer > Geodimeter\n"
-        "32804 Tools > Data Transfer > Leica\n"
-        "32803 Tools > Data Transfer > Nikon\n"
-        "32800 Tools > Data Transfer > SMI\n"
-        "32799 Tools > Data Transfer > TDS\n"
-        "32801 Tools > Data Transfer > Topcon 210/310/220/GPT2000\n"
-        "32866 Tools > Geoid Manager\n"
-        "32796 Tools > Import Raw Data > C and G\n"
-        "32823 Tools > Import Raw Data > CalTrans\n"
-        "47 Tools > Import Raw Data > Halvren\n"
-        "32797 Tools > Import Raw Data > Fieldbook\n"
-        "32794 Tools > Import Raw Data > Geodimeter\n"
-        "32867 Tools > Import Raw Data > Horizon\n"
-        "32793 Tools > Import Raw Data > Leica\n"
-        "32792 Tools > Import Raw Data > Nikon\n"
-        "32835 Tools > Import Raw Data > SDMS\n"
-        "32795 Tools > Import Raw Data > SMI\n"
-        "59 Tools > Import Raw Data > Sokkia/SDR\n"
-        "32846 Tools > Import Raw Data > Quillan Archive\n"
-        "32840 Tools > Import Raw Data > TDS\n"
-        "32839 Tools > Import Raw Data > Trimble\n"
-        "32824 Tools > Export Raw Data > CalTrans\n"
-        "32869 Tools > Export Raw Data > dgDialog\n"
-        "32790 Tools > Export Raw Data > Fieldbook > Export FieldBook\n"
-        "32843 Tools > Export Raw Data > Fieldbook > Setup Fieldbook Codes\n"
-        "32861 Tools > Export Raw Data > FL DOT\n"
-        "32855 Tools > Export Raw Data > Leica\n"
-        "32841 Tools > Export Raw Data > NY DOT\n"
-        "32836 Tools > Export Raw Data > MOSS\n"
-        "40008 Tools > Export Raw Data > RMGeo\n"
-        "32837 Tools > Export Raw Data > SDMS > Export SDMS\n"
-        "32845 Tools > Export Raw Data > SDMS > Setup SDMS Codes\n"
-        "32868 Tools > Export Raw Data > SFN\n"
-        "32791 Tools > Export Raw Data > Sokkia/SDR\n"
-        "32841 Tools > Export Raw Data > TDS\n"
-        "32856 Tools > Export Raw Data > Topobase\n"
-        "32874 Tools > Export Raw Data > Trimble JXL\n"
-        "32838 Tools > Export Raw Data > VA DOT\n"
-        "32775 Tools > Import Point Data > Text/ASCII File\n"
-        "32779 Tools > Import Point Data > Geodimeter\n"
-        "32780 Tools > Import Point Data > Leica\n"
-        "32853 Tools > Import Point Data > NLS MMH360\n"
-        "32784 Tools > Import Point Data > Sokkia/SDR\n"
-        "32783 Tools > Import Point Data > TDS CR5\n"
-        "32857 Tools > Import Point Data > Topobase\n"
-        "32774 Tools > Export Point Data > Text/ASCII File\n"
-        "32834 Tools > Export Point Data > Caice\n"
-        "32871 Tools > Export Point Data > G-Format\n"
-        "32785 Tools > Export Point Data > Geodimeter\n"
-        "32786 Tools > Export Point Data > Leica\n"
-        "32854 Tools > Export Point Data > NLS MMH360\n"
-        "32844 Tools > Export Point Data > SDMS\n"
-        "32860 Tools > Export Point Data > Sokkia/SDR\n"
-        "32787 Tools > Export Point Data > TDS CR5\n"
-        "32858 Tools > Export Point Data > Topobase\n"
-        "32852 Tools > Image Tramline\n"
-        "32865 Tools > GPS Localization Report\n"
-        "44 Tools > Direct-Reverse Report\n"
-        "43 Tools > Reduce Direct-Reverse\n"
-        "32819 Tools > Cut Sheet\n"
-        "32776 Tools > Scale Point Data\n"
-        "32812 Tools > Edit Field Code List\n"
-        "32820 Tools > Convert DXF To Triangulation\n"
-        "32832 Tools > Convert Section Data > Import IGRDS Section\n"
-        "32831 Tools > Convert Section Data > Export IGRDS Section\n"
-        "32810 Help > On-Line Manual\n"
-        "32777 Help > About\n";
-    EXPECT_EQ(menuListing(*dialog), expected);
+    EXPECT_EQ(menuListing(*dialog), slurp(std::string(TRAMLINE_TEST_DATA) + "/app/menu.txt"));
     EXPECT_EQ(dialog->actions(cmd::ExportRawTds).size(), 2u);
     for (int id : {cmd::VerticalAngle, cmd::ZenithAngle, cmd::ElevationDifference,
                    cmd::VerticalNone, cmd::SlopeDistance, cmd::HorizontalDistance, cmd::AnglesDms,

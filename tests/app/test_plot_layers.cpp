@@ -118,7 +118,7 @@ class PlotLayersShellTest : public test::ShellTest {};
 // Process > Least-Squares on the example: one ellipse per adjusted point,
 // none for the control, and the factor in the legend.
 TEST_F(PlotLayersShellTest, LeastSquaresDrawsAnEllipsePerAdjustedPoint) {
-    auto d = start("\"" + example().string() + "\"");
+    auto d = startWithExample();
     d->dispatch(cmd::ProcessLeastSquares);
     ASSERT_NE(d->processResultsWindow(), nullptr) << testing::PrintToString(shell.messages);
     d->dispatch(cmd::Plot);
@@ -146,7 +146,7 @@ TEST_F(PlotLayersShellTest, LeastSquaresDrawsAnEllipsePerAdjustedPoint) {
 // covers neither point 1 nor any other point or name, whatever the size of
 // the window and after zooming.
 TEST_F(PlotLayersShellTest, TheClosureLabelCoversNoPointOrName) {
-    auto d = start("\"" + example().string() + "\"");
+    auto d = startWithExample();
     shell.reply("1|1|Automatic");
     d->dispatch(cmd::ProcessCompass);
     d->dispatch(cmd::Plot);

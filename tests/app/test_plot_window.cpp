@@ -25,7 +25,7 @@ namespace {
 class PlotWindowTest : public tramline::test::ShellTest {
 protected:
     std::unique_ptr<CKELMADlg> processedExample() {
-        auto d = start("\"" + example().string() + "\"");
+        auto d = startWithExample();
         shell.reply("1|1|Automatic");
         d->dispatch(cmd::ProcessCompass);
         EXPECT_EQ(d->coordinateModel()->points().size(), 14u);

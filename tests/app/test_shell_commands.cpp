@@ -31,11 +31,6 @@ namespace {
 
 class ShellCommandTest : public tramline::test::ShellTest {
 protected:
-    std::unique_ptr<CKELMADlg> startWithExample() {
-        auto dialog = start("\"" + example().string() + "\"");
-        EXPECT_EQ(dialog->rawModel()->rowCount(), 42);
-        return dialog;
-    }
     static QString cell(CKELMADlg &d, int row, int column) {
         return d.rawModel()->index(row, column).data().toString();
     }
@@ -345,15 +340,7 @@ TEST_F(ShellCommandTest, FailedSaveKeepsTheChanges) {
 }
 
 TEST_F(ShellCommandTest, CoordinateFilesThroughTheWorkingCopy) {
-    const fs::path site = dir / "site.crd";
-    {
-        crd::CoordinateFile file;
-        ASSERT_TRUE(file.open(site, crd::Create::Always));
-        crd::CrdPoint p;
-        p.set(5000.0, 6000.0, 100.0, "1", "IRON ROD");
-        file.writePoint(p);
-        file.addNote("1", "found");
-    }
+    const fs::path site = coordinateFile("site.crd", 1, "found");
     const std::string before = slurp(site);
     auto d = start();
     shell.files = {site.string()};

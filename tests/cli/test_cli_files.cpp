@@ -35,8 +35,8 @@ TEST_F(CliFiles, RawCheckTellsOtherFilesApart) {
         const auto result = runCli({"raw", "check", path});
         EXPECT_EQ(result.code, c.code) << c.name << result.err;
         std::string expected = c.err;
-        if (const auto at = expected.find("{}"); at != std::string::npos)
-            expected.replace(at, 2, path);
+        if (const auto slot = expected.find("{}"); slot != std::string::npos)
+            expected.replace(slot, 2, path);
         EXPECT_EQ(result.err, expected) << c.name;
     }
 }
@@ -44,8 +44,8 @@ TEST_F(CliFiles, RawCheckTellsOtherFilesApart) {
 // Each command's own message stays as it is; the file and the system's
 // reason follow it on a line of their own.
 TEST_F(CliFiles, MissingFilesNameTheReason) {
-    const std::string missing = (dir / "nosuch.rw5").string();
-    const std::string job = (dir / "job.rw5").string();
+    const std::string missing = at("nosuch.rw5");
+    const std::string job = at("job.rw5");
     tramline::test::spit(dir / "job.rw5", "JB,NMjob,DT,TM\nSP,PN1,N 100,E 200,EL10,--A\n");
     const std::string folder = dir.string();
     const std::string noFolder = (dir / "no" / "x.out").string();
@@ -59,14 +59,13 @@ TEST_F(CliFiles, MissingFilesNameTheReason) {
         {{"raw", "show", missing}, "Error: unable to read raw file\n" + missing + gone},
         {{"raw", "show", folder},
          "Error: unable to read raw file\n" + folder + ": Is a directory\n"},
-        {{"process", missing, "--crd", (dir / "x.crd").string()},
+        {{"process", missing, "--crd", at("x.crd")},
          "Error: unable to read raw file\n" + missing + gone},
-        {{"import", "sdr", missing, "-o", (dir / "x.rw5").string(), "--crd",
-          (dir / "x.crd").string()},
+        {{"import", "sdr", missing, "-o", at("x.rw5"), "--crd", at("x.crd")},
          "Error: unable to read raw file\n" + missing + gone},
-        {{"export", "sdr", missing, "-o", (dir / "x.sdr").string()},
+        {{"export", "sdr", missing, "-o", at("x.sdr")},
          "Error: unable to read raw file\n" + missing + gone},
-        {{"export", "jxl", missing, "-o", (dir / "x.jxl").string()},
+        {{"export", "jxl", missing, "-o", at("x.jxl")},
          "\nError: cannot open RW5 file.\n" + missing + gone},
         {{"export", "sdr", job, "-o", noFolder},
          "Error: failed to write Sokkia file\n" + noFolder + gone},

@@ -18,10 +18,7 @@ using tramline::test::spit;
 
 const std::filesystem::path kSamples = TRAMLINE_SAMPLES_DIR;
 
-class ConvertCommands : public tramline::test::ScratchFolderTest {
-protected:
-    std::string at(const std::string &name) const { return (dir / name).string(); }
-};
+using ConvertCommands = tramline::test::ScratchFolderTest;
 
 TEST_F(ConvertCommands, FormatsListEveryConverterAndNamesTheMissingOnes) {
     const auto r = runCli({"formats"});

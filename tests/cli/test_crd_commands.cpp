@@ -22,7 +22,7 @@ class CrdCommands : public tramline::test::ScratchFolderTest {
 protected:
     void SetUp() override {
         ScratchFolderTest::SetUp();
-        path = (dir / "site.crd").string();
+        path = at("site.crd");
     }
     std::string path;
 };
@@ -85,8 +85,8 @@ TEST_F(CrdCommands, FailuresAndUsage) {
          1,
          "Requested point number greater than highest in file.\nRequested point# 4 has no "
          "coordinate stored.\nThe specified point was not found.\n"},
-        {{"crd", "get", (dir / "missing.crd").string(), "4"}, 1, "does not exist."},
-        {{"crd", "new", (dir / "x.zak").string()}, 1, "File type not supported"},
+        {{"crd", "get", at("missing.crd"), "4"}, 1, "does not exist."},
+        {{"crd", "new", at("x.zak")}, 1, "File type not supported"},
         {{"crd", "put", path, "1", "north", "2", "3"}, 2, "NORTHING"},
         {{"crd", "put", path, "1", "2"}, 2, "required"},
         {{"crd", "new", path, "--alpha", "--numeric"}, 2, "excludes"},
@@ -196,13 +196,11 @@ TEST_F(CrdCommands, RenameReplaceAndPrint) {
         "Description\n"
         "2                2100.0000       1100.0000      11.0000  MBIL\n"
         "A_5              2000.0000       1000.0000      10.0000  IROM ROD\n";
-    const Result print =
-        cli({"crd", "print", path, "--workdir", (dir / "work").string(), "--easting-first"});
+    const Result print = cli({"crd", "print", path, "--workdir", at("work"), "--easting-first"});
     EXPECT_EQ(print.code, 0) << print.err;
     EXPECT_EQ(print.out, listing);
     EXPECT_EQ(tramline::test::slurp(dir / "work" / "morvrprt.tmp"), listing);
-    const Result missing =
-        cli({"crd", "print", (dir / "none.crd").string(), "--workdir", (dir / "work").string()});
+    const Result missing = cli({"crd", "print", at("none.crd"), "--workdir", at("work")});
     EXPECT_EQ(missing.code, 1);
 }
 
@@ -213,9 +211,9 @@ namespace {
 // Points in and out by the file: put --from stores through the bulk write
 // what get and list print, get --names-from answers in the names' order.
 TEST_F(CrdCommands, PutFromAndGetNamesFrom) {
-    const std::string points = (dir / "points.txt").string();
-    const std::string names = (dir / "names.txt").string();
-    const std::string bad = (dir / "bad.txt").string();
+    const std::string points = at("points.txt");
+    const std::string names = at("names.txt");
+    const std::string bad = at("bad.txt");
     std::ofstream(points) << "a-10,1000,-2000.125,12.5,iron pin, set 1990\r\n\n"
                              "2,1,2,3\n10,4,5,98765432.1,no elevation\n2,7,8,9,again\n";
     std::ofstream(names) << "10\n missing \n\nA_10\n2\n";
@@ -241,10 +239,7 @@ TEST_F(CrdCommands, PutFromAndGetNamesFrom) {
          "10,4.0000,5.0000,0.0000,no elevation\n"
          "A_10,1000.0000,-2000.1250,12.5000,\"iron pin, set 1990\"\n2,7.0000,8.0000,9.0000,again\n",
          "missing: The specified point was not found."},
-        {{"crd", "get", path, "--names-from", (dir / "none.txt").string()},
-         1,
-         "",
-         "Error: unable to open"},
+        {{"crd", "get", path, "--names-from", at("none.txt")}, 1, "", "Error: unable to open"},
         {{"crd", "get", path, "2", "--names-from", names}, 2, "", "excludes"},
         {{"crd", "get", path}, 2, "", "NAME is required"},
         {{"crd", "put", path, "--from", points, "P", "1", "2", "3"}, 2, "", "excludes"},

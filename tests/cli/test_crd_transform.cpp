@@ -44,7 +44,7 @@ protected:
 
 TEST_F(CrdTransform, EveryPointAsGeoConvertGivesIt) {
     const auto in = makeFile("utm.crd");
-    const auto out = (dir / "sp.crd").string();
+    const auto out = at("sp.crd");
     const auto result =
         runCli({"crd", "transform", in, "--from", "EPSG:32613", "--to", "EPSG:2231", "-o", out});
     ASSERT_EQ(result.code, 0) << result.err;

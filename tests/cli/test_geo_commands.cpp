@@ -12,19 +12,8 @@
 
 namespace {
 
-using Result = tramline::test::CliResult;
-
-Result cli(const std::vector<std::string> &args) {
-    return tramline::test::runCli(args);
-}
-
-std::vector<std::string> lines(const std::string &text) {
-    std::vector<std::string> result;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        result.push_back(line);
-    return result;
-}
+using tramline::test::lines;
+using tramline::test::runCli;
 
 std::vector<double> numbers(const std::string &line) {
     std::vector<double> values;
@@ -50,16 +39,16 @@ std::vector<std::string> with(std::vector<std::string> head, const std::vector<s
 } // namespace
 
 TEST(GeoCommands, Lists) {
-    EXPECT_EQ(lines(cli({"geo", "types"}).out).at(19), "Cassini_Soldner");
-    EXPECT_EQ(lines(cli({"geo", "families"}).out).at(10), "More Pre-Defined/User-Defined");
-    EXPECT_EQ(lines(cli({"geo", "zones", "7"}).out).at(0), "NZ Map Grid"); // by position
-    EXPECT_EQ(lines(cli({"geo", "zones", "UTM"}).out).at(60), "60: E 174-180 deg");
-    EXPECT_EQ(lines(cli({"geo", "ellipsoids"}).out).size(), 29u);
-    EXPECT_EQ(cli({"geo", "zones", "Atlantis"}).code, 2);
+    EXPECT_EQ(lines(runCli({"geo", "types"}).out).at(19), "Cassini_Soldner");
+    EXPECT_EQ(lines(runCli({"geo", "families"}).out).at(10), "More Pre-Defined/User-Defined");
+    EXPECT_EQ(lines(runCli({"geo", "zones", "7"}).out).at(0), "NZ Map Grid"); // by position
+    EXPECT_EQ(lines(runCli({"geo", "zones", "UTM"}).out).at(60), "60: E 174-180 deg");
+    EXPECT_EQ(lines(runCli({"geo", "ellipsoids"}).out).size(), 29u);
+    EXPECT_EQ(runCli({"geo", "zones", "Atlantis"}).code, 2);
 }
 
 TEST(GeoCommands, ForwardAndInverse) {
-    auto r = cli(with({"geo", "forward"}, with(kBritishGrid, {"50.5", "0.5"})));
+    auto r = runCli(with({"geo", "forward"}, with(kBritishGrid, {"50.5", "0.5"})));
     ASSERT_EQ(r.code, 0) << r.err;
     auto v = numbers(r.out);
     ASSERT_EQ(v.size(), 4u);
@@ -68,7 +57,8 @@ TEST(GeoCommands, ForwardAndInverse) {
     EXPECT_GT(v[2], 0.9996);
     EXPECT_GT(v[3], 1.0); // east of the central meridian: positive
 
-    r = cli(with({"geo", "inverse", "--json"}, with(kBritishGrid, {"69740.4923", "577274.9838"})));
+    r = runCli(
+        with({"geo", "inverse", "--json"}, with(kBritishGrid, {"69740.4923", "577274.9838"})));
     ASSERT_EQ(r.code, 0) << r.err;
     const auto json = nlohmann::json::parse(r.out);
     EXPECT_NEAR(json["latitude"].get<double>(), 50.5, 1e-8);
@@ -76,7 +66,7 @@ TEST(GeoCommands, ForwardAndInverse) {
     EXPECT_NEAR(json["convergence"].get<double>(), v[3], 1e-6);
 
     // A zone by family and position in the list (1 is AL West... 0 is AL East).
-    r = cli({"geo", "forward", "--family", "State Plane 83", "--zone", "0", "32.5", "-86"});
+    r = runCli({"geo", "forward", "--family", "State Plane 83", "--zone", "0", "32.5", "-86"});
     ASSERT_EQ(r.code, 0) << r.err;
     v = numbers(r.out);
     EXPECT_NEAR(v[0], 221759.6690, 1e-3);
@@ -89,17 +79,17 @@ TEST(GeoCommands, ForwardFromWgs84) {
     const auto grid =
         with(kBritishGrid, {"--towgs84", "446.448,-125.157,542.06,0.15,0.247,0.842,-20.489"});
     const auto shifted =
-        numbers(cli(with({"geo", "forward"}, with(grid, {"--wgs84", "52.5", "-1.5"}))).out);
+        numbers(runCli(with({"geo", "forward"}, with(grid, {"--wgs84", "52.5", "-1.5"}))).out);
     const auto direct =
-        numbers(cli(with({"geo", "forward"}, with(grid, {"52.499626127", "-1.498511869"}))).out);
+        numbers(runCli(with({"geo", "forward"}, with(grid, {"52.499626127", "-1.498511869"}))).out);
     ASSERT_EQ(shifted.size(), 4u);
     ASSERT_EQ(direct.size(), 4u);
     EXPECT_NEAR(shifted[0], direct[0], 2e-3);
     EXPECT_NEAR(shifted[1], direct[1], 2e-3);
 
     const auto back = numbers(
-        cli(with({"geo", "inverse"},
-                 with(grid, {"--wgs84", std::to_string(direct[0]), std::to_string(direct[1])})))
+        runCli(with({"geo", "inverse"},
+                    with(grid, {"--wgs84", std::to_string(direct[0]), std::to_string(direct[1])})))
             .out);
     ASSERT_EQ(back.size(), 4u);
     EXPECT_NEAR(back[0], 52.5, 1e-7);
@@ -111,17 +101,17 @@ TEST(GeoCommands, WktWriteAppendAndRead) {
     const auto &dir = folder.path;
     const auto file = (dir / "systems.prj").string();
 
-    auto r = cli(with({"geo", "wkt", "--name", "BNG", "--datum", "OSGB36"}, kBritishGrid));
+    auto r = runCli(with({"geo", "wkt", "--name", "BNG", "--datum", "OSGB36"}, kBritishGrid));
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out.rfind("COMPD_CS[\"BNG\"", 0), 0u);
     EXPECT_NE(r.out.find("PARAMETER[\"latitude_of_origin\",0.85521133348]"), std::string::npos);
 
-    ASSERT_EQ(cli(with({"geo", "wkt", "--out", file, "--name", "first"}, kBritishGrid)).code, 0);
-    ASSERT_EQ(cli({"geo", "wkt", "--out", file, "--append", "--family", "France NTF-GR3DF97A",
-                   "--zone", "Lambert II - Carto"})
+    ASSERT_EQ(runCli(with({"geo", "wkt", "--out", file, "--name", "first"}, kBritishGrid)).code, 0);
+    ASSERT_EQ(runCli({"geo", "wkt", "--out", file, "--append", "--family", "France NTF-GR3DF97A",
+                      "--zone", "Lambert II - Carto"})
                   .code,
               0);
-    r = cli({"geo", "wkt", "--read", file});
+    r = runCli({"geo", "wkt", "--read", file});
     ASSERT_EQ(r.code, 0) << r.err;
     const auto l = lines(r.out);
     EXPECT_EQ(l.at(0), "Name: first");
@@ -131,7 +121,7 @@ TEST(GeoCommands, WktWriteAppendAndRead) {
     EXPECT_NE(r.out.find("Translate (m) DX: 168.0000 DY: 60.0000 DZ: -320.0000"),
               std::string::npos);
 
-    r = cli({"geo", "wkt", "--read", (dir / "missing.prj").string()});
+    r = runCli({"geo", "wkt", "--read", (dir / "missing.prj").string()});
     EXPECT_EQ(r.code, 1);
     EXPECT_NE(r.err.find("Error: unable to open"), std::string::npos);
 }
@@ -174,7 +164,7 @@ TEST(GeoCommands, FailuresAndUsage) {
         {{"geo"}, 2, ""},
     };
     for (const auto &c : cases) {
-        const auto r = cli(c.args);
+        const auto r = runCli(c.args);
         EXPECT_EQ(r.code, c.code) << c.args.back() << "\n" << r.err;
         EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
     }
@@ -188,49 +178,57 @@ const char *kWorld = "-90.0000\n0.0000\n90.0000\n360.0000\n2.0\n4.0\n"
                      "10.0000\n10.0000\n10.0000\n10.0000\n10.0000\n"
                      "19.0000\n19.0000\n19.0000\n19.0000\n19.0000\n";
 
+// A scratch folder holding that grid as EGM96.
+class GeoidCommands : public tramline::test::ScratchFolderTest {
+protected:
+    void SetUp() override {
+        ScratchFolderTest::SetUp();
+        write("egm96.grd", kWorld);
+        data = dir.string();
+    }
+    std::string data;
+};
+
 } // namespace
 
-TEST(GeoidCommands, SeparationFromTheGeoidsFolder) {
-    tramline::test::ScratchFolder f;
-    std::filesystem::create_directories(f.path / "geoids");
-    std::ofstream(f.path / "geoids" / "egm96.grd") << kWorld;
-    auto r = cli({"geoid", "separation", "--model", "6", "--data", f.path.string(), "--server",
-                  "http://127.0.0.1:9/", "45", "-100"});
+TEST_F(GeoidCommands, SeparationFromTheGeoidsFolder) {
+    std::filesystem::create_directories(dir / "geoids");
+    std::filesystem::rename(dir / "egm96.grd", dir / "geoids" / "egm96.grd");
+    auto r = runCli({"geoid", "separation", "--model", "6", "--data", data, "--server",
+                     "http://127.0.0.1:9/", "45", "-100"});
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "14.5000\n");
 
-    r = cli({"geoid", "separation", "--model", "36", "--data", f.path.string(), "--server",
-             "http://127.0.0.1:9/", "--timeout", "2", "52", "-1"});
+    r = runCli({"geoid", "separation", "--model", "36", "--data", data, "--server",
+                "http://127.0.0.1:9/", "--timeout", "2", "52", "-1"});
     EXPECT_EQ(r.code, 1);
-    const std::string target = (f.path / "osgm02.grd").string();
+    const std::string target = (dir / "osgm02.grd").string();
     EXPECT_EQ(r.err, "Error 7: failed to download geoid from\n"
                      "http://127.0.0.1:9/GeoidGrids/osgm02.grd\n"
                      "The grid osgm02.grd is not in " +
-                         f.path.string() +
+                         data +
                          ": copy it there, or convert a PROJ grid with \"tramline-cli geoid "
                          "import SRC.gtx " +
                          target + "\"\n");
-    r = cli({"geoid", "separation", "--model", "99", "--data", f.path.string(), "1", "1"});
+    r = runCli({"geoid", "separation", "--model", "99", "--data", data, "1", "1"});
     EXPECT_EQ(r.code, 1);
     EXPECT_EQ(r.err, "Error: unable to find geoid model\n");
-    EXPECT_EQ(cli({"geoid", "separation", "1", "1"}).code, 2); // no model
+    EXPECT_EQ(runCli({"geoid", "separation", "1", "1"}).code, 2); // no model
 }
 
-TEST(GeoidCommands, AreaRemembersItsEntries) {
-    tramline::test::ScratchFolder f;
-    std::ofstream(f.path / "egm96.grd") << kWorld;
-    const std::string data = f.path.string(), out = (f.path / "job.grd").string();
-    auto r = cli({"geoid", "area", "--model", "EGM96", "--lat", "45.5", "--lon", "100.25", "--west",
-                  "--size", "50", "--data", data, "--out", out});
+TEST_F(GeoidCommands, AreaRemembersItsEntries) {
+    const std::string out = (dir / "job.grd").string();
+    auto r = runCli({"geoid", "area", "--model", "EGM96", "--lat", "45.5", "--lon", "100.25",
+                     "--west", "--size", "50", "--data", data, "--out", out});
     EXPECT_EQ(r.code, 1);
     EXPECT_EQ(r.err, "Warning: max geoid size is 15 degrees\n");
     EXPECT_FALSE(std::filesystem::exists(out));
 
     // The other entries come back from setgeoid.ini.
-    r = cli({"geoid", "area", "--size", "2", "--data", data, "--out", out});
+    r = runCli({"geoid", "area", "--size", "2", "--data", data, "--out", out});
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.err, "Done\n");
-    std::ifstream ini(f.path / "setgeoid.ini");
+    std::ifstream ini(dir / "setgeoid.ini");
     std::string first;
     std::getline(ini, first);
     EXPECT_EQ(first, "lat_val=45.3000");
@@ -242,9 +240,8 @@ TEST(GeoidCommands, AreaRemembersItsEntries) {
     EXPECT_EQ(west, "180.0000");
 }
 
-TEST(GeoidCommands, ImportAGtxGrid) {
-    tramline::test::ScratchFolder f;
-    const auto gtx = f.path / "tiny.gtx";
+TEST_F(GeoidCommands, ImportAGtxGrid) {
+    const auto gtx = dir / "tiny.gtx";
     {
         std::ofstream out(gtx, std::ios::binary);
         auto put = [&out](const void *v, int n) {
@@ -260,22 +257,19 @@ TEST(GeoidCommands, ImportAGtxGrid) {
         for (float v : {1.5f, 2.5f, 3.5f, 4.5f})
             put(&v, 4);
     }
-    const auto grd = (f.path / "tiny.grd").string();
-    auto r = cli({"geoid", "import", gtx.string(), grd});
+    const auto grd = (dir / "tiny.grd").string();
+    auto r = runCli({"geoid", "import", gtx.string(), grd});
     ASSERT_EQ(r.code, 0) << r.err;
-    std::ifstream in(grd);
-    std::stringstream text;
-    text << in.rdbuf();
-    EXPECT_EQ(text.str(),
+    EXPECT_EQ(tramline::test::slurp(grd),
               "40.0000\n350.0000\n41.0000\n351.0000\n1.0\n1.0\n1.5000\n2.5000\n3.5000\n4.5000\n");
-    r = cli({"geoid", "import", (f.path / "none.gtx").string(), grd});
+    r = runCli({"geoid", "import", (dir / "none.gtx").string(), grd});
     EXPECT_EQ(r.code, 1);
     EXPECT_NE(r.err.find("Error: unable to open"), std::string::npos);
 }
 
 // Decimal degrees unless --dms: 40.5 is 40 deg 30 min, and the sign gives
 // the side; with --dms the value is kept as dd.mmss.
-TEST(GeoidCommands, AreaTakesDecimalDegreesUnlessDms) {
+TEST_F(GeoidCommands, AreaTakesDecimalDegreesUnlessDms) {
     struct Case {
         std::vector<std::string> args;
         const char *latitude, *side;
@@ -287,25 +281,21 @@ TEST(GeoidCommands, AreaTakesDecimalDegreesUnlessDms) {
         {{"--lat", "-40.5", "--north"}, "lat_val=40.3000", "is_north=1"},
     };
     for (const Case &c : cases) {
-        tramline::test::ScratchFolder f;
-        std::ofstream(f.path / "egm96.grd") << kWorld;
+        std::filesystem::remove(dir / "setgeoid.ini"); // no entries from the case before
         auto args = std::vector<std::string>{
-            "geoid",  "area",          "--model", "6",
-            "--lon",  "100",           "--size",  "2",
-            "--data", f.path.string(), "--out",   (f.path / "job.grd").string()};
+            "geoid",  "area", "--model", "6",  "--lon", "100",
+            "--size", "2",    "--data",  data, "--out", (dir / "job.grd").string()};
         args.insert(args.end(), c.args.begin(), c.args.end());
-        const auto r = cli(args);
+        const auto r = runCli(args);
         ASSERT_EQ(r.code, 0) << r.err;
-        const std::string ini = tramline::test::slurp(f.path / "setgeoid.ini");
+        const std::string ini = tramline::test::slurp(dir / "setgeoid.ini");
         EXPECT_NE(ini.find(c.latitude), std::string::npos) << ini;
         EXPECT_NE(ini.find(c.side), std::string::npos) << ini;
     }
 }
 
-TEST(GeoidCommands, ListAndNames) {
-    tramline::test::ScratchFolder f;
-    std::ofstream(f.path / "egm96.grd") << kWorld;
-    const auto list = cli({"geoid", "list", "--data", f.path.string(), "--json"});
+TEST_F(GeoidCommands, ListAndNames) {
+    const auto list = runCli({"geoid", "list", "--data", data, "--json"});
     ASSERT_EQ(list.code, 0) << list.err;
     const auto models = nlohmann::json::parse(list.out);
     bool seen = false;
@@ -319,10 +309,10 @@ TEST(GeoidCommands, ListAndNames) {
     EXPECT_TRUE(seen);
     // A name works wherever a code does, in any case and with or without .grd.
     for (const char *name : {"6", "egm96", "EGM96.grd"}) {
-        const auto r = cli({"geoid", "separation", "--model", name, "--data", f.path.string(),
-                            "--json", "45", "-100"});
+        const auto r = runCli(
+            {"geoid", "separation", "--model", name, "--data", data, "--json", "45", "-100"});
         ASSERT_EQ(r.code, 0) << name << r.err;
         EXPECT_EQ(nlohmann::json::parse(r.out)["separation"], 14.5) << name;
     }
-    EXPECT_EQ(cli({"geoid", "separation", "--model", "Atlantis", "1", "1"}).code, 2);
+    EXPECT_EQ(runCli({"geoid", "separation", "--model", "Atlantis", "1", "1"}).code, 2);
 }

@@ -13,15 +13,8 @@
 
 namespace {
 
+using tramline::test::lines;
 using tramline::test::runCli;
-
-std::vector<std::string> lines(const std::string &text) {
-    std::vector<std::string> result;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        result.push_back(line);
-    return result;
-}
 
 std::vector<std::string> fields(const std::string &line, char separator = '\t') {
     std::vector<std::string> result;
@@ -36,7 +29,7 @@ bool haveCs2cs() {
            std::system("command -v cs2cs >/dev/null 2>&1") == 0;
 }
 
-std::string runProgram(const std::string &command) {
+std::string shellOutput(const std::string &command) {
     std::string output;
     if (FILE *pipe = ::popen(command.c_str(), "r")) {
         char buffer[4096];
@@ -112,8 +105,8 @@ TEST_F(GeoConvert, AgreesWithCs2csAtRandomPoints) {
         ASSERT_EQ(ours.code, 0) << ours.err;
         // cs2cs takes and gives each system's own axis order: latitude
         // first for the geographic ones, easting first for these grids.
-        const auto theirs = lines(runProgram("cs2cs -f %.6f " + std::string(c.from) + " " + c.to +
-                                             " < " + plain.string()));
+        const auto theirs = lines(shellOutput("cs2cs -f %.6f " + std::string(c.from) + " " + c.to +
+                                              " < " + plain.string()));
         const auto got = lines(ours.out);
         ASSERT_EQ(got.size(), 1000u);
         ASSERT_EQ(theirs.size(), 1000u);
@@ -234,7 +227,7 @@ TEST_F(GeoConvert, WarnsAndFailsPerLine) {
 }
 
 TEST_F(GeoConvert, FilesAndSystemsThatCannotBeUsed) {
-    const auto missing = (dir / "nosuch.txt").string();
+    const auto missing = at("nosuch.txt");
     const auto noFile =
         runCli({"geo", "convert", "--from", "latlon", "--to", "EPSG:32613", missing});
     EXPECT_EQ(noFile.code, 1);
@@ -262,7 +255,7 @@ TEST_F(GeoConvert, GeoidHeightsAgreeWithVgridshift) {
     const std::string gtx = "/usr/share/proj/egm96_15.gtx";
     if (!std::filesystem::exists(gtx) || std::system("command -v cct >/dev/null 2>&1") != 0)
         GTEST_SKIP() << "PROJ's egm96_15.gtx or cct is not installed";
-    const auto grd = (dir / "egm96.grd").string();
+    const auto grd = at("egm96.grd");
     ASSERT_EQ(runCli({"geoid", "import", gtx, grd}).code, 0);
     const double points[][3] = {{40.0, -105.0, 1600.0}, {-33.9, 18.4, 50.0}, {51.5, -0.1, 100.0},
                                 {-8.3, 115.2, 12.0},    {64.1, -21.9, 30.0}, {0.0, 0.0, 0.0}};
@@ -275,9 +268,9 @@ TEST_F(GeoConvert, GeoidHeightsAgreeWithVgridshift) {
     }
     const auto inFile = write("geodetic.txt", input);
     const auto theirsFile = write("cct.txt", theirsIn);
-    const auto theirs = lines(runProgram("cct -d 6 +proj=vgridshift +grids=egm96_15.gtx "
-                                         "+multiplier=-1 " +
-                                         theirsFile.string()));
+    const auto theirs = lines(shellOutput("cct -d 6 +proj=vgridshift +grids=egm96_15.gtx "
+                                          "+multiplier=-1 " +
+                                          theirsFile.string()));
     const auto grid = runCli({"geo", "convert", "--from", "latlon", "--to", "EPSG:4087", "--geoid",
                               "EGM96", "--geoid-data", dir.string(), inFile.string()});
     ASSERT_EQ(grid.code, 0) << grid.err;

@@ -12,10 +12,7 @@ using tramline::test::spit;
 
 const std::filesystem::path kSamples = TRAMLINE_SAMPLES_DIR;
 
-class GsiCommands : public tramline::test::ScratchFolderTest {
-protected:
-    std::string at(const std::string &name) const { return (dir / name).string(); }
-};
+using GsiCommands = tramline::test::ScratchFolderTest;
 
 TEST_F(GsiCommands, ImportEndsWithItsSummaryAndFillsTheCoordinateFile) {
     if (!std::filesystem::exists(kSamples))

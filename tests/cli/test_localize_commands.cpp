@@ -133,8 +133,8 @@ TEST_F(LocalizeCli, BadInputStoresNothingAndSaysWhy) {
          {"localize", "fit", farAway.string(), "--epsg", "32633"},
          "outside the coordinate system's area (1)"},
         {"gps processing without a localization",
-         {"process", onlyGps.string(), "--crd", (dir / "x.crd").string(), "--method", "gps",
-          "--localization", (dir / "missing.dat").string()},
+         {"process", onlyGps.string(), "--crd", at("x.crd"), "--method", "gps", "--localization",
+          at("missing.dat")},
          "Error: unable to open file"},
     };
     for (const auto &c : cases) {

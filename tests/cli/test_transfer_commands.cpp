@@ -19,8 +19,7 @@ TEST_F(TransferCommands, DownloadConvertsAndShowsProgress) {
     peer.play([&](PtyPeer &p) { p.send(sdr, 16, milliseconds(2)); });
     const auto r =
         runCli({"transfer", "download", "sdr", "--port", peer.device(), "--baud", "38400", "-o",
-                (dir / "job.rw5").string(), "--crd", (dir / "job.crd").string(), "--capture",
-                (dir / "capture.sdr").string()});
+                at("job.rw5"), "--crd", at("job.crd"), "--capture", at("capture.sdr")});
     peer.join();
     EXPECT_EQ(r.code, 0) << r.err;
     EXPECT_NE(r.err.find("Port Open. Waiting for Sokkia ...\nReceiving Line: 0\n"),
@@ -50,8 +49,7 @@ TEST_F(TransferCommands, UploadAndItsFailures) {
         int code;
         const char *err;
     } cases[] = {
-        {{"transfer", "upload", "points", "--port", peer.device(), "--crd",
-          (dir / "none.crd").string()},
+        {{"transfer", "upload", "points", "--port", peer.device(), "--crd", at("none.crd")},
          1,
          "Error: failed to read"},
         {{"transfer", "download", "topcon", "--port", "/dev/tramline-none"},

@@ -16,8 +16,6 @@
 #include <functional>
 #include <iterator>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
 
 namespace crdtest {
@@ -94,7 +92,7 @@ using tramline::test::runUnprivileged;
 /// A scratch folder per test, a scripted interaction that records the
 /// store's messages, and a context with a fixed clock and instant waits
 /// (each wait is recorded).
-class CrdTest : public ::testing::Test {
+class CrdTest : public tramline::test::ScratchFolderTest {
 protected:
     CrdTest() {
         context.messages = &ui;
@@ -104,22 +102,8 @@ protected:
             return true;
         };
     }
-    void SetUp() override {
-        const auto *info = ::testing::UnitTest::GetInstance()->current_test_info();
-        dir = std::filesystem::temp_directory_path() /
-              (std::string("tramline-crd-") + info->test_suite_name() + "-" + info->name() + "-" +
-               std::to_string(::getpid()));
-        std::filesystem::remove_all(dir);
-        std::filesystem::create_directories(dir);
-    }
-    void TearDown() override {
-        std::error_code ec;
-        std::filesystem::permissions(dir, std::filesystem::perms::owner_all, ec);
-        std::filesystem::remove_all(dir, ec);
-    }
     std::filesystem::path file(const std::string &name) const { return dir / name; }
 
-    std::filesystem::path dir;
     tramline::ScriptedInteraction ui;
     std::vector<int> waits;
     tramline::crd::CrdContext context;

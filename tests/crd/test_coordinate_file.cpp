@@ -364,8 +364,8 @@ TEST_F(CoordinateFileTest, SaveAsAndRenameCarryTheSideFiles) {
 }
 
 TEST(CrdNotes, TextSurvivesEscapes) {
-    const auto path = std::filesystem::temp_directory_path() /
-                      ("tramline-notes-" + std::to_string(::getpid()) + ".not");
+    const tramline::test::ScratchFolder folder;
+    const auto path = folder.path / "site.not";
     NotesFile notes;
     notes.add("A\t1", "line one\nline\\two\r");
     notes.add("a1", "second");
@@ -379,7 +379,6 @@ TEST(CrdNotes, TextSurvivesEscapes) {
     EXPECT_EQ(back.notes().size(), 1u);
     crdtest::writeBytes(path, {'x', '\n'});
     EXPECT_FALSE(back.load(path)); // not a notes file
-    std::filesystem::remove(path);
 }
 
 } // namespace

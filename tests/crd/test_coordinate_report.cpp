@@ -17,10 +17,7 @@ namespace {
 
 const std::filesystem::path kCases = std::filesystem::path(TRAMLINE_TEST_DATA) / "crd";
 
-std::string text(const std::filesystem::path &path) {
-    const Bytes b = readBytes(path);
-    return std::string(b.begin(), b.end());
-}
+using tramline::test::slurp;
 
 class CoordinateReportCase : public CrdTest, public ::testing::WithParamInterface<std::string> {};
 
@@ -30,7 +27,7 @@ TEST_P(CoordinateReportCase, MatchesTheListing) {
     const bool numeric = GetParam().starts_with("numeric");
     ASSERT_TRUE(
         crd.open(file("job.crd"), Create::Always, numeric ? kFormatNumeric : kFormatAlphanumeric));
-    std::istringstream lines(text(folder / "points.txt"));
+    std::istringstream lines(slurp(folder / "points.txt"));
     for (std::string line; std::getline(lines, line);) {
         const auto f = tramline::split(line, '|');
         ASSERT_EQ(f.size(), 5u) << line;
@@ -42,13 +39,13 @@ TEST_P(CoordinateReportCase, MatchesTheListing) {
         p.description = f[4];
         ASSERT_TRUE(crd.writePoint(p)) << line;
     }
-    const auto order = tramline::trim(text(folder / "order.txt")) == "easting-northing"
+    const auto order = tramline::trim(slurp(folder / "order.txt")) == "easting-northing"
                            ? CoordinateOrder::EastingNorthing
                            : CoordinateOrder::NorthingEasting;
     std::string report;
     ASSERT_TRUE(printCoordinates(crd, "C:\\jobs\\" + GetParam() + ".crd", order, dir, report).ok());
-    EXPECT_EQ(report, text(folder / "expected.txt"));
-    EXPECT_EQ(text(dir / "morvrprt.tmp"), report);
+    EXPECT_EQ(report, slurp(folder / "expected.txt"));
+    EXPECT_EQ(slurp(dir / "morvrprt.tmp"), report);
 }
 
 INSTANTIATE_TEST_SUITE_P(Listings, CoordinateReportCase,

@@ -9,6 +9,7 @@
 
 using namespace tramline::crd;
 using namespace crdtest;
+using tramline::test::slurp;
 
 namespace {
 
@@ -29,12 +30,8 @@ protected:
         EXPECT_TRUE(user.addNote("1", "found"));
         return path;
     }
-    std::string state(const std::filesystem::path &path) {
+    static std::string state(const std::filesystem::path &path) {
         return slurp(path) + "|" + slurp(notesPathFor(path)) + "|" + slurp(historyPathFor(path));
-    }
-    static std::string slurp(const std::filesystem::path &path) {
-        const Bytes b = readBytes(path);
-        return std::string(b.begin(), b.end());
     }
 
     CoordinateFile working{context};

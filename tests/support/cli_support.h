@@ -22,4 +22,13 @@ inline CliResult runCli(const std::vector<std::string> &args) {
     return {code, out.str(), err.str()};
 }
 
+/// The lines of a command's output, without their line ends.
+inline std::vector<std::string> lines(const std::string &text) {
+    std::vector<std::string> result;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        result.push_back(line);
+    return result;
+}
+
 } // namespace tramline::test

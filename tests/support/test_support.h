@@ -86,6 +86,9 @@ protected:
         std::filesystem::remove_all(dir, ec);
     }
 
+    /// The path of `name` in the scratch folder, as a command line takes it.
+    std::string at(const std::string &name) const { return (dir / name).string(); }
+
     /// Writes `bytes` to `name` in the scratch folder and returns its path.
     std::filesystem::path write(const std::string &name, const std::string &bytes) {
         const auto path = dir / name;
