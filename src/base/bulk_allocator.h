@@ -1,9 +1,8 @@
 // An allocator for the arrays a large job holds by the million (raw
-// records, computed points). Blocks of a few megabytes and more are mapped
-// on their own, aligned to 2 MiB and offered to the kernel for transparent
-// huge pages: a 200 MB array then costs a hundred page faults instead of
-// fifty thousand, and far fewer TLB misses while it is walked. Smaller
-// blocks come from the ordinary heap.
+// records, computed points). Blocks of 8 MB and more are aligned to a huge
+// page and ask for huge pages (base/huge_pages.h): a 200 MB array then
+// costs a hundred page faults instead of fifty thousand, and far fewer TLB
+// misses while it is walked. Smaller blocks come from the ordinary heap.
 #pragma once
 
 #include <cstddef>

@@ -42,11 +42,11 @@
 
 #include "base/angles.h"
 #include "base/format.h"
+#include "base/huge_pages.h"
 #include "base/text.h"
 #include "base/translation.h"
 #include "base/unset.h"
 #include "convert/gsi_reader.h"
-#include "convert/huge_pages.h"
 #include "convert/sdr_import.h"
 #include "raw/writer.h"
 

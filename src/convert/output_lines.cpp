@@ -1,6 +1,6 @@
 #include "convert/output_lines.h"
 
-#include "convert/huge_pages.h"
+#include "base/huge_pages.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 #include "convert/source_lines.h"
 
+#include "base/huge_pages.h"
 #include "base/line_reader.h"
 #include "base/translation.h"
-#include "convert/huge_pages.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "convert/text_blocks.h"
 
-#include "convert/huge_pages.h"
+#include "base/huge_pages.h"
 
 #include <algorithm>
 #include <new>

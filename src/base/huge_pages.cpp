@@ -1,4 +1,4 @@
-#include "convert/huge_pages.h"
+#include "base/huge_pages.h"
 
 #include <cstdint>
 
@@ -6,7 +6,7 @@
 #include <sys/mman.h>
 #endif
 
-namespace tramline::convert {
+namespace tramline {
 
 void adviseHugePages(const void *data, std::size_t bytes) {
 #if defined(MADV_HUGEPAGE)
@@ -23,4 +23,4 @@ void adviseHugePages(const void *data, std::size_t bytes) {
 #endif
 }
 
-} // namespace tramline::convert
+} // namespace tramline
