@@ -62,31 +62,24 @@ template <typename T> int compareValues(T x, T y) {
 
 } // namespace
 
-namespace {
-
-// Digits only, no leading zero, and few enough to stay below the largest
-// long: such names compare by value, i.e. by length and then digit by digit.
-bool plainNumber(std::string_view s) {
-    if (s.empty() || s.size() > 18 || (s.size() > 1 && s.front() == '0'))
-        return false;
-    for (const char c : s)
+std::int64_t plainPointNumber(std::string_view name) {
+    if (name.empty() || name.size() > 18 || (name.size() > 1 && name.front() == '0'))
+        return -1;
+    std::int64_t value = 0;
+    for (const char c : name) {
         if (!isDigit(c))
-            return false;
-    return true;
+            return -1;
+        value = value * 10 + (c - '0');
+    }
+    return value;
 }
-
-} // namespace
 
 int comparePointNames(std::string_view a, std::string_view b) {
     if (a.empty() && b.empty())
         return 0;
     // Numbered points are most of every file: settle them without parsing.
-    if (plainNumber(a) && plainNumber(b)) {
-        if (a.size() != b.size())
-            return a.size() < b.size() ? -1 : 1;
-        const int c = a.compare(b);
-        return (c > 0) - (c < 0);
-    }
+    if (const std::int64_t x = plainPointNumber(a), y = plainPointNumber(b); x >= 0 && y >= 0)
+        return (x > y) - (x < y);
     const size_t shorter = std::min(a.size(), b.size());
     for (size_t i = 0; i < shorter; ++i) {
         if (isDigit(a[i]) && isDigit(b[i])) {

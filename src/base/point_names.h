@@ -5,6 +5,7 @@
 // change: files written by other programs are searched with it.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,11 @@ namespace tramline {
 /// names do. Only case-blind equal names compare equal ("a1" == "A1", but
 /// "A01" comes before "A1").
 int comparePointNames(std::string_view a, std::string_view b);
+
+/// The value of a name of digits only, without a leading zero and at most
+/// 18 digits long; -1 for any other name. Two such names compare by their
+/// values alone, which is how numbered points sort quickly.
+std::int64_t plainPointNumber(std::string_view name);
 
 /// A list of names and ranges as users type it: "1-5,7,A10,B1-B9".
 /// A range holds every name that sorts between its ends (inclusive).

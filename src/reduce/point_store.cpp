@@ -39,21 +39,6 @@ bool keptAsGiven(std::string_view name) {
     return name.find_first_of(".-,\r\n") == std::string_view::npos;
 }
 
-// The value of a name made only of digits, without a leading zero and
-// short enough for 64 bits; -1 for any other name. Such names compare by
-// value alone, so a run of them sorts by a number key.
-std::int64_t plainNumber(std::string_view name) {
-    if (name.empty() || name.size() > 18 || (name.size() > 1 && name.front() == '0'))
-        return -1;
-    std::int64_t value = 0;
-    for (const char c : name) {
-        if (c < '0' || c > '9')
-            return -1;
-        value = value * 10 + (c - '0');
-    }
-    return value;
-}
-
 // The order in which the points go to the file: the name order when the
 // file is sorted by name, so that each bulk block lands after the one
 // before and appends rather than moving the file's tail again (a run of
@@ -74,7 +59,7 @@ std::vector<std::uint32_t> writeOrder(const decltype(PassResult::points) &points
     std::vector<Key, BulkAllocator<Key>> keyed(points.size());
     bool numbered = true;
     for (size_t i = 0; i < points.size() && numbered; ++i) {
-        keyed[i] = {plainNumber(points[i].point.name), static_cast<std::uint32_t>(i)};
+        keyed[i] = {plainPointNumber(points[i].point.name), static_cast<std::uint32_t>(i)};
         numbered = keyed[i].first >= 0;
     }
     if (numbered) {
